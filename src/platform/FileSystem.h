@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// Paths and the file system, beyond reading one file.
+namespace platform {
+
+constexpr std::uint32_t kInvalidFileAttributes = 0xFFFFFFFF;
+constexpr std::uint32_t kFileAttributeDirectory = 0x10;
+constexpr std::uint32_t kFileAttributeNormalFile = 0x80;
+
+// The separator that the system puts between folders of a path.
+extern const char16_t kPathSeparator;
+
+// The attributes of a path, kInvalidFileAttributes when it can't be asked.
+std::uint32_t GetPathAttributes(std::u16string_view path);
+// The full path of the program's own file, at most maxLength units; empty on failure.
+std::u16string GetProgramPath(std::size_t maxLength);
+// The absolute form of path; empty on failure.
+std::u16string GetFullPath(std::u16string_view path);
+// The current directory, at most maxLength units; empty on failure.
+std::u16string QueryCurrentDirectory(std::size_t maxLength);
+
+} // namespace platform

@@ -1,0 +1,54 @@
+#include "platform/FileSystem.h"
+
+#include "platform/posix/Utf8Path.h"
+
+#include <climits>
+#include <cstdlib>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace platform {
+
+const char16_t kPathSeparator = u'/';
+
+std::uint32_t GetPathAttributes(std::u16string_view path)
+{
+    struct stat info;
+    if (path.empty() || stat(posix::PathToBytes(path).c_str(), &info) != 0)
+        return kInvalidFileAttributes;
+    return S_ISDIR(info.st_mode) ? kFileAttributeDirectory : kFileAttributeNormalFile;
+}
+
+std::u16string GetProgramPath(std::size_t maxLength)
+{
+    std::vector<char> buffer(PATH_MAX + 1);
+    ssize_t length = readlink("/proc/self/exe", buffer.data(), PATH_MAX);
+    if (length <= 0)
+        return {};
+    std::u16string path = posix::PathFromBytes(std::string_view(buffer.data(), static_cast<std::size_t>(length)));
+    return path.size() < maxLength ? path : std::u16string();
+}
+
+std::u16string GetFullPath(std::u16string_view path)
+{
+    if (path.empty())
+        return {};
+    if (path.front() == u'/')
+        return std::u16string(path);
+    std::u16string current = QueryCurrentDirectory(PATH_MAX);
+    if (current.empty())
+        return {};
+    return current + (current.back() == u'/' ? u"" : u"/") + std::u16string(path);
+}
+
+std::u16string QueryCurrentDirectory(std::size_t maxLength)
+{
+    std::vector<char> buffer(PATH_MAX + 1);
+    if (!getcwd(buffer.data(), buffer.size()))
+        return {};
+    std::u16string path = posix::PathFromBytes(buffer.data());
+    return path.size() <= maxLength ? path : std::u16string();
+}
+
+} // namespace platform

@@ -1,0 +1,18 @@
+#include "platform/posix/Utf8Path.h"
+
+#include "platform/TextCodec.h"
+#include "platform/posix/Utf8.h"
+
+namespace platform::posix {
+
+std::string PathToBytes(std::u16string_view path)
+{
+    return WideToUtf8(path);
+}
+
+std::u16string PathFromBytes(std::string_view bytes)
+{
+    return Utf8ToWide(bytes);
+}
+
+} // namespace platform::posix

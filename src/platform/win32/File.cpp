@@ -1,0 +1,65 @@
+#include "platform/File.h"
+
+#include "platform/win32/WinText.h"
+
+#include <windows.h>
+
+namespace platform {
+
+FileHandle OpenFileForReading(std::u16string_view path, std::uint32_t flags)
+{
+    std::u16string terminated(path);
+    HANDLE file = CreateFileW(win32::Wide(terminated), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                              OPEN_EXISTING, flags, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return nullptr;
+    return reinterpret_cast<FileHandle>(file);
+}
+
+void CloseFile(FileHandle file)
+{
+    CloseHandle(reinterpret_cast<HANDLE>(file));
+}
+
+std::int64_t ReadFromFile(FileHandle file, void* destination, std::uint32_t count)
+{
+    DWORD read = 0;
+    if (!ReadFile(reinterpret_cast<HANDLE>(file), destination, count, &read, nullptr))
+        return -1;
+    return read;
+}
+
+std::int64_t WriteToFile(FileHandle file, const void* source, std::uint32_t count)
+{
+    DWORD written = 0;
+    if (!WriteFile(reinterpret_cast<HANDLE>(file), source, count, &written, nullptr))
+        return -1;
+    return written;
+}
+
+bool SeekFile(FileHandle file, std::int64_t offset, SeekOrigin origin, std::int64_t& newPosition)
+{
+    // SetFilePointer fails only when the low half is INVALID_SET_FILE_POINTER
+    // and the last error says so; the low half alone may be a real position.
+    LONG high = static_cast<LONG>(offset >> 32);
+    SetLastError(NO_ERROR);
+    DWORD low = SetFilePointer(reinterpret_cast<HANDLE>(file), static_cast<LONG>(offset & 0xFFFFFFFF), &high,
+                               static_cast<DWORD>(origin));
+    if (low == INVALID_SET_FILE_POINTER && GetLastError() != NO_ERROR)
+        return false;
+    newPosition = (static_cast<std::int64_t>(high) << 32) | low;
+    return true;
+}
+
+bool QueryFileSize(FileHandle file, std::int64_t& size)
+{
+    DWORD high = 0;
+    SetLastError(NO_ERROR);
+    DWORD low = GetFileSize(reinterpret_cast<HANDLE>(file), &high);
+    if (low == INVALID_FILE_SIZE && GetLastError() != NO_ERROR)
+        return false;
+    size = (static_cast<std::int64_t>(high) << 32) | low;
+    return true;
+}
+
+} // namespace platform

@@ -1,0 +1,82 @@
+#include "support/RiffBytes.h"
+
+RiffBytes& RiffBytes::Raw(std::string_view raw)
+{
+    bytes.append(raw);
+    return *this;
+}
+
+RiffBytes& RiffBytes::U16(std::uint16_t value)
+{
+    bytes.push_back(static_cast<char>(value & 0xFF));
+    bytes.push_back(static_cast<char>(value >> 8));
+    return *this;
+}
+
+RiffBytes& RiffBytes::U32(std::uint32_t value)
+{
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes.push_back(static_cast<char>((value >> shift) & 0xFF));
+    return *this;
+}
+
+RiffBytes& RiffBytes::Id(std::string_view fourcc)
+{
+    return Raw(fourcc.substr(0, 4));
+}
+
+RiffBytes& RiffBytes::Chunk(std::string_view fourcc, std::string_view body)
+{
+    ChunkNoPad(fourcc, body);
+    if (body.size() % 2 != 0)
+        bytes.push_back('\0');
+    return *this;
+}
+
+RiffBytes& RiffBytes::ChunkNoPad(std::string_view fourcc, std::string_view body)
+{
+    return ChunkWithSize(fourcc, static_cast<std::uint32_t>(body.size()), body);
+}
+
+RiffBytes& RiffBytes::ChunkWithSize(std::string_view fourcc, std::uint32_t declaredSize, std::string_view body)
+{
+    return Id(fourcc).U32(declaredSize).Raw(body);
+}
+
+std::string FormatBodyAligned(std::uint16_t tag, std::uint16_t channels, std::uint32_t samplesPerSec,
+                              std::uint16_t bitsPerSample, std::uint16_t blockAlign)
+{
+    return RiffBytes()
+        .U16(tag)
+        .U16(channels)
+        .U32(samplesPerSec)
+        .U32(samplesPerSec * blockAlign)
+        .U16(blockAlign)
+        .U16(bitsPerSample)
+        .Bytes();
+}
+
+std::string FormatBody(std::uint16_t tag, std::uint16_t channels, std::uint32_t samplesPerSec,
+                       std::uint16_t bitsPerSample)
+{
+    auto blockAlign = static_cast<std::uint16_t>(channels * ((bitsPerSample + 7) / 8));
+    return FormatBodyAligned(tag, channels, samplesPerSec, bitsPerSample, blockAlign);
+}
+
+std::string Riff(std::string_view children, std::string_view formType)
+{
+    return RiffBytes()
+        .Id("RIFF")
+        .U32(static_cast<std::uint32_t>(children.size() + 4))
+        .Id(formType)
+        .Raw(children)
+        .Bytes();
+}
+
+std::string SoundWave(std::uint32_t frames)
+{
+    return Riff(RiffBytes()
+                    .Chunk("fmt ", FormatBody(1, 2, 44100, 16))
+                    .Chunk("data", std::string(frames * 4, '\0'))
+                    .Bytes());
+}

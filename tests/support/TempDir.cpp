@@ -1,0 +1,46 @@
+#include "support/TempDir.h"
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+namespace fs = std::filesystem;
+
+TempDir::TempDir()
+{
+    std::random_device random;
+    fs::path base = fs::temp_directory_path();
+    for (;;) {
+        fs::path candidate = base / ("sondara-test-" + std::to_string(random()));
+        if (fs::create_directory(candidate)) {
+            root = candidate.string();
+            break;
+        }
+    }
+}
+
+TempDir::~TempDir()
+{
+    std::error_code ignored;
+    fs::remove_all(root, ignored);
+}
+
+WideString TempDir::PathOf(std::string_view name) const
+{
+    fs::path path = fs::path(root) / fs::path(std::string(name));
+    std::u16string text = path.u16string();
+    return WideString(text);
+}
+
+WideString TempDir::Write(std::string_view name, std::string_view bytes) const
+{
+    std::ofstream out(fs::path(root) / fs::path(std::string(name)), std::ios::binary);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return PathOf(name);
+}
+
+WideString TempDir::MakeDir(std::string_view name) const
+{
+    fs::create_directory(fs::path(root) / fs::path(std::string(name)));
+    return PathOf(name);
+}
