@@ -1,0 +1,56 @@
+#include "wave/DataChunk.h"
+
+#include "platform/File.h"
+#include "wave/FormatChunk.h"
+#include "wave/WaveDocument.h"
+
+DataChunk::DataChunk(WaveDocument& document) : Chunk(document)
+{
+    document.RegisterDataChunk(this, true);
+}
+
+DataChunk::~DataChunk()
+{
+    document->RegisterDataChunk(this, false);
+}
+
+// Reads like any chunk, then opens the two streams of its own. A size of 0
+// takes all the rest of the file: the walk ends here.
+bool DataChunk::Read(std::uint32_t chunkId)
+{
+    if (!Chunk::Read(chunkId))
+        return false;
+    StreamGuard guard;
+    FileStream& stream = document->AcquireStream(guard);
+    const WideString path = stream.GetPath();
+    constexpr std::uint32_t kFlags = platform::kFileAttributeNormal | platform::kFileFlagSequentialScan;
+    if (!frameStream.OpenPlain(path, kFlags) || !spareStream.OpenPlain(path, kFlags))
+        return false;
+    if (size == 0)
+        stream.Seek(0, 2);
+    return true;
+}
+
+// Frames from the declared size and the format's block alignment; -1
+// without a usable format. When the declared size gives no frame, the real
+// length of the file behind the chunk's header gives the count instead.
+void DataChunk::UpdateFrameCount()
+{
+    const FormatChunk* formatChunk = document->GetFormatChunk();
+    const std::int32_t kind = document->GetContainerKind();
+    if (!formatChunk || kind != 1 || formatChunk->GetFormat().blockAlign == 0) {
+        frameCount = -1;
+        return;
+    }
+    const std::int64_t blockAlign = formatChunk->GetFormat().blockAlign;
+    frameCount = size / blockAlign;
+    if (frameStream.IsOpen() && frameCount <= 0) {
+        frameCount = (frameStream.GetSize() - (position + 8)) / blockAlign;
+    }
+}
+
+void DataChunk::CloseStreams()
+{
+    frameStream.Close();
+    spareStream.Close();
+}

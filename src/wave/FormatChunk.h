@@ -1,0 +1,38 @@
+#pragma once
+
+#include "wave/Chunk.h"
+
+#include <cstdint>
+
+// The 18-byte record of a format body, laid out as on disk.
+struct WaveFormat {
+    std::uint16_t formatTag = 0;
+    std::uint16_t channels = 0;
+    std::uint32_t samplesPerSec = 0;
+    std::uint32_t avgBytesPerSec = 0;
+    std::uint16_t blockAlign = 0;
+    std::uint16_t bitsPerSample = 0;
+    std::uint16_t extraSize = 0;
+
+    static constexpr std::uint32_t kRecordBytes = 18;
+    // The record from its bytes; fewer than 18 leave the rest zero.
+    static WaveFormat FromBytes(const std::uint8_t* bytes, std::uint32_t count);
+};
+
+constexpr std::uint16_t kFormatTagPcm = 1;
+constexpr std::uint16_t kFormatTagExtensible = 0xFFFE;
+
+// The "fmt " chunk.
+class FormatChunk : public Chunk {
+public:
+    explicit FormatChunk(WaveDocument& document);
+    ~FormatChunk() override;
+
+    bool Read(std::uint32_t id) override;
+
+    WaveFormat GetFormat() const;
+    bool IsPcm() const;
+
+private:
+    WaveFormat format;
+};

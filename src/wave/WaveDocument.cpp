@@ -1,0 +1,252 @@
+#include "wave/WaveDocument.h"
+
+#include "platform/File.h"
+#include "wave/Chunk.h"
+#include "wave/DataChunk.h"
+#include "wave/FormatChunk.h"
+#include "wave/FourCc.h"
+#include "wave/RootChunk.h"
+
+#include <new>
+
+namespace {
+
+constexpr std::uint32_t kOpenFlags = platform::kFileAttributeNormal | platform::kFileFlagSequentialScan;
+
+// The walk reads headers in small steps; they come from one buffer.
+constexpr std::uint32_t kReadAheadBytes = 64 * 1024;
+
+// Words of a file that is not RIFF are looked at a block at a time.
+constexpr std::uint32_t kScanBlockBytes = 256 * 1024;
+
+// How deep RIFF and LIST chunks may nest. Each level costs a few bytes of
+// file and one level of recursion; beyond this bound the walk is abandoned
+// as a structural error rather than risking the worker's stack.
+constexpr std::int32_t kMaxNesting = 256;
+
+// Ids whose chunks do more than fail at once in a file that is not RIFF.
+bool HasOwnClass(std::uint32_t id)
+{
+    return id == kIdRiff || id == kIdData || id == kIdFormat || id == kIdList || id == kIdInfo || id == kIdBext;
+}
+
+} // namespace
+
+void StreamGuard::Release()
+{
+    if (held)
+        held->Leave();
+    held = nullptr;
+}
+
+WaveDocument::WaveDocument() = default;
+
+WaveDocument::~WaveDocument()
+{
+    DestroyChunks();
+    stream.Close();
+}
+
+void WaveDocument::DestroyChunks()
+{
+    platform::LockGuard guard(lock);
+    chunks.ClearFromBack();
+}
+
+// Walks the file at path as a sequence of RIFF chunks. True when every
+// top-level chunk read well, also when the file is too short for one id;
+// false when the file can't be opened or a top-level chunk failed. What was
+// read stays in the tree either way. The container kind is never reset.
+bool WaveDocument::Open(const WideString& path)
+{
+    {
+        platform::LockGuard guard(lock);
+        chunks.ClearFromBack();
+        stream.Close();
+    }
+    platform::LockGuard guard(lock);
+    nestingDepth = 0;
+    walkAbandoned = false;
+    if (!stream.OpenPlain(path, kOpenFlags))
+        return false;
+    // Without memory for it the walk is slower, with the same results.
+    stream.EnableReadAhead(kReadAheadBytes);
+
+    bool result = true;
+    std::uint32_t id = 0;
+    while (ReadTopLevelId(id, result)) {
+        std::unique_ptr<Chunk> chunk;
+        if (!CreateChunk(id, chunk))
+            continue;
+        if (!chunk->Read(id))
+            result = false;
+        chunks.Add(std::move(chunk));
+        if (containerKind != 1)
+            DropChunksWithoutSlot();
+        if (walkAbandoned) {
+            result = false;
+            break;
+        }
+    }
+    scanBuffer.Resize(0);
+    if (dataChunk)
+        dataChunk->UpdateFrameCount();
+    return result;
+}
+
+// Reads the id of the next top-level chunk; false at the end of the file.
+//
+// While no RIFF id has been met, the chunk of an id without a class of its
+// own fails at once, having read nothing but its id. Such words are passed
+// over here a block at a time, each counting as a failed chunk, so that a
+// large file that is not RIFF costs neither a chunk object nor a call of
+// the system for every 4 bytes.
+bool WaveDocument::ReadTopLevelId(std::uint32_t& id, bool& result)
+{
+    if (containerKind == 1 || !scanBuffer.Resize(kScanBlockBytes)) {
+        std::uint8_t bytes[4];
+        if (stream.Read(bytes, 4) < 4)
+            return false;
+        id = ReadLittleEndian32(bytes);
+        return true;
+    }
+    for (;;) {
+        std::int64_t start = stream.Tell();
+        std::uint32_t got = stream.Read(scanBuffer.Data(), kScanBlockBytes);
+        std::uint32_t words = got / 4;
+        for (std::uint32_t word = 0; word < words; ++word) {
+            std::uint32_t candidate = ReadLittleEndian32(scanBuffer.Data() + word * 4);
+            if (!HasOwnClass(candidate))
+                continue;
+            if (word > 0)
+                result = false;
+            id = candidate;
+            return stream.SeekTo(start + (word + 1) * 4);
+        }
+        if (words > 0)
+            result = false;
+        if (got < kScanBlockBytes)
+            return false;
+    }
+}
+
+// While no RIFF id has been met, nothing of a top-level chunk can matter to
+// a user of the document but the registry slots it holds, so chunks that
+// hold none are not kept. This keeps a file that is not RIFF from costing
+// memory for each of its words.
+void WaveDocument::DropChunksWithoutSlot()
+{
+    for (std::size_t i = chunks.Count(); i-- > 0;) {
+        if (!HoldsRegistrySlot(*chunks.At(i)))
+            chunks.RemoveAt(i);
+    }
+}
+
+bool WaveDocument::HoldsRegistrySlot(const Chunk& chunk) const
+{
+    const void* self = &chunk;
+    if (self == rootChunk || self == formatChunk || self == dataChunk || self == infoChunk || self == bextChunk)
+        return true;
+    for (const auto& child : chunk.GetChildren()) {
+        if (HoldsRegistrySlot(*child))
+            return true;
+    }
+    return false;
+}
+
+// Releases whatever the guard held and enters the lock, which stays held
+// until the guard is released or destroyed.
+FileStream& WaveDocument::AcquireStream(StreamGuard& guard)
+{
+    guard.Release();
+    lock.Enter();
+    guard.held = &lock;
+    return stream;
+}
+
+bool WaveDocument::EnterNesting()
+{
+    ++nestingDepth;
+    if (nestingDepth <= kMaxNesting && !walkAbandoned)
+        return true;
+    if (!walkAbandoned) {
+        walkAbandoned = true;
+        // Nothing behind this point is read: the walk ends at the end of the file.
+        StreamGuard guard;
+        AcquireStream(guard).Seek(0, 2);
+    }
+    return false;
+}
+
+// Makes the chunk class of id in slot, destroying what the slot held. RIFF
+// and data chunks are made only here; every other id goes to the basic
+// factory. True when the slot holds a new chunk.
+bool WaveDocument::CreateChunk(std::uint32_t id, std::unique_ptr<Chunk>& slot)
+{
+    if (id != kIdRiff && id != kIdData)
+        return CreateBasicChunk(id, slot);
+    slot.reset();
+    if (id == kIdRiff) {
+        containerKind = 1;
+        slot.reset(new (std::nothrow) RootChunk(*this));
+    } else {
+        slot.reset(new (std::nothrow) DataChunk(*this));
+    }
+    return slot != nullptr;
+}
+
+// Makes the chunk class of id in slot for ids that may stand anywhere, also
+// as the type of a list: RIFF and data make plain chunks here.
+bool WaveDocument::CreateBasicChunk(std::uint32_t id, std::unique_ptr<Chunk>& slot)
+{
+    slot.reset();
+    if (id == kIdFormat)
+        slot.reset(new (std::nothrow) FormatChunk(*this));
+    else
+        slot.reset(new (std::nothrow) Chunk(*this));
+    return slot != nullptr;
+}
+
+// Adding overwrites the slot, so the chunk made last wins; taking out clears
+// the slot only when it holds that very chunk.
+template <typename ChunkClass>
+bool WaveDocument::Register(ChunkClass*& registrySlot, ChunkClass* chunk, bool add)
+{
+    platform::LockGuard guard(lock);
+    if (add)
+        registrySlot = chunk;
+    else if (registrySlot == chunk)
+        registrySlot = nullptr;
+    return true;
+}
+
+bool WaveDocument::RegisterRootChunk(RootChunk* chunk, bool add)
+{
+    return Register(rootChunk, chunk, add);
+}
+
+bool WaveDocument::RegisterFormatChunk(FormatChunk* chunk, bool add)
+{
+    return Register(formatChunk, chunk, add);
+}
+
+// Only the data chunk in the slot is ever asked for its frames, so one that
+// loses the slot gives back its file handles: a file of many data chunks
+// then can't run the process out of handles.
+bool WaveDocument::RegisterDataChunk(DataChunk* chunk, bool add)
+{
+    platform::LockGuard guard(lock);
+    if (add && dataChunk && dataChunk != chunk)
+        dataChunk->CloseStreams();
+    return Register(dataChunk, chunk, add);
+}
+
+bool WaveDocument::RegisterInfoChunk(InfoChunk* chunk, bool add)
+{
+    return Register(infoChunk, chunk, add);
+}
+
+bool WaveDocument::RegisterBextChunk(BextChunk* chunk, bool add)
+{
+    return Register(bextChunk, chunk, add);
+}

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "base/Array.h"
+#include "base/ByteBlock.h"
+#include "base/FileStream.h"
+#include "base/WideString.h"
+#include "platform/RecursiveLock.h"
+
+#include <cstdint>
+#include <memory>
+
+class BextChunk;
+class Chunk;
+class DataChunk;
+class FormatChunk;
+class InfoChunk;
+class RootChunk;
+
+// Holds the document's lock from WaveDocument::AcquireStream until it is
+// released or destroyed.
+class StreamGuard {
+public:
+    StreamGuard() = default;
+    ~StreamGuard() { Release(); }
+    StreamGuard(const StreamGuard&) = delete;
+    StreamGuard& operator=(const StreamGuard&) = delete;
+
+    void Release();
+
+private:
+    friend class WaveDocument;
+    platform::RecursiveLock* held = nullptr;
+};
+
+// A RIFF file walked into a tree of chunks, with a registry of the chunks
+// that its users ask for. One check makes one on its own stack; it owns the
+// chunks and the streams. All reading goes through AcquireStream.
+class WaveDocument {
+public:
+    WaveDocument();
+    ~WaveDocument();
+    WaveDocument(const WaveDocument&) = delete;
+    WaveDocument& operator=(const WaveDocument&) = delete;
+
+    bool Open(const WideString& path);
+    std::int32_t GetContainerKind() const { return containerKind; }
+    FormatChunk* GetFormatChunk() const { return formatChunk; }
+    DataChunk* GetDataChunk() const { return dataChunk; }
+    FileStream& AcquireStream(StreamGuard& guard);
+    const Array<std::unique_ptr<Chunk>>& GetChunks() const { return chunks; }
+
+    // Chunk factories
+    bool CreateChunk(std::uint32_t id, std::unique_ptr<Chunk>& slot);
+    bool CreateBasicChunk(std::uint32_t id, std::unique_ptr<Chunk>& slot);
+
+    // Registry: a chunk's constructor registers it (true), its destructor
+    // takes it out again (false).
+    bool RegisterRootChunk(RootChunk* chunk, bool add);
+    bool RegisterFormatChunk(FormatChunk* chunk, bool add);
+    bool RegisterDataChunk(DataChunk* chunk, bool add);
+    bool RegisterInfoChunk(InfoChunk* chunk, bool add);
+    bool RegisterBextChunk(BextChunk* chunk, bool add);
+
+    // Nesting of container chunks: each level enters on its way in and
+    // leaves on its way out. Entering beyond the bound abandons the walk.
+    bool EnterNesting();
+    void LeaveNesting() { --nestingDepth; }
+    bool IsWalkAbandoned() const { return walkAbandoned; }
+
+private:
+    template <typename ChunkClass>
+    bool Register(ChunkClass*& registrySlot, ChunkClass* chunk, bool add);
+    bool ReadTopLevelId(std::uint32_t& id, bool& result);
+    bool HoldsRegistrySlot(const Chunk& chunk) const;
+    void DropChunksWithoutSlot();
+    void DestroyChunks();
+
+    platform::RecursiveLock lock;
+    std::int32_t containerKind = 0;
+    FileStream stream;
+    Array<std::unique_ptr<Chunk>> chunks;
+    RootChunk* rootChunk = nullptr;
+    FormatChunk* formatChunk = nullptr;
+    DataChunk* dataChunk = nullptr;
+    InfoChunk* infoChunk = nullptr;
+    BextChunk* bextChunk = nullptr;
+
+    std::int32_t nestingDepth = 0;
+    bool walkAbandoned = false;
+    ByteBlock scanBuffer;
+};
+
+// One level of container nesting for the length of a container's read.
+class NestingLevel {
+public:
+    explicit NestingLevel(WaveDocument& document) : document(document), allowed(document.EnterNesting()) {}
+    ~NestingLevel() { document.LeaveNesting(); }
+    NestingLevel(const NestingLevel&) = delete;
+    NestingLevel& operator=(const NestingLevel&) = delete;
+
+    bool IsAllowed() const { return allowed; }
+
+private:
+    WaveDocument& document;
+    bool allowed;
+};
