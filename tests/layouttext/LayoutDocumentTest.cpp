@@ -1,0 +1,182 @@
+#include "layouttext/LayoutDocument.h"
+
+#include "platform/TextCodec.h"
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+std::string Shown(const WideString& text)
+{
+    std::string shown;
+    for (char c : platform::WideToUtf8(text.View()))
+        shown += c == '\r' ? "\\r" : c == '\n' ? "\\n" : std::string(1, c);
+    return shown;
+}
+
+// Sections in order as "[name] key=value key=value", keys sorted, since a
+// map's walk order is no part of its behaviour.
+std::string Describe(const LayoutDocument& document)
+{
+    std::string text;
+    for (std::int32_t i = 0; i < document.GetSectionCount(); ++i) {
+        text += (i ? " [" : "[") + Shown(document.GetSectionName(i)) + "]";
+        const AttributeMap& map = document.GetSectionMap(i);
+        std::vector<std::string> entries;
+        WideString key;
+        WideString value;
+        for (std::int32_t index = 0; map.GetEntry(index, key, value); ++index)
+            entries.push_back(Shown(key) + "=" + Shown(value));
+        std::sort(entries.begin(), entries.end());
+        for (const std::string& entry : entries)
+            text += " " + entry;
+    }
+    return text;
+}
+
+// Bytes as the thread's character set reads them. The native tests run with
+// UTF-8, where the Japanese of these tests reads as itself; under another code page
+// the same bytes give other characters, and the document must hold those.
+WideString ThreadText(std::string_view bytes)
+{
+    return WideString(platform::ThreadBytesToWide(bytes.data(), bytes.size()));
+}
+
+} // namespace
+
+TEST(LayoutDocumentParse, SectionGrammar)
+{
+    struct Case {
+        std::u16string_view text;
+        const char* sections;
+    };
+    const Case cases[] = {
+        {u"; the path\r\n[EditableText]\r\nName=WaveFilePath\r\nOption=SingleLine,TabStop",
+         "[EditableText] Name=WaveFilePath Option=SingleLine,TabStop"},
+        {u"[]\r\nk=v", ""},
+        {u"[A]\r\n[x\r\nk=v", "[A] k=v"},
+        {u"[A]\r\na=b=c", "[A] a=b=c"},
+        {u"[A]\r\n=x", "[A] ="},
+        {u"[A]\r\nx=", "[A] x="},
+        {u"[a=b]\r\nk=v", "[a=b] k=v"},
+        {u"[[x]]", "[[x]]"},
+        {u"k=v\r\n[A]\r\nplain words", "[A]"},
+        {u"[A]\r\nk=1\r\nK=1\r\nk=2\r\n[A]\r\nk=3", "[A] K=1 k=2 [A] k=3"},
+        // Nothing is trimmed, and markers count only as the very first character.
+        {u" [A]\r\nk=v", ""},
+        {u"[A]\r\n a = b \r\n\tk\t=\tv", "[A] \tk\t=\tv  a = b "},
+        {u"[A]\r\n//[x]\r\n //[x]\r\n;k=v\r\n ;k=v\r\n//k=v", "[A]  ;k=v"},
+        {u"[A]\r\nText=\"q\\n\" /* http://host/a;b */", "[A] Text=\"q\\n\" /* http://host/a;b */"},
+        // Lines end only at CR LF; empty lines vanish, a last line needs no end.
+        {u"[A]\nk=v\n[B]", "[A]\\nk=v\\n[B]"},
+        {u"[A]\r\nk=v\nx=y\r\nz=1\r", "[A] k=v\\nx=y z=1\\r"},
+        {u"\r\n\r\n[A]\r\n\r\nk=v\r\n\r\n", "[A] k=v"},
+        {u"\uFEFF[A]\r\nk=v", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(Shown(WideString(c.text)));
+        LayoutDocument document;
+        EXPECT_TRUE(document.Parse(WideString(c.text)));
+        EXPECT_EQ(Describe(document), c.sections);
+    }
+}
+
+TEST(LayoutDocumentParse, ClearsFirstAndSharesEmptyObjects)
+{
+    LayoutDocument document;
+    ASSERT_TRUE(document.Parse(u"[A]\r\nk=v\r\n[B]"));
+    for (std::int32_t index : {-1, 2}) {
+        EXPECT_EQ(&document.GetSectionName(index), &LayoutDocument().GetSectionName(0)) << index;
+        EXPECT_EQ(&document.GetSectionMap(index), &LayoutDocument().GetSectionMap(0)) << index;
+        EXPECT_TRUE(document.GetSectionName(index).IsEmpty());
+        EXPECT_EQ(document.GetSectionMap(index).Count(), 0);
+    }
+    EXPECT_TRUE(document.Parse(u"; nothing usable"));
+    EXPECT_EQ(document.GetSectionCount(), 0);
+    ASSERT_TRUE(document.Parse(u"[Riff]\r\nType=Wave\r\n[Format]\r\n[Data]"));
+    ASSERT_TRUE(document.RemoveFirstSection());
+    EXPECT_EQ(Describe(document), "[Format] [Data]");
+    EXPECT_FALSE(document.Parse(u""));
+    EXPECT_EQ(document.GetSectionCount(), 0);
+    EXPECT_FALSE(document.RemoveFirstSection());
+}
+
+class LayoutDocumentLoad : public ::testing::Test {
+protected:
+    TempDir dir;
+    LayoutDocument document;
+};
+
+// A layout as it is written by hand: comments, a section that comes twice, a
+// repeated key, a line that ends in LF alone, Japanese text, and no line end
+// at the end.
+TEST_F(LayoutDocumentLoad, MainLayoutWithCommentsAndDuplicates)
+{
+    const char* start = "\xE9\x96\x8B\xE5\xA7\x8B";         // 開始
+    const char* japan = "\xE6\x97\xA5\xE6\x9C\xAC";         // 日本
+    const char* working = "\xE5\x87\xA6\xE7\x90\x86\xE4\xB8\xAD..."; // 処理中...
+    WideString path = dir.Write("Main.jpn", std::string("; Sondara main window\r\n"
+                                                        "// widgets are built in this order\r\n"
+                                                        "[EditableText]\r\n"
+                                                        "Name=WaveFilePath\r\n"
+                                                        "Option=SingleLine,TabStop\r\n"
+                                                        "Option=SingleLine\r\n"
+                                                        "\r\n"
+                                                        "[Button]\r\n"
+                                                        "Name=CheckStart\r\n"
+                                                        "Text=\"") + start + "\"\r\n"
+                                                        "Color=FF000000\nBackColor=FFFFFFFF\r\n"
+                                                        "[Button]\r\n"
+                                                        "Name=SearchError\r\n"
+                                                        "[" + japan + "]\r\n"
+                                                        "Message=" + working);
+    ASSERT_TRUE(document.Load(path));
+    EXPECT_EQ(document.GetPath(), path);
+    EXPECT_EQ(Describe(document),
+              "[EditableText] Name=WaveFilePath Option=SingleLine"
+              " [Button] Color=FF000000\\nBackColor=FFFFFFFF Name=CheckStart Text=\"" + Shown(ThreadText(start)) + "\""
+              " [Button] Name=SearchError"
+              " [" + Shown(ThreadText(japan)) + "] Message=" + Shown(ThreadText(working)));
+    EXPECT_EQ(document.GetSectionMap(1).GetValue(u"Text", u"", true), ThreadText(start));
+}
+
+// The file is read in pieces but converted as a whole, so a character whose
+// bytes straddle a piece boundary survives, and the bytes of a byte order
+// mark stand in front of the first line, which is then no header.
+TEST_F(LayoutDocumentLoad, BytesAreConvertedAsOneText)
+{
+    std::string pad = std::string(2047 - 9, 'x') + "\xE6\x97\xA5"; // ends in 日
+    std::string bytes = "[A]\r\nPad=" + pad + "\r\n";
+    for (int i = 0; i < 500; ++i)
+        bytes += "K" + std::to_string(i) + "=" + std::to_string(i) + "\r\n";
+    ASSERT_TRUE(document.Load(dir.Write("big.jpn", bytes)));
+    const AttributeMap& map = document.GetSectionMap(0);
+    EXPECT_EQ(map.GetRaw(u"Pad"), ThreadText(pad));
+    EXPECT_EQ(map.Count(), 501);
+    EXPECT_EQ(map.GetFirstInt(u"K499", -1), 499);
+    ASSERT_TRUE(document.Load(dir.Write("bom.jpn", "\xEF\xBB\xBF[A]\r\nk=v\r\n[B]\r\nk=w")));
+    EXPECT_EQ(Describe(document), "[B] k=w");
+}
+
+TEST_F(LayoutDocumentLoad, FailuresKeepOrClearTheDocument)
+{
+    ASSERT_TRUE(document.Load(dir.Write("a.jpn", "[A]")));
+    // An empty path or a file that can't be opened leaves the document as it was.
+    EXPECT_FALSE(document.Load(WideString()));
+    EXPECT_FALSE(document.Load(dir.PathOf("missing.jpn")));
+    EXPECT_EQ(Describe(document), "[A]");
+    EXPECT_EQ(document.GetPath(), dir.PathOf("a.jpn"));
+    // An empty file clears it; a file without a usable line loads as empty.
+    EXPECT_FALSE(document.Load(dir.Write("empty.jpn", "")));
+    EXPECT_EQ(document.GetSectionCount(), 0);
+    EXPECT_TRUE(document.GetPath().IsEmpty());
+    ASSERT_TRUE(document.Load(dir.Write("comments.jpn", "; a\r\n// b\r\nk=v\r\n")));
+    EXPECT_EQ(document.GetSectionCount(), 0);
+    EXPECT_EQ(document.GetPath(), dir.PathOf("comments.jpn"));
+}
