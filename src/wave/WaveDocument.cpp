@@ -1,10 +1,13 @@
 #include "wave/WaveDocument.h"
 
 #include "platform/File.h"
+#include "wave/BextChunk.h"
 #include "wave/Chunk.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
 #include "wave/FourCc.h"
+#include "wave/InfoChunk.h"
+#include "wave/ListChunk.h"
 #include "wave/RootChunk.h"
 
 #include <new>
@@ -17,7 +20,7 @@ constexpr std::uint32_t kOpenFlags = platform::kFileAttributeNormal | platform::
 constexpr std::uint32_t kReadAheadBytes = 64 * 1024;
 
 // Words of a file that is not RIFF are looked at a block at a time.
-constexpr std::uint32_t kScanBlockBytes = 256 * 1024;
+constexpr std::uint32_t kScanBlockBytes = 128 * 1024;
 
 // How deep RIFF and LIST chunks may nest. Each level costs a few bytes of
 // file and one level of recursion; beyond this bound the walk is abandoned
@@ -103,28 +106,37 @@ bool WaveDocument::Open(const WideString& path)
 // the system for every 4 bytes.
 bool WaveDocument::ReadTopLevelId(std::uint32_t& id, bool& result)
 {
-    if (containerKind == 1 || !scanBuffer.Resize(kScanBlockBytes)) {
-        std::uint8_t bytes[4];
-        if (stream.Read(bytes, 4) < 4)
-            return false;
-        id = ReadLittleEndian32(bytes);
+    std::uint8_t bytes[4];
+    if (stream.Read(bytes, 4) < 4)
+        return false;
+    id = ReadLittleEndian32(bytes);
+    if (containerKind == 1 || HasOwnClass(id))
         return true;
+    result = false;
+    if (!scanBuffer.Resize(kScanBlockBytes)) {
+        // Without memory for the block, word by word.
+        while (stream.Read(bytes, 4) == 4) {
+            id = ReadLittleEndian32(bytes);
+            if (HasOwnClass(id))
+                return true;
+        }
+        return false;
     }
     for (;;) {
-        std::int64_t start = stream.Tell();
-        std::uint32_t got = stream.Read(scanBuffer.Data(), kScanBlockBytes);
-        std::uint32_t words = got / 4;
-        for (std::uint32_t word = 0; word < words; ++word) {
-            std::uint32_t candidate = ReadLittleEndian32(scanBuffer.Data() + word * 4);
-            if (!HasOwnClass(candidate))
+        const std::int64_t start = stream.Tell();
+        const std::uint32_t got = stream.Read(scanBuffer.Data(), kScanBlockBytes);
+        const std::uint8_t* block = scanBuffer.Data();
+        for (std::uint32_t word = 0; word < got / 4; ++word) {
+            // Most words are passed over on their first byte alone.
+            const std::uint8_t first = block[word * 4];
+            if (first != 'R' && first != 'd' && first != 'f' && first != 'L' && first != 'I' && first != 'b')
                 continue;
-            if (word > 0)
-                result = false;
-            id = candidate;
-            return stream.SeekTo(start + (word + 1) * 4);
+            const std::uint32_t candidate = ReadLittleEndian32(block + word * 4);
+            if (HasOwnClass(candidate)) {
+                id = candidate;
+                return stream.SeekTo(start + (word + 1) * 4);
+            }
         }
-        if (words > 0)
-            result = false;
         if (got < kScanBlockBytes)
             return false;
     }
@@ -200,10 +212,22 @@ bool WaveDocument::CreateChunk(std::uint32_t id, std::unique_ptr<Chunk>& slot)
 bool WaveDocument::CreateBasicChunk(std::uint32_t id, std::unique_ptr<Chunk>& slot)
 {
     slot.reset();
-    if (id == kIdFormat)
+    switch (id) {
+    case kIdFormat:
         slot.reset(new (std::nothrow) FormatChunk(*this));
-    else
+        break;
+    case kIdInfo:
+        slot.reset(new (std::nothrow) InfoChunk(*this));
+        break;
+    case kIdList:
+        slot.reset(new (std::nothrow) ListChunk(*this));
+        break;
+    case kIdBext:
+        slot.reset(new (std::nothrow) BextChunk(*this));
+        break;
+    default:
         slot.reset(new (std::nothrow) Chunk(*this));
+    }
     return slot != nullptr;
 }
 

@@ -86,6 +86,13 @@ TEST(WaveCheck, ReportsOfFiles)
         {"structure error and bad format", Riff(Fmt(3, 2, 48000, 32) + Data(16)) + "ab\x01\x02\x03",
          u"RIFF構造にエラーがあります。\r\nPCMではありません。 [0003]\r\nビット数が8/16/24Bitではありません。 [32]\r\n"},
         {"RIFF header cut short", "RIFF\x10", u"RIFF構造にエラーがあります。\r\nフォーマット構造がありません。\r\nデータ構造がありません。\r\n"},
+        {"only a LIST chunk", RiffBytes().Id("LIST").U32(14).Id("INFO").Chunk("INAM", "take").Bytes(),
+         u"フォーマット構造がありません。\r\nデータ構造がありません。\r\n"},
+        {"LIST of size 3 hides what follows", Riff(RiffBytes().Id("LIST").U32(3).Id("abcd").Bytes() + sound),
+         u"フォーマット構造がありません。\r\nデータ構造がありません。\r\n"},
+        {"INFO and bext beside sound chunks",
+         Riff(RiffBytes().Id("LIST").U32(16).Id("INFO").Chunk("INAM", "take\0").Chunk("bext", std::string(602, 'b')).Bytes() + sound),
+         kAllClear},
         {"fmt of 1024 bytes", Riff(RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16) + std::string(1008, '\0')).Bytes() + Data(16)),
          u"PCMではありません。 [0000]\r\nサンプリング周波数が0～19200Hzではありません。 [0]\r\n"
          u"ビット数が8/16/24Bitではありません。 [0]\r\nチャンネル数が1/2チャンネルではありません。 [0]\r\n"

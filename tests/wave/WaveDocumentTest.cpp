@@ -1,5 +1,6 @@
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
+#include "support/WaveFixture.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
 #include "wave/FourCc.h"
@@ -8,27 +9,7 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-// A document opened on a file of the given bytes; the file lives as long as
-// the fixture's folder.
-class WaveDocumentOpen : public testing::Test {
-protected:
-    bool OpenBytes(const std::string& bytes)
-    {
-        return document.Open(dir.Write("test.wav", bytes));
-    }
-
-    const RootChunk* Root(std::size_t index = 0) const
-    {
-        return dynamic_cast<const RootChunk*>(document.GetChunks().At(index).get());
-    }
-
-    TempDir dir;
-    WaveDocument document;
-};
-
-} // namespace
+using WaveDocumentOpen = WaveFixture;
 
 TEST_F(WaveDocumentOpen, EmptyAndTinyFilesReadNoChunk)
 {
