@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Makes three large files and checks each with sondara-check, printing wall
+# time and peak memory, beside sndfile-info and mediainfo where installed:
+#   - a sparse 4 GiB WAV that is sound,
+#   - 1 GiB of text, which is not RIFF,
+#   - a RIFF file of 100,000 chunks of two bytes.
+# Usage: bench/run.sh [folder for the files]   (default: bench/out)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+out="${1:-bench/out}"
+mkdir -p "$out"
+if [ ! -x /usr/bin/time ]; then
+  DEBIAN_FRONTEND=noninteractive apt-get install -y -qq time >/dev/null
+fi
+if [ ! -x build/native/sondara-check ]; then
+  cmake --preset native >/dev/null
+  cmake --build --preset native --target sondara-check >/dev/null
+fi
+
+sound="$out/sparse-4gib.wav"
+text="$out/text-1gib.bin"
+many="$out/many-chunks.wav"
+
+if [ ! -f "$sound" ]; then
+  # RIFF size 4 GiB - 8, a PCM format, data filling the rest; the body is a hole.
+  perl -e 'print "RIFF", pack("V", 0xFFFFFFF8), "WAVE", "fmt ", pack("VvvVVvv", 16, 1, 2, 44100, 176400, 4, 16),
+           "data", pack("V", 0xFFFFFFD4)' > "$sound"
+  truncate -s 4G "$sound"
+fi
+if [ ! -f "$text" ]; then
+  yes "this is a line of text and no RIFF file at all." | head -c 1G > "$text"
+fi
+if [ ! -f "$many" ]; then
+  perl -e 'my $n = 100000; my $children = "fmt " . pack("VvvVVvv", 16, 1, 2, 44100, 176400, 4, 16)
+           . ("tiny" . pack("V", 2) . "ab") x $n . "data" . pack("V", 4) . "abcd";
+           print "RIFF", pack("V", length($children) + 4), "WAVE", $children' > "$many"
+fi
+
+stats="$out/time.txt"
+measure() { # label, command...
+  local label="$1"; shift
+  /usr/bin/time -o "$stats" -f "%e %M" "$@" >/dev/null 2>&1 || true
+  read -r seconds peak < <(tail -n 1 "$stats")
+  printf '  %-14s %8s s %10s KiB peak\n' "$label" "$seconds" "$peak"
+}
+
+for file in "$sound" "$text" "$many"; do
+  printf '%s (%s bytes)\n' "$file" "$(stat -c %s "$file")"
+  # The first read brings the file into the cache, so that every tool meets it warm.
+  cat "$file" >/dev/null
+  measure sondara-check build/native/sondara-check "$file"
+  command -v sndfile-info >/dev/null && measure sndfile-info sndfile-info "$file"
+  command -v mediainfo >/dev/null && measure mediainfo mediainfo "$file"
+  printf '  report: %s\n' "$(build/native/sondara-check "$file" | tr '\n' ' ')"
+done
