@@ -1,0 +1,102 @@
+// Writes the seed corpora of the fuzz targets into FOLDER/<target>/, from
+// the same builders the tests use.
+#include "support/RiffBytes.h"
+
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+bool WriteSeed(const std::string& folder, const std::string& name, const std::string& bytes)
+{
+    std::FILE* file = std::fopen((folder + "/" + name).c_str(), "wb");
+    if (!file)
+        return false;
+    bool written = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    return std::fclose(file) == 0 && written;
+}
+
+// Text as the UTF-16 units the text targets read from pairs of bytes.
+std::string Units(const std::u16string& text)
+{
+    std::string bytes;
+    for (char16_t unit : text) {
+        bytes.push_back(static_cast<char>(unit & 0xFF));
+        bytes.push_back(static_cast<char>(unit >> 8));
+    }
+    return bytes;
+}
+
+std::vector<std::pair<std::string, std::string>> WaveSeeds()
+{
+    const std::string fmt = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
+    const std::string data = RiffBytes().Chunk("data", std::string(16, '\0')).Bytes();
+    const std::string info = RiffBytes().Id("LIST").U32(26).Id("INFO").Chunk("INAM", "take\0").Chunk("IART", "me").Bytes();
+    return {
+        {"sound", SoundWave()},
+        {"float", Riff(RiffBytes().Chunk("fmt ", FormatBody(3, 2, 48000, 32)).Raw(data).Bytes())},
+        {"extensible", Riff(RiffBytes().Chunk("fmt ", FormatBody(0xFFFE, 2, 96000, 24) + std::string(24, '\x01')).Raw(data).Bytes())},
+        {"info-bext", Riff(info + RiffBytes().Chunk("bext", std::string(602, 'b')).Bytes() + fmt + data)},
+        {"list-sizes", Riff(RiffBytes().Id("LIST").U32(3).Id("abcd").Id("LIST").U32(4).Id("fmt ").Bytes() + fmt + data)},
+        {"data-zero", Riff(fmt + RiffBytes().Id("data").U32(0).Bytes()) + std::string(64, 'x')},
+        {"data-first", Riff(data + fmt)},
+        {"nested", Riff(Riff(Riff(fmt + data)))},
+        {"not-riff", "junk" + SoundWave()},
+        {"rf64", RiffBytes().Id("RF64").U32(0xFFFFFFFF).Id("WAVE").Chunk("ds64", std::string(28, '\0')).Raw(fmt).Raw(data).Bytes()},
+        {"behind-riff", Riff(fmt) + RiffBytes().ChunkNoPad("odd ", "x").Raw(data).Bytes()},
+        {"empty", ""},
+    };
+}
+
+std::vector<std::pair<std::string, std::string>> LayoutSeeds()
+{
+    return {
+        {"main", Units(u"; the path\r\n[Viewer]\r\nWidth=240\r\n[EditableText]\r\nName=WaveFilePath\r\n"
+                       u"Option=SingleLine,TabStop\r\n\r\n[EditableText]\r\nName=Message\r\nText=\"処理中...\"\r\n"
+                       u"// comment\r\n=x\r\nx=\r\na=b=c\r\n[]\r\n[x\r\n ;lead\r\n[a=b]\r\nLF\nonly\n")},
+        {"lf-only", Units(u"[Viewer]\nName=x\n")},
+    };
+}
+
+std::vector<std::pair<std::string, std::string>> CsvSeeds()
+{
+    return {
+        {"quotes", Units(u"\"a,b\",c,a\"b,c\"d\r\n\"x\\\"y\\n\"")},
+        {"comments", Units(u"/* x */a,b // tail\nnext,row\n/* open")},
+        {"escapes", Units(u"a\\nb,\"a\\tb\\\\\",,\r,")},
+    };
+}
+
+std::vector<std::pair<std::string, std::string>> AttributeSeeds()
+{
+    std::u16string zero(1, u'\0');
+    return {
+        {"values", Units(u"Color" + zero + u"FF102030" + zero + u"Size" + zero + u"10, 20,1.5" + zero + u"Text" + zero +
+                         u"\"Hello\"\\n\\q\\" + zero + u"Option" + zero + u"Disable,,TabStop" + zero + u"Hex" + zero +
+                         u"  0x1f,zz")},
+    };
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: make-fuzz-seeds FOLDER\n");
+        return 2;
+    }
+    const std::string root = argv[1];
+    const std::pair<const char*, std::vector<std::pair<std::string, std::string>>> corpora[] = {
+        {"wave", WaveSeeds()}, {"layout", LayoutSeeds()}, {"csv", CsvSeeds()}, {"attributes", AttributeSeeds()}};
+    for (const auto& [target, seeds] : corpora) {
+        for (const auto& [name, bytes] : seeds) {
+            if (!WriteSeed(root + "/" + target, name, bytes)) {
+                std::fprintf(stderr, "make-fuzz-seeds: can't write %s/%s/%s\n", root.c_str(), target, name.c_str());
+                return 1;
+            }
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,52 @@
+// The wave reader and the check on arbitrary bytes, read from a file as the
+// product reads them. Each input is checked twice: the two reports must be
+// the same, and each must be made only of the check's own lines.
+#include "app/WaveCheck.h"
+#include "support/ReportGrammar.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+const std::string& InputPath()
+{
+    static const std::string path = [] {
+        const char* folder = access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
+        return std::string(folder) + "/sondara-fuzz-" + std::to_string(getpid()) + ".wav";
+    }();
+    return path;
+}
+
+void Fail(const char* what)
+{
+    std::fprintf(stderr, "invariant broken: %s\n", what);
+    std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    std::FILE* file = std::fopen(InputPath().c_str(), "wb");
+    if (!file)
+        Fail("can't write the input file");
+    if (size > 0 && std::fwrite(data, 1, size, file) != size)
+        Fail("can't write the input file");
+    std::fclose(file);
+
+    const WideString path = WideString::FromAscii(InputPath());
+    CheckReport first, second;
+    bool firstError = false, secondError = false;
+    RunWaveCheck(path, first, firstError);
+    RunWaveCheck(path, second, secondError);
+    if (!(first == second) || firstError != secondError)
+        Fail("the check is not deterministic");
+    std::string why;
+    if (!IsWellFormedReport(first, firstError, why))
+        Fail(why.c_str());
+    return 0;
+}
