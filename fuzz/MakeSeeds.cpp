@@ -1,5 +1,6 @@
-// Writes the seed corpora of the fuzz targets into FOLDER/<target>/, from
-// the same builders the tests use.
+// Writes the seed corpora of the fuzz targets into SEED-FOLDER/<target>/,
+// and the hostile files of the regression corpus into
+// REGRESSION-FOLDER/wave/, from the same builders the tests use.
 #include "support/RiffBytes.h"
 
 #include <cstdio>
@@ -16,6 +17,17 @@ bool WriteSeed(const std::string& folder, const std::string& name, const std::st
         return false;
     bool written = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
     return std::fclose(file) == 0 && written;
+}
+
+bool WriteAll(const std::string& root, const char* target, const std::vector<std::pair<std::string, std::string>>& files)
+{
+    for (const auto& [name, bytes] : files) {
+        if (!WriteSeed(root + "/" + target, name, bytes)) {
+            std::fprintf(stderr, "make-fuzz-seeds: can't write %s/%s/%s\n", root.c_str(), target, name.c_str());
+            return false;
+        }
+    }
+    return true;
 }
 
 // Text as the UTF-16 units the text targets read from pairs of bytes.
@@ -48,6 +60,52 @@ std::vector<std::pair<std::string, std::string>> WaveSeeds()
         {"behind-riff", Riff(fmt) + RiffBytes().ChunkNoPad("odd ", "x").Raw(data).Bytes()},
         {"empty", ""},
     };
+}
+
+// Files written to break the reader: they belong to the regression corpus,
+// which every build's tests walk.
+std::vector<std::pair<std::string, std::string>> HostileWaves()
+{
+    const std::string fmt = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
+    const std::string data = RiffBytes().Chunk("data", std::string(16, '\0')).Bytes();
+    auto nested = [&](int levels) {
+        RiffBytes bytes;
+        const std::string inner = fmt + data;
+        for (int level = 0; level < levels; ++level)
+            bytes.Id("RIFF").U32(static_cast<std::uint32_t>(inner.size() + 4 + 12 * (levels - 1 - level))).Id("WAVE");
+        return bytes.Raw(inner).Bytes();
+    };
+    std::vector<std::pair<std::string, std::string>> files = {
+        {"riff-nested-256", nested(256)},
+        {"riff-nested-257", nested(257)},
+        {"riff-nested-5000", nested(5000)},
+        {"info-length-fffffff0", RiffBytes().Id("LIST").U32(3).Id("INFO").Id("INAM").U32(0xFFFFFFF0).Raw("text").Bytes()},
+        {"info-length-fffffff0-in-riff",
+         Riff(RiffBytes().Id("LIST").U32(0xFFFFFFFF).Id("INFO").Id("INAM").U32(0xFFFFFFF0).Raw("text").Bytes() + fmt + data)},
+        {"data-size-zero-early", Riff(RiffBytes().Id("data").U32(0).Bytes() + fmt) + std::string(4096, '\x7f')},
+        {"sizes-overflow-32-bits",
+         RiffBytes().Id("RIFF").U32(0xFFFFFFFF).Id("WAVE").Raw(fmt).Id("junk").U32(0xFFFFFFF0).Raw(data).Bytes()},
+        {"odd-sizes-everywhere", Riff(RiffBytes().ChunkNoPad("odd1", "x").ChunkNoPad("odd2", "yyy").Raw(fmt).Bytes())},
+        {"many-data-chunks", Riff(fmt + [&] {
+             std::string many;
+             for (int i = 0; i < 3000; ++i)
+                 many += data;
+             return many;
+         }())},
+        {"many-fmt-words-not-riff", [] {
+             std::string words;
+             for (int i = 0; i < 5000; ++i)
+                 words += i % 2 ? "fmt " : "data";
+             return words;
+         }()},
+    };
+    std::string listWords;
+    for (int i = 0; i < 20000; ++i)
+        listWords += "LIST";
+    files.push_back({"list-words-only", listWords});
+    for (std::uint32_t size = 0; size <= 3; ++size)
+        files.push_back({"list-size-" + std::to_string(size), Riff(RiffBytes().Id("LIST").U32(size).Id("INFO").Raw(fmt + data).Bytes())});
+    return files;
 }
 
 std::vector<std::pair<std::string, std::string>> LayoutSeeds()
@@ -83,20 +141,19 @@ std::vector<std::pair<std::string, std::string>> AttributeSeeds()
 
 int main(int argc, char** argv)
 {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: make-fuzz-seeds FOLDER\n");
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: make-fuzz-seeds SEED-FOLDER REGRESSION-FOLDER\n");
         return 2;
     }
     const std::string root = argv[1];
+    const std::string regressions = argv[2];
+    if (!WriteAll(regressions, "wave", HostileWaves()))
+        return 1;
     const std::pair<const char*, std::vector<std::pair<std::string, std::string>>> corpora[] = {
         {"wave", WaveSeeds()}, {"layout", LayoutSeeds()}, {"csv", CsvSeeds()}, {"attributes", AttributeSeeds()}};
     for (const auto& [target, seeds] : corpora) {
-        for (const auto& [name, bytes] : seeds) {
-            if (!WriteSeed(root + "/" + target, name, bytes)) {
-                std::fprintf(stderr, "make-fuzz-seeds: can't write %s/%s/%s\n", root.c_str(), target, name.c_str());
-                return 1;
-            }
-        }
+        if (!WriteAll(root, target, seeds))
+            return 1;
     }
     return 0;
 }

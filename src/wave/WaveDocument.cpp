@@ -10,6 +10,7 @@
 #include "wave/ListChunk.h"
 #include "wave/RootChunk.h"
 
+#include <algorithm>
 #include <new>
 
 namespace {
@@ -26,6 +27,14 @@ constexpr std::uint32_t kScanBlockBytes = 128 * 1024;
 // file and one level of recursion; beyond this bound the walk is abandoned
 // as a structural error rather than risking the worker's stack.
 constexpr std::int32_t kMaxNesting = 256;
+
+// A buffer for a file of fileBytes: no larger than the file needs, and no
+// smaller than a page.
+std::uint32_t BufferBytesFor(std::int64_t fileBytes, std::uint32_t largest)
+{
+    constexpr std::int64_t kSmallest = 4096;
+    return static_cast<std::uint32_t>(std::clamp<std::int64_t>(fileBytes, kSmallest, largest));
+}
 
 // Ids whose chunks do more than fail at once in a file that is not RIFF.
 bool HasOwnClass(std::uint32_t id)
@@ -73,7 +82,7 @@ bool WaveDocument::Open(const WideString& path)
     if (!stream.OpenPlain(path, kOpenFlags))
         return false;
     // Without memory for it the walk is slower, with the same results.
-    stream.EnableReadAhead(kReadAheadBytes);
+    stream.EnableReadAhead(BufferBytesFor(stream.GetSize(), kReadAheadBytes));
 
     bool result = true;
     std::uint32_t id = 0;
@@ -113,7 +122,8 @@ bool WaveDocument::ReadTopLevelId(std::uint32_t& id, bool& result)
     if (containerKind == 1 || HasOwnClass(id))
         return true;
     result = false;
-    if (!scanBuffer.Resize(kScanBlockBytes)) {
+    const std::uint32_t blockBytes = BufferBytesFor(stream.GetSize() - stream.Tell(), kScanBlockBytes);
+    if (!scanBuffer.Resize(blockBytes)) {
         // Without memory for the block, word by word.
         while (stream.Read(bytes, 4) == 4) {
             id = ReadLittleEndian32(bytes);
@@ -124,7 +134,7 @@ bool WaveDocument::ReadTopLevelId(std::uint32_t& id, bool& result)
     }
     for (;;) {
         const std::int64_t start = stream.Tell();
-        const std::uint32_t got = stream.Read(scanBuffer.Data(), kScanBlockBytes);
+        const std::uint32_t got = stream.Read(scanBuffer.Data(), blockBytes);
         const std::uint8_t* block = scanBuffer.Data();
         for (std::uint32_t word = 0; word < got / 4; ++word) {
             // Most words are passed over on their first byte alone.
@@ -137,7 +147,7 @@ bool WaveDocument::ReadTopLevelId(std::uint32_t& id, bool& result)
                 return stream.SeekTo(start + (word + 1) * 4);
             }
         }
-        if (got < kScanBlockBytes)
+        if (got < blockBytes)
             return false;
     }
 }

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace {
 
 struct CheckOutcome {
@@ -121,4 +123,15 @@ TEST(MainDialogRunCheck, WorksWithoutAWindow)
     dialog.RunCheck(nullptr);
     EXPECT_EQ(dialog.GetReport().View(), u"ファイルがありません。\r\n");
     EXPECT_TRUE(dialog.ReportHasError());
+}
+
+TEST(WaveCheck, DataOfSizeZeroBeforeGigabytes)
+{
+    // The frames come from the real length of the file, here 3 GiB of a
+    // sparse file: the size is reported, the sample count is usable.
+    TempDir dir;
+    const WideString path = dir.Write("big.wav", Riff(Fmt(1, 2, 44100, 16) + RiffBytes().Id("data").U32(0).Bytes()));
+    std::filesystem::resize_file(std::filesystem::path(path.ToU16String()), 3ull << 30);
+    CheckOutcome outcome = Check(path);
+    EXPECT_EQ(outcome.report, u"データ情報のサイズが正しくありません。 [0]\r\n");
 }
