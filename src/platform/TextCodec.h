@@ -13,6 +13,11 @@ namespace platform {
 // character like any other.
 std::u16string ThreadBytesToWide(const char* bytes, std::size_t count);
 
+// UTF-16 to bytes in the character set of the calling thread. Characters
+// that the set can't hold come out as a default character; whether any did
+// is told by lossy.
+std::string WideToThreadBytes(std::u16string_view text, bool& lossy);
+
 // UTF-16 to UTF-8, for output to consoles and pipes. Lone surrogates become
 // U+FFFD.
 std::string WideToUtf8(std::u16string_view text);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -179,4 +180,33 @@ TEST_F(LayoutDocumentLoad, FailuresKeepOrClearTheDocument)
     ASSERT_TRUE(document.Load(dir.Write("comments.jpn", "; a\r\n// b\r\nk=v\r\n")));
     EXPECT_EQ(document.GetSectionCount(), 0);
     EXPECT_EQ(document.GetPath(), dir.PathOf("comments.jpn"));
+}
+
+// Japanese written in the thread's own code page, as an installation's
+// layout file is: the texts come back as they were written. A thread whose
+// code page holds no Japanese skips this, unless the run demands one.
+TEST_F(LayoutDocumentLoad, JapaneseInTheThreadCodePage)
+{
+    const std::u16string text = u"; 日本語のレイアウト\r\n"
+                                u"[EditableText]\r\n"
+                                u"Name=Message\r\n"
+                                u"Text=\"処理中...\"\r\n"
+                                u"[ボタン]\r\n"
+                                u"表示=開始\r\n"
+                                u"[ボタン]\r\n"
+                                u"表示=終了";
+    bool lossy = false;
+    const std::string bytes = platform::WideToThreadBytes(text, lossy);
+    if (lossy) {
+        if (std::getenv("SONDARA_REQUIRE_JAPANESE_CODE_PAGE"))
+            FAIL() << "the thread's code page holds no Japanese";
+        GTEST_SKIP() << "the thread's code page holds no Japanese";
+    }
+    ASSERT_TRUE(document.Load(dir.Write("Main.jpn", bytes)));
+    ASSERT_EQ(document.GetSectionCount(), 3);
+    EXPECT_EQ(document.GetSectionMap(0).GetValue(u"Text", u"", true), u"処理中...");
+    EXPECT_EQ(document.GetSectionName(1), u"ボタン");
+    EXPECT_EQ(document.GetSectionName(2), u"ボタン");
+    EXPECT_EQ(document.GetSectionMap(1).GetRaw(u"表示"), u"開始");
+    EXPECT_EQ(document.GetSectionMap(2).GetRaw(u"表示"), u"終了");
 }

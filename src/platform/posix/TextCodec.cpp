@@ -62,7 +62,45 @@ std::u16string ConvertWithIconv(const std::string& charset, const char* bytes, s
     return result;
 }
 
+std::string ConvertToCharset(const std::string& charset, std::u16string_view text, bool& lossy)
+{
+    iconv_t converter = iconv_open(charset.c_str(), "UTF-16LE");
+    if (converter == reinterpret_cast<iconv_t>(-1)) {
+        lossy = true;
+        return {};
+    }
+    std::string result;
+    char buffer[4096];
+    char* in = const_cast<char*>(reinterpret_cast<const char*>(text.data()));
+    std::size_t inLeft = text.size() * sizeof(char16_t);
+    while (inLeft > 0) {
+        char* out = buffer;
+        std::size_t outLeft = sizeof buffer;
+        std::size_t done = iconv(converter, &in, &inLeft, &out, &outLeft);
+        result.append(buffer, static_cast<std::size_t>(out - buffer));
+        if (done == static_cast<std::size_t>(-1) && errno != E2BIG) {
+            // A unit the set can't hold: a default character in its place.
+            lossy = true;
+            result.push_back('?');
+            in += sizeof(char16_t);
+            inLeft -= inLeft < sizeof(char16_t) ? inLeft : sizeof(char16_t);
+            iconv(converter, nullptr, nullptr, nullptr, nullptr);
+        }
+    }
+    iconv_close(converter);
+    return result;
+}
+
 } // namespace
+
+std::string WideToThreadBytes(std::u16string_view text, bool& lossy)
+{
+    lossy = false;
+    const std::string& charset = LocaleCharset();
+    if (IsUtf8(charset))
+        return WideToUtf8(text);
+    return ConvertToCharset(charset, text, lossy);
+}
 
 std::u16string ThreadBytesToWide(const char* bytes, std::size_t count)
 {

@@ -27,6 +27,25 @@ std::u16string ThreadBytesToWide(const char* bytes, std::size_t count)
     return result;
 }
 
+std::string WideToThreadBytes(std::u16string_view text, bool& lossy)
+{
+    lossy = false;
+    if (text.empty())
+        return {};
+    const wchar_t* wide = reinterpret_cast<const wchar_t*>(text.data());
+    int length = static_cast<int>(text.size());
+    BOOL usedDefault = FALSE;
+    int needed = WideCharToMultiByte(CP_THREAD_ACP, 0, wide, length, nullptr, 0, nullptr, &usedDefault);
+    if (needed <= 0) {
+        lossy = true;
+        return {};
+    }
+    std::string result(static_cast<std::size_t>(needed), '\0');
+    WideCharToMultiByte(CP_THREAD_ACP, 0, wide, length, result.data(), needed, nullptr, &usedDefault);
+    lossy = usedDefault != FALSE;
+    return result;
+}
+
 std::string WideToUtf8(std::u16string_view text)
 {
     if (text.empty())
