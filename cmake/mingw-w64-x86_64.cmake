@@ -13,5 +13,10 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 
+# Every program is linked statically, so that it needs nothing beside the
+# .exe but the system's own DLLs (with -static-libgcc -static-libstdc++ alone
+# the posix thread model still wants libwinpthread-1.dll).
+set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
+
 # ctest and test discovery run the .exe files through 64-bit Wine.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/wine-run.sh)

@@ -1,0 +1,127 @@
+#!/usr/bin/env bash
+# Installs what is missing, then configures, builds and tests every preset:
+# native and native-asan with ctest, windows with ctest under Wine, and
+# windows32 compiled only (no 32-bit Wine can run it). Every preset is tried
+# even after a failure; the script exits non-zero when any step failed, and
+# ends with each ctest summary and the total.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+export DEBIAN_FRONTEND=noninteractive
+exec </dev/null
+
+jobs="${SONDARA_JOBS:-$(nproc)}"
+failures=()
+summaries=()
+timings=()
+passed_total=0
+failed_total=0
+
+# step LABEL COMMAND...: runs one step and notes its time and outcome.
+step()
+{
+    local label="$1" start=$SECONDS status=0
+    shift
+    echo
+    echo "== $label: $*"
+    "$@" || status=$?
+    timings+=("$(printf '%-28s %4ds%s' "$label" $((SECONDS - start)) "$( ((status == 0)) || echo "  FAILED ($status)")")")
+    if ((status != 0)); then
+        failures+=("$label")
+    fi
+    return "$status"
+}
+
+# Runs ctest for a preset, keeps its output beside the build, and adds its
+# summary line to the totals. A run without that line counts as failed.
+run_ctest()
+{
+    local preset="$1" log="build/$1/ctest.log" status=0 summary
+    ctest --preset "$preset" -j "$jobs" 2>&1 | tee "$log" || status=$?
+    summary="$(grep -E '^[0-9]+% tests passed, [0-9]+ tests? failed out of [0-9]+' "$log" | tail -n 1 || true)"
+    if [[ -z $summary ]]; then
+        summaries+=("$preset: no ctest summary")
+        return 1
+    fi
+    summaries+=("$preset: $summary")
+    if [[ $summary =~ ([0-9]+)\ tests?\ failed\ out\ of\ ([0-9]+) ]]; then
+        failed_total=$((failed_total + BASH_REMATCH[1]))
+        passed_total=$((passed_total + BASH_REMATCH[2] - BASH_REMATCH[1]))
+    fi
+    return "$status"
+}
+
+# The test executables of a build and how many tests ctest found in each.
+tests_per_executable()
+{
+    ctest --test-dir "build/$1" -N -V 2>/dev/null | awk '
+        / Test command: / {
+            for (i = 1; i <= NF; ++i) if ($i == "command:") break
+            exe = $(i + 1)
+            if (exe ~ /wine-run\.sh$/) exe = $(i + 2)
+            gsub(/"/, "", exe)
+            sub(/.*\//, "", exe)
+            sub(/\.exe$/, "", exe)
+            count[exe]++
+        }
+        END { for (exe in count) print exe, count[exe] }' | sort
+}
+
+# Under Wine an exit code alone proves little: a program that did not run
+# can still end with 0. So every test executable that the native build runs
+# and the Windows build has must have had its tests listed through Wine.
+check_wine_discovery()
+{
+    local exe native_count windows_count status=0
+    declare -A windows_counts=()
+    while read -r exe windows_count; do
+        windows_counts[$exe]=$windows_count
+    done < <(tests_per_executable windows)
+    while read -r exe native_count; do
+        [[ -n $(find build/windows -name "$exe.exe" -print -quit) ]] || continue
+        windows_count="${windows_counts[$exe]:-0}"
+        echo "$exe: $native_count tests natively, $windows_count under Wine"
+        if ((windows_count == 0)); then
+            echo "test.sh: no test of $exe.exe was listed under Wine" >&2
+            status=1
+        fi
+    done < <(tests_per_executable native)
+    return "$status"
+}
+
+wine_tests()
+{
+    # shellcheck source=scripts/wine-env.sh
+    source scripts/wine-env.sh
+    trap sondara_wine_end EXIT
+    local status=0
+    sondara_wine_begin || return 1
+    run_ctest windows || status=$?
+    check_wine_discovery || status=1
+    sondara_wine_end
+    trap - EXIT
+    return "$status"
+}
+
+step "install packages" scripts/install-deps.sh || exit 1
+
+for preset in native native-asan windows windows32; do
+    step "$preset configure" cmake --preset "$preset" || continue
+    step "$preset build" cmake --build --preset "$preset" -j "$jobs" || continue
+    case "$preset" in
+        windows) step "$preset test (Wine)" wine_tests || true ;;
+        windows32) ;;
+        *) step "$preset test" run_ctest "$preset" || true ;;
+    esac
+done
+
+echo
+echo "== timings"
+printf '%s\n' "${timings[@]}"
+echo
+echo "== ctest summaries"
+printf '%s\n' "${summaries[@]}"
+if ((${#failures[@]} > 0)); then
+    echo "failed steps: ${failures[*]}"
+fi
+echo "tests: $passed_total passed, $failed_total failed"
+((${#failures[@]} == 0))
