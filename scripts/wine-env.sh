@@ -203,7 +203,9 @@ sondara_wine__prepare_prefix()
 sondara_wine__start_server()
 {
     mkdir -p "$WINEPREFIX"
-    sondara_wine__spawn wineserver -p "$sondara_wine_persist" </dev/null >>"$SONDARA_WINE_HOME/wineserver.log" 2>&1
+    # The number has to be attached: getopt reads "-p 10" as -p without one,
+    # which keeps the server for good.
+    sondara_wine__spawn wineserver "-p$sondara_wine_persist" </dev/null >>"$SONDARA_WINE_HOME/wineserver.log" 2>&1
 }
 
 # One run of a small program, so that Wine's services are up before the first

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "platform/MessageQueue.h"
+#include "platform/ThreadState.h"
+#include "platform/Window.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+// The in-memory stand-in of windows, message queues and timers that the
+// posix build runs the window logic on. Time is a clock of its own that
+// moves only when a thread waits for a message with nothing queued and a
+// timer pending, so tests run the same way every time and take no time.
+// One lock guards all of it; procedures are called without it.
+
+struct platform::WindowObject {
+    ThreadId owner = 0;
+    DialogProcedure procedure = nullptr;
+    void* context = nullptr;
+    int templateId = 0;
+    std::u16string caption;
+    PixelRect bounds;
+    bool shown = false;
+    int lastShowCommand = -1;
+    std::uint32_t lastPositionFlags = 0;
+    bool acceptsDrops = false;
+};
+
+namespace platform::posix {
+
+// The frame the stand-in draws around a dialog's client area.
+constexpr std::int32_t kFrameSide = 3;
+constexpr std::int32_t kFrameCaption = 22;
+// The work area of the stand-in's one monitor.
+constexpr PixelRect kDefaultWorkArea{0, 0, 1280, 1000};
+
+struct Timer {
+    WindowHandle window = nullptr;
+    std::uintptr_t id = 0;
+    std::uint32_t period = 0;
+    std::uint64_t due = 0;
+};
+
+struct ThreadQueue {
+    std::deque<Message> posted;
+    bool quitPosted = false;
+    int quitCode = 0;
+    int failingWaits = 0;
+};
+
+struct StandIn {
+    std::mutex mutex;
+    std::condition_variable posted;
+    std::map<ThreadId, ThreadQueue> queues;
+    std::set<WindowHandle> windows;
+    std::vector<Timer> timers;
+    std::uint64_t now = 0;
+    PixelRect workArea = kDefaultWorkArea;
+    int failingDialogCreations = 0;
+    std::function<void()> waitHook;
+    std::vector<std::string> calls;
+    int comInitializations = 0;
+    int gdiplusSessions = 0;
+};
+
+StandIn& State();
+// Adds one line to the record of start-up, window and shutdown calls.
+void RecordCall(std::string call);
+// Calls the procedure of window and, when it doesn't handle the message,
+// does what the system's default dialog processing does. The lock must not
+// be held.
+std::intptr_t CallProcedure(WindowHandle window, std::uint32_t id, std::uintptr_t wParam, std::intptr_t lParam);
+// Queues a message for the thread that owns window, or for the calling
+// thread when window is null. Expects the lock held.
+bool PostLocked(WindowHandle window, std::uint32_t id, std::uintptr_t wParam, std::intptr_t lParam);
+
+} // namespace platform::posix

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/MessageQueue.h"
+#include "platform/Window.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+// What tests of the window logic see and force in the posix stand-in of
+// windows, queues and timers. For tests only; the program never calls it.
+namespace platform::testing {
+
+// Forgets every window, queued message, timer, hook and recorded call, and
+// sets the clock and the work area back. No thread may be waiting then.
+void ResetStandIn();
+
+// Runs hook whenever a thread finds its queue empty in WaitForMessage,
+// before the clock moves on to the next timer; with no timer pending it runs
+// again for as long as the queue stays empty, so it has to post something
+// (a quit request, say) sooner or later. An empty hook removes it.
+void SetQueueWaitHook(std::function<void()> hook);
+// Posts to the calling thread's own queue, without window.
+void PostToOwnQueue(std::uint32_t id, std::uintptr_t wParam = 0, std::intptr_t lParam = 0);
+// The next count calls of WaitForMessage on the calling thread give -1.
+void FailNextWaits(int count);
+// The next dialog creation fails before any message reaches the procedure.
+void FailNextDialogCreation();
+
+// The stand-in's clock in milliseconds; it starts at 0.
+std::uint64_t CurrentTime();
+void AdvanceTime(std::uint64_t milliseconds);
+void SetWorkArea(PixelRect area);
+
+// What a window of the stand-in looks like from outside.
+struct WindowRecord {
+    int templateId = 0;
+    std::u16string caption;
+    PixelRect bounds;
+    bool shown = false;
+    int lastShowCommand = -1;
+    std::uint32_t lastPositionFlags = 0;
+    bool acceptsDrops = false;
+    // Timer id and period in milliseconds, in the order they were set.
+    std::vector<std::pair<std::uintptr_t, std::uint32_t>> timers;
+};
+
+std::vector<WindowHandle> LiveWindows();
+// The first live window with this caption, or null.
+WindowHandle FindWindowByCaption(std::u16string_view caption);
+// false when window is not alive.
+bool DescribeWindow(WindowHandle window, WindowRecord& record);
+// The messages waiting in the calling thread's queue, oldest first.
+std::vector<Message> QueuedMessages();
+
+// The start-up, window and shutdown calls made so far, in their order, as
+// "InitializeCom", "CreateDialogWindow 129", "ShowWindowAs 1" and so on;
+// the record is emptied.
+std::vector<std::string> TakeCallLog();
+// COM initialisations not yet undone, GDI+ sessions not yet stopped.
+int OpenComInitializations();
+int OpenGdiplusSessions();
+
+} // namespace platform::testing

@@ -1,0 +1,210 @@
+#include "app/MainDialog.h"
+#include "app/MessageLoop.h"
+#include "app/MessageLoopRegistry.h"
+#include "app/Program.h"
+#include "platform/MessageQueue.h"
+#include "platform/ThreadState.h"
+#include "platform/posix/TestHooks.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using platform::testing::WindowRecord;
+
+class ProgramTest : public ::testing::Test {
+protected:
+    void SetUp() override { platform::testing::ResetStandIn(); }
+    void TearDown() override { platform::testing::ResetStandIn(); }
+
+    // Runs the program; the first time its queue waits, act runs with the
+    // main window, after a look at it. Later waits end the loop with 99, so a
+    // close that doesn't work shows as that exit code.
+    int RunAndThen(std::function<void(platform::WindowHandle)> act, std::u16string_view commandLine = u"")
+    {
+        bool acted = false;
+        platform::testing::SetQueueWaitHook([&] {
+            if (acted) {
+                platform::PostQuit(99);
+                return;
+            }
+            acted = true;
+            platform::WindowHandle window = platform::testing::FindWindowByCaption(u"Sondara");
+            shownWhileRunning = platform::testing::DescribeWindow(window, whileRunning);
+            loopWhileRunning = MessageLoopRegistry::FindCurrentThreadLoop();
+            act(window);
+        });
+        return ProgramMain(nullptr, nullptr, commandLine, platform::kShowNormal);
+    }
+
+    WindowRecord whileRunning;
+    bool shownWhileRunning = false;
+    MessageLoop* loopWhileRunning = nullptr;
+};
+
+void PostCancel(platform::WindowHandle window)
+{
+    platform::PostToWindow(window, platform::kMessageCommand, 2, 0);
+}
+
+} // namespace
+
+TEST_F(ProgramTest, CancelCommandClosesWithExitCodeTwo)
+{
+    EXPECT_EQ(RunAndThen(PostCancel), 2);
+    EXPECT_TRUE(platform::testing::LiveWindows().empty());
+}
+
+TEST_F(ProgramTest, StartsAndStopsInOrder)
+{
+    RunAndThen(PostCancel);
+    std::vector<std::string> expected = {
+        "InitializeCom",
+        "InitializeCommonControls 4",
+        "StartGdiplus",
+        "CreateDialogWindow 129",
+        "ShowWindowAs 1",
+        "DestroyDialogWindow",
+        "StopGdiplus 1",
+        "UninitializeCom",
+    };
+    EXPECT_EQ(platform::testing::TakeCallLog(), expected);
+    EXPECT_EQ(platform::testing::OpenComInitializations(), 0);
+    EXPECT_EQ(platform::testing::OpenGdiplusSessions(), 0);
+    EXPECT_EQ(MessageLoopRegistry::Process(), nullptr);
+}
+
+TEST_F(ProgramTest, WindowIsShownCentredWithItsTimerAndDropsAccepted)
+{
+    platform::testing::SetWorkArea({0, 0, 1280, 1000});
+    RunAndThen(PostCancel);
+    ASSERT_TRUE(shownWhileRunning);
+    EXPECT_EQ(whileRunning.templateId, 129);
+    EXPECT_TRUE(whileRunning.shown);
+    EXPECT_EQ(whileRunning.lastShowCommand, platform::kShowNormal);
+    EXPECT_EQ(whileRunning.lastPositionFlags, 0x15u);
+    platform::PixelRect bounds = whileRunning.bounds;
+    EXPECT_EQ(bounds.left, 640 - bounds.Width() / 2);
+    EXPECT_EQ(bounds.top, 500 - bounds.Height() / 2);
+    using Timer = std::pair<std::uintptr_t, std::uint32_t>;
+    EXPECT_EQ(whileRunning.timers, (std::vector<Timer>{{0, 250}}));
+    EXPECT_TRUE(whileRunning.acceptsDrops);
+    EXPECT_NE(loopWhileRunning, nullptr);
+}
+
+TEST_F(ProgramTest, CloseBoxEscAndTheWindowMenuAllLeadToExitCodeTwo)
+{
+    struct Way {
+        const char* name;
+        std::function<void(platform::WindowHandle)> act;
+    };
+    const Way ways[] = {
+        {"close box", [](platform::WindowHandle w) { platform::PostToWindow(w, platform::kMessageClose, 0, 0); }},
+        {"Esc", [](platform::WindowHandle w) {
+             platform::PostToWindow(w, platform::kMessageKeyDown, platform::kKeyEscape, 0);
+         }},
+        {"cancel from an accelerator", [](platform::WindowHandle w) {
+             platform::PostToWindow(w, platform::kMessageCommand, (1u << 16) | 2u, 0);
+         }},
+    };
+    for (const Way& way : ways) {
+        SCOPED_TRACE(way.name);
+        platform::testing::ResetStandIn();
+        EXPECT_EQ(RunAndThen(way.act), 2);
+    }
+}
+
+TEST_F(ProgramTest, OtherCommandsAndMessagesDoNotClose)
+{
+    int exitCode = RunAndThen([](platform::WindowHandle w) {
+        platform::PostToWindow(w, platform::kMessageCommand, 1, 0);
+        platform::PostToWindow(w, platform::kMessageCommand, (1u << 16) | 1u, 0);
+        platform::PostToWindow(w, platform::kMessageCommand, 0x10003, 0);
+        platform::PostToWindow(w, platform::kMessageKeyDown, platform::kKeyReturn, 0);
+        platform::PostToWindow(w, platform::kMessagePaint, 0, 0);
+        platform::PostToWindow(w, platform::kMessageSize, 0, (236 << 16) | 362);
+        platform::PostToWindow(w, platform::kMessageDropFiles, 0, 0);
+        platform::PostToWindow(w, platform::kMessageTimer, 0, 0);
+    });
+    EXPECT_EQ(exitCode, 99);
+}
+
+TEST_F(ProgramTest, CommandLineHasNoEffect)
+{
+    EXPECT_EQ(RunAndThen(PostCancel, u"C:\\sounds\\a.wav /x"), 2);
+}
+
+TEST_F(ProgramTest, NoWindowGivesExitCodeZeroAndStillStopsEverything)
+{
+    platform::testing::FailNextDialogCreation();
+    EXPECT_EQ(ProgramMain(nullptr, nullptr, u"", platform::kShowNormal), 0);
+    std::vector<std::string> expected = {
+        "InitializeCom", "InitializeCommonControls 4", "StartGdiplus", "CreateDialogWindow 129",
+        "StopGdiplus 1", "UninitializeCom",
+    };
+    EXPECT_EQ(platform::testing::TakeCallLog(), expected);
+    EXPECT_EQ(platform::testing::OpenGdiplusSessions(), 0);
+}
+
+TEST_F(ProgramTest, TimerKeepsIdlePassesComingWhileTheWindowIsUp)
+{
+    int waits = 0;
+    platform::WindowHandle window = nullptr;
+    platform::testing::SetQueueWaitHook([&] {
+        if (++waits == 1)
+            window = platform::testing::FindWindowByCaption(u"Sondara");
+        if (waits == 9)
+            PostCancel(window);
+    });
+    EXPECT_EQ(ProgramMain(nullptr, nullptr, u"", platform::kShowNormal), 2);
+    EXPECT_EQ(platform::testing::CurrentTime(), 8u * 250u);
+}
+
+TEST(MainDialog, LeavesTheLoopWhenItsWindowGoes)
+{
+    platform::testing::ResetStandIn();
+    MessageLoopRegistry registry;
+    MessageLoopRegistry::SetProcess(&registry);
+    MessageLoop loop;
+    registry.Add(platform::CurrentThreadId(), &loop);
+    {
+        MainDialog dialog;
+        platform::WindowHandle window = dialog.Create(nullptr, MainDialog::kTemplateId);
+        ASSERT_NE(window, nullptr);
+        platform::Message message;
+        message.window = window;
+        message.id = platform::kMessageUser;
+        // The dialog's filter uses up every message of its window.
+        EXPECT_TRUE(loop.PreTranslateMessage(message));
+        platform::SendToWindow(window, platform::kMessageCommand, 2, 0);
+        EXPECT_FALSE(platform::IsLiveWindow(window));
+        EXPECT_FALSE(loop.PreTranslateMessage(message));
+        EXPECT_EQ(dialog.GetWindow(), nullptr);
+    }
+    platform::Message quit;
+    EXPECT_EQ(platform::WaitForMessage(quit), 0);
+    EXPECT_EQ(quit.wParam, 2u);
+    registry.Remove();
+    MessageLoopRegistry::SetProcess(nullptr);
+    platform::testing::ResetStandIn();
+}
+
+TEST(MainDialog, AnswersEraseBackgroundAsHandled)
+{
+    platform::testing::ResetStandIn();
+    MainDialog dialog;
+    platform::WindowHandle window = dialog.Create(nullptr, MainDialog::kTemplateId);
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(platform::SendToWindow(window, platform::kMessageEraseBackground, 0, 0), 1);
+    std::intptr_t result = -1;
+    EXPECT_TRUE(dialog.ProcessWindowMessage(window, platform::kMessageInitDialog, 0, 0, result));
+    EXPECT_EQ(result, 1);
+    EXPECT_FALSE(dialog.ProcessWindowMessage(window, platform::kMessageTimer, 0, 0, result));
+    EXPECT_FALSE(dialog.ProcessWindowMessage(window, platform::kMessageCommand, 1, 0, result));
+    platform::DestroyDialogWindow(window);
+    platform::testing::ResetStandIn();
+}
