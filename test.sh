@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Installs what is missing, then configures, builds and tests every preset:
-# native and native-asan with ctest, windows with ctest under Wine, and
-# windows32 compiled only (no 32-bit Wine can run it). Every preset is tried
-# even after a failure; the script exits non-zero when any step failed, and
-# ends with each ctest summary and the total.
+# native and native-asan with ctest, windows with ctest under Wine and a
+# comparison of its reports with the native ones, windows32 compiled only
+# (no 32-bit Wine can run it), and fuzz with a short run of every target.
+# Every preset is tried even after a failure; the script exits non-zero when
+# any step failed, and ends with each ctest summary and the total.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 export DEBIAN_FRONTEND=noninteractive
@@ -97,6 +98,8 @@ wine_tests()
     sondara_wine_begin || return 1
     run_ctest windows || status=$?
     check_wine_discovery || status=1
+    # Both builds must give the same bytes for the same files.
+    tests/compare-builds.sh build/native build/windows || status=1
     sondara_wine_end
     trap - EXIT
     return "$status"
@@ -104,12 +107,13 @@ wine_tests()
 
 step "install packages" scripts/install-deps.sh || exit 1
 
-for preset in native native-asan windows windows32; do
+for preset in native native-asan windows windows32 fuzz; do
     step "$preset configure" cmake --preset "$preset" || continue
     step "$preset build" cmake --build --preset "$preset" -j "$jobs" || continue
     case "$preset" in
         windows) step "$preset test (Wine)" wine_tests || true ;;
         windows32) ;;
+        fuzz) step "fuzz smoke runs" scripts/fuzz-smoke.sh 30 || true ;;
         *) step "$preset test" run_ctest "$preset" || true ;;
     esac
 done

@@ -1,5 +1,8 @@
 #include "support/TempDir.h"
 
+#include <gtest/gtest.h>
+
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -32,10 +35,22 @@ WideString TempDir::PathOf(std::string_view name) const
     return WideString(text);
 }
 
+// With SONDARA_COLLECT_TEST_FILES naming a folder, every file a test writes
+// is also kept there, so that the builds of all platforms can be compared
+// on the same files.
 WideString TempDir::Write(std::string_view name, std::string_view bytes) const
 {
     std::ofstream out(fs::path(root) / fs::path(std::string(name)), std::ios::binary);
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    if (const char* collect = std::getenv("SONDARA_COLLECT_TEST_FILES")) {
+        static int counter = 0;
+        const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
+        std::string keptName = test ? std::string(test->test_suite_name()) + "." + test->name() : "none";
+        keptName += "-" + std::to_string(++counter) + ".wav";
+        std::ofstream kept(fs::path(collect) / keptName, std::ios::binary);
+        kept.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
     return PathOf(name);
 }
 
