@@ -3,7 +3,9 @@
 # time and peak memory, beside sndfile-info and mediainfo where installed:
 #   - a sparse 4 GiB WAV that is sound,
 #   - 1 GiB of text, which is not RIFF,
-#   - a RIFF file of 100,000 chunks of two bytes.
+#   - a RIFF file of 100,000 chunks of two bytes,
+# and the hostile files of one LIST chunk of size 3 and of an INFO entry
+# that claims 0xFFFFFFF0 bytes.
 # Usage: bench/run.sh [folder for the files]   (default: bench/out)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -45,7 +47,7 @@ measure() { # label, command...
   printf '  %-14s %8s s %10s KiB peak\n' "$label" "$seconds" "$peak"
 }
 
-for file in "$sound" "$text" "$many"; do
+for file in "$sound" "$text" "$many" fuzz/regressions/wave/list-size-3 fuzz/regressions/wave/info-length-fffffff0; do
   printf '%s (%s bytes)\n' "$file" "$(stat -c %s "$file")"
   # The first read brings the file into the cache, so that every tool meets it warm.
   cat "$file" >/dev/null
