@@ -3,6 +3,7 @@
 #include "app/MessageLoop.h"
 #include "app/MessageLoopRegistry.h"
 #include "app/WaveCheck.h"
+#include "app/WorkerThread.h"
 #include "platform/MessageQueue.h"
 #include "platform/Paint.h"
 
@@ -71,6 +72,14 @@ bool MainDialog::PreTranslateMessage(platform::Message& message)
 bool MainDialog::OnIdle()
 {
     return false;
+}
+
+// A closing program waits here for a check that still runs, and for its
+// failure box if one is open.
+MainDialog::~MainDialog()
+{
+    if (worker)
+        worker->StopAndDestroy();
 }
 
 // The worker is not asked for a stop: a run always goes to its end.

@@ -21,6 +21,7 @@ public:
     // Message dispatch
     bool ProcessWindowMessage(platform::WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
                               std::intptr_t lParam, std::intptr_t& result) override;
+    ~MainDialog() override;
 
     // Message filter and idle handler
     bool PreTranslateMessage(platform::Message& message) override;

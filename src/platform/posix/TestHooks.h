@@ -65,3 +65,30 @@ int OpenComInitializations();
 int OpenGdiplusSessions();
 
 } // namespace platform::testing
+
+// What tests of the worker see and force in the stand-in of threads and
+// desktop message boxes.
+namespace platform::testing {
+
+// The next ResumeSuspendedThread fails and the thread stays suspended.
+void FailNextThreadResume();
+// Calls of SleepMilliseconds so far, on any thread.
+std::uint64_t SleepCount();
+
+struct DesktopMessageBoxRecord {
+    std::u16string text;
+    std::u16string caption;
+    std::uint32_t type = 0;
+};
+
+// With hold, a desktop message box stays up until CloseDesktopMessageBoxes,
+// as the system's waits for its user; without, the default, it is recorded
+// and closes at once. Either way the record of earlier boxes is forgotten.
+void HoldDesktopMessageBoxes(bool hold);
+// Takes the oldest box shown and not yet taken, waiting up to timeoutMs for
+// one; false when none came.
+bool WaitForDesktopMessageBox(DesktopMessageBoxRecord& box, std::uint32_t timeoutMs);
+// Closes every box that is up with the OK button.
+void CloseDesktopMessageBoxes();
+
+} // namespace platform::testing

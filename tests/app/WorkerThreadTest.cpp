@@ -1,0 +1,302 @@
+#include "app/ExceptionTranslator.h"
+#include "app/FailureBoxProbe.h"
+#include "app/WorkerTestSupport.h"
+#include "app/WorkerThread.h"
+#include "base/ContainerError.h"
+#include "platform/TextCodec.h"
+#include "platform/ThreadState.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <new>
+#include <thread>
+
+using namespace worker_test;
+
+namespace {
+
+class Recorder {
+public:
+    void Run(WorkerThread* worker)
+    {
+        seen = worker;
+        ++runs;
+    }
+
+    WorkerThread* seen = nullptr;
+    int runs = 0;
+};
+
+class StopWaiter {
+public:
+    void Run(WorkerThread* worker)
+    {
+        started = true;
+        while (!worker->IsStopRequested())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        sawStop = true;
+    }
+
+    std::atomic<bool> started{false};
+    bool sawStop = false;
+};
+
+class Shape {
+public:
+    virtual ~Shape() = default;
+    virtual void Run(WorkerThread*) { name = "shape"; }
+    const char* name = "none";
+};
+
+class Circle : public Shape {
+public:
+    void Run(WorkerThread*) override { name = "circle"; }
+};
+
+// The faults, kept where the compiler can neither see the outcome nor drop
+// the operation, and out of the sanitizers' sight, which would report them
+// before they happen.
+volatile int zeroDivisor = 0;
+volatile int sink = 0;
+
+[[gnu::noinline, gnu::no_sanitize("undefined")]] void DivideByZero()
+{
+    volatile int dividend = 7;
+    sink = dividend / zeroDivisor;
+}
+
+[[gnu::noinline, gnu::no_sanitize("undefined")]] void WriteThroughNull()
+{
+    volatile int* volatile pointer = nullptr;
+    *pointer = 1;
+}
+
+// Leaves a known last error on its thread and then fails as told.
+class Failing {
+public:
+    enum class How { DivideByZero, WriteThroughNull, ThrowContainerError, ThrowAlgorithm, ReturnNormally };
+
+    explicit Failing(How how) : how(how) {}
+
+    void Run(WorkerThread*)
+    {
+        handlerInside = std::get_new_handler();
+        platform::SetLastErrorCode(kTargetLastError);
+        switch (how) {
+        case How::DivideByZero:
+            DivideByZero();
+            break;
+        case How::WriteThroughNull:
+            WriteThroughNull();
+            break;
+        case How::ThrowContainerError:
+            throw ContainerError{kResultOutOfMemory};
+        case How::ThrowAlgorithm:
+            throw Exception::Algorithm;
+        case How::ReturnNormally:
+            return;
+        }
+        reachedEnd = true;
+    }
+
+    How how;
+    std::new_handler handlerInside = nullptr;
+    bool reachedEnd = false;
+};
+
+// Runs a failing target, reads its box while it is up, closes it, and gives
+// the box.
+FailureBox RunToBox(Failing& target)
+{
+    FailureBox box;
+    WorkerThread* worker = new WorkerThread(&target, &Failing::Run);
+    EXPECT_TRUE(WaitForFailureBox(box));
+    // The box runs on the worker, which counts as running until it is closed.
+    EXPECT_TRUE(worker->IsRunning());
+    CloseFailureBox();
+    EXPECT_TRUE(WaitUntilEnded(*worker));
+    worker->StopAndDestroy();
+    return box;
+}
+
+class WorkerFailure : public ::testing::Test {
+protected:
+    void SetUp() override { ExpectFailureBoxes(); }
+};
+
+} // namespace
+
+TEST(WorkerThreadLife, ReturningFunctionLeavesItNotRunning)
+{
+    Recorder target;
+    WorkerThread* worker = new WorkerThread(&target, &Recorder::Run);
+    ASSERT_TRUE(WaitUntilEnded(*worker));
+    EXPECT_EQ(target.runs, 1);
+    EXPECT_EQ(target.seen, worker);
+    // The ended object can still be asked, as often as one likes.
+    EXPECT_FALSE(worker->IsRunning());
+    EXPECT_FALSE(worker->IsRunning());
+    EXPECT_FALSE(worker->IsStopRequested());
+    worker->StopAndDestroy();
+}
+
+TEST(WorkerThreadLife, StopAndDestroyWaitsForTheFunction)
+{
+    StopWaiter target;
+    WorkerThread* worker = new WorkerThread(&target, &StopWaiter::Run);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!target.started && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    ASSERT_TRUE(target.started);
+    EXPECT_TRUE(worker->IsRunning());
+    worker->StopAndDestroy();
+    EXPECT_TRUE(target.sawStop);
+}
+
+TEST(WorkerThreadLife, MethodIsCalledAsTheTargetsClassDispatchesIt)
+{
+    Circle circle;
+    Shape& shape = circle;
+    WorkerThread* worker = new WorkerThread(&shape, &Shape::Run);
+    ASSERT_TRUE(WaitUntilEnded(*worker));
+    worker->StopAndDestroy();
+    EXPECT_STREQ(circle.name, "circle");
+}
+
+TEST_F(WorkerFailure, FaultsShowTheirTextTheSystemTextAndTheExceptionData)
+{
+    struct Case {
+        const char* name;
+        Failing::How how;
+        void (*function)();
+        std::uint32_t code;
+        std::uint32_t parameterCount;
+        std::u16string_view firstLine;
+    };
+    const Case cases[] = {
+        {"division by zero", Failing::How::DivideByZero, DivideByZero, 0xC0000094, 0,
+         u"The operation result error occurred."},
+        {"access violation", Failing::How::WriteThroughNull, WriteThroughNull, 0xC0000005, 2,
+         u"The memory unlawful computer access error occurred."},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.name);
+        Failing target(test.how);
+        const FailureBox box = RunToBox(target);
+        EXPECT_FALSE(target.reachedEnd);
+
+        platform::FaultRecord fault;
+        ASSERT_TRUE(GetLastStructuredException(fault));
+        EXPECT_EQ(fault.code, test.code);
+        EXPECT_EQ(fault.flags, 0u);
+        EXPECT_EQ(fault.parameterCount, test.parameterCount);
+        // The faulting instruction lies in the function that faulted.
+        const auto start = reinterpret_cast<std::uintptr_t>(test.function);
+        EXPECT_GE(fault.address, start);
+        EXPECT_LT(fault.address, start + 1024);
+
+        EXPECT_EQ(box.caption, u"Exception");
+        EXPECT_EQ(box.text, FailureText(test.firstLine, kTargetLastError, ExceptionDataLine(fault)));
+    }
+}
+
+TEST_F(WorkerFailure, OldExceptionDataStaysForLaterFailures)
+{
+    Failing divider(Failing::How::DivideByZero);
+    RunToBox(divider);
+    platform::FaultRecord fault;
+    ASSERT_TRUE(GetLastStructuredException(fault));
+    const std::u16string oldLine = ExceptionDataLine(fault);
+
+    // An exception of another type: the catch-all clause, with an empty
+    // line after its own first piece.
+    Failing other(Failing::How::ThrowContainerError);
+    FailureBox box = RunToBox(other);
+    EXPECT_EQ(box.text, FailureText(kCancelled, kTargetLastError, oldLine));
+    EXPECT_EQ(box.text.rfind(u"An error has occurred. The command will be cancelled.\r\n\r\n", 0), 0u);
+
+    // A value of the program's own, thrown by the function itself.
+    Failing algorithm(Failing::How::ThrowAlgorithm);
+    box = RunToBox(algorithm);
+    EXPECT_EQ(box.text, FailureText(u"The algorithm error occurred.", kTargetLastError, oldLine));
+}
+
+TEST_F(WorkerFailure, AllocationHandlerIsPutBackBeforeTheBox)
+{
+    static std::atomic<int> sentinelCalls{0};
+    const std::new_handler sentinel = [] { ++sentinelCalls; };
+    const std::new_handler before = std::set_new_handler(sentinel);
+
+    Failing returning(Failing::How::ReturnNormally);
+    WorkerThread* worker = new WorkerThread(&returning, &Failing::Run);
+    ASSERT_TRUE(WaitUntilEnded(*worker));
+    worker->StopAndDestroy();
+    EXPECT_NE(returning.handlerInside, sentinel);
+    EXPECT_EQ(std::get_new_handler(), sentinel);
+
+    Failing throwing(Failing::How::ThrowContainerError);
+    worker = new WorkerThread(&throwing, &Failing::Run);
+    FailureBox box;
+    ASSERT_TRUE(WaitForFailureBox(box));
+    // The catch clause shows the box, and by then the old handler is back.
+    EXPECT_EQ(std::get_new_handler(), sentinel);
+    CloseFailureBox();
+    ASSERT_TRUE(WaitUntilEnded(*worker));
+    worker->StopAndDestroy();
+    EXPECT_NE(throwing.handlerInside, sentinel);
+    EXPECT_EQ(std::get_new_handler(), sentinel);
+
+    std::set_new_handler(before);
+    EXPECT_EQ(sentinelCalls, 0);
+}
+
+namespace {
+
+class HugeAllocator {
+public:
+    void Run(WorkerThread*)
+    {
+        platform::SetLastErrorCode(kTargetLastError);
+#if defined(__SANITIZE_ADDRESS__)
+        // AddressSanitizer's operator new ends the process on failure
+        // instead of calling the handler; call it as operator new would.
+        std::get_new_handler()();
+#else
+        // More than any address space holds; a size the compiler cannot see.
+        volatile std::size_t size = ~std::size_t{0} / 4 * 3;
+        void* volatile memory = ::operator new(size);
+        ::operator delete(memory);
+#endif
+        reachedEnd = true;
+    }
+
+    bool reachedEnd = false;
+};
+
+} // namespace
+
+TEST_F(WorkerFailure, FailedAllocationShowsMemoryAllocation)
+{
+    HugeAllocator target;
+    WorkerThread* worker = new WorkerThread(&target, &HugeAllocator::Run);
+    FailureBox box;
+    ASSERT_TRUE(WaitForFailureBox(box));
+    CloseFailureBox();
+    ASSERT_TRUE(WaitUntilEnded(*worker));
+    worker->StopAndDestroy();
+    EXPECT_FALSE(target.reachedEnd);
+
+    // Whatever exception data an earlier test of this process left stays.
+    // The failed allocation may leave a last error of its own, as Windows'
+    // heap does.
+    platform::FaultRecord fault;
+    const std::u16string dataLine = GetLastStructuredException(fault) ? ExceptionDataLine(fault) : u"";
+    constexpr std::uint32_t kNotEnoughMemory = 8;
+    const std::u16string_view first = u"The memory allocating error occurred.";
+    EXPECT_TRUE(box.text == FailureText(first, kTargetLastError, dataLine) ||
+                box.text == FailureText(first, kNotEnoughMemory, dataLine))
+        << platform::WideToUtf8(box.text);
+}
