@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, then configures, builds and tests every preset:
-# native and native-asan with ctest, windows with ctest under Wine and a
+# native and native-asan with ctest, native-tsan with the worker's tests
+# under ThreadSanitizer, windows with ctest under Wine and a
 # comparison of its reports with the native ones, windows32 compiled only
 # (no 32-bit Wine can run it), and fuzz with a short run of every target.
 # Every preset is tried even after a failure; the script exits non-zero when
@@ -107,7 +108,7 @@ wine_tests()
 
 step "install packages" scripts/install-deps.sh || exit 1
 
-for preset in native native-asan windows windows32 fuzz; do
+for preset in native native-asan native-tsan windows windows32 fuzz; do
     step "$preset configure" cmake --preset "$preset" || continue
     step "$preset build" cmake --build --preset "$preset" -j "$jobs" || continue
     case "$preset" in
