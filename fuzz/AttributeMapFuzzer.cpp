@@ -4,22 +4,14 @@
 #include "layouttext/AttributeMap.h"
 #include "layouttext/ValueSyntax.h"
 
+#include "FuzzInput.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <string>
 #include <vector>
-
-namespace {
-
-void Fail(const char* what)
-{
-    std::fprintf(stderr, "invariant broken: %s\n", what);
-    std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -42,34 +34,34 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (rehash)
         map.Rehash();
     if (map.Count() != static_cast<std::int32_t>(expected.size()))
-        Fail("the count is not the number of distinct keys");
+        FailInvariant("the count is not the number of distinct keys");
 
     const WideString fallback(u"fallback");
     for (const auto& [rawKey, rawValue] : expected) {
         const WideString key(rawKey);
         const WideString value(rawValue);
         if (!(map.GetRaw(key) == value) || !(map.GetValue(key, fallback, false) == value))
-            Fail("a key does not give its last value");
+            FailInvariant("a key does not give its last value");
         if (!(map.GetValue(key, fallback, true) == Unescape(value)))
-            Fail("GetValue with unescaping is not Unescape of the raw value");
+            FailInvariant("GetValue with unescaping is not Unescape of the raw value");
         if (Unescape(value).Length() > value.Length())
-            Fail("Unescape made the text longer");
+            FailInvariant("Unescape made the text longer");
 
         const std::int32_t count = map.GetItemCount(key);
         WideString joined, item;
         for (std::int32_t i = 0; i < count; ++i) {
             if (!map.GetItem(key, i, item))
-                Fail("an item below the count is missing");
+                FailInvariant("an item below the count is missing");
             if (i > 0)
                 joined += u",";
             joined += item;
             if (!map.HasItem(key, item) && !item.IsEmpty())
-                Fail("HasItem misses an item of the list");
+                FailInvariant("HasItem misses an item of the list");
         }
         if (!(joined == value))
-            Fail("the items joined by commas are not the value");
+            FailInvariant("the items joined by commas are not the value");
         if (map.GetItem(key, count, item) || map.GetItem(key, -1, item))
-            Fail("an item out of range exists");
+            FailInvariant("an item out of range exists");
         map.GetHex(key, 7);
         map.GetFirstInt(key, 7);
         map.GetSecondHex(key);
@@ -81,16 +73,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (expected.count(absent.ToU16String()) == 0 &&
         (map.GetHex(absent, 7) != 7 || map.GetFirstInt(absent, 7) != 7 || map.GetSecondHex(absent) != 0xFFFFFFFF ||
          !(map.GetValue(absent, fallback, true) == fallback)))
-        Fail("an absent key does not give the default");
+        FailInvariant("an absent key does not give the default");
 
     WideString key, value;
     std::int32_t walked = 0;
     while (map.GetEntry(walked, key, value)) {
         if (expected.count(key.ToU16String()) == 0)
-            Fail("the walk gives a key that was never set");
+            FailInvariant("the walk gives a key that was never set");
         ++walked;
     }
     if (walked != map.Count())
-        Fail("the walk does not visit every entry");
+        FailInvariant("the walk does not visit every entry");
     return 0;
 }

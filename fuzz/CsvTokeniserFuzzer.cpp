@@ -3,31 +3,20 @@
 #include "layouttext/CsvTokeniser.h"
 #include "layouttext/ValueSyntax.h"
 
+#include "FuzzInput.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-namespace {
-
-void Fail(const char* what)
-{
-    std::fprintf(stderr, "invariant broken: %s\n", what);
-    std::abort();
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    std::u16string units(size / 2, u'\0');
-    for (std::size_t i = 0; i < units.size(); ++i)
-        units[i] = static_cast<char16_t>(data[2 * i] | data[2 * i + 1] << 8);
-    const WideString text(units);
+    const WideString text(UnitsFromBytes(data, size));
 
     CsvTokeniser tokeniser;
     if (tokeniser.Parse(text) == text.IsEmpty())
-        Fail("Parse is false exactly for the empty text");
+        FailInvariant("Parse is false exactly for the empty text");
     const CsvRow& first = tokeniser.GetFirstRow();
 
     // GetCsvItem sees the first row of a fresh parse, item by item.
@@ -35,29 +24,29 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         WideString item;
         const bool found = GetCsvItem(text, static_cast<std::int32_t>(i), item);
         if (found != (i < first.Count()))
-            Fail("GetCsvItem disagrees with the first row's length");
+            FailInvariant("GetCsvItem disagrees with the first row's length");
         if (found && !(item == first.At(i)))
-            Fail("GetCsvItem disagrees with the first row");
+            FailInvariant("GetCsvItem disagrees with the first row");
     }
     WideString item;
     if (GetCsvItem(text, -1, item))
-        Fail("a negative index gives an item");
+        FailInvariant("a negative index gives an item");
 
     std::int32_t commas = 0;
     for (char16_t unit : text.View())
         commas += unit == u',';
     if (CountCsvItems(text) != (text.IsEmpty() ? 0 : commas + 1))
-        Fail("CountCsvItems is not the commas plus one");
+        FailInvariant("CountCsvItems is not the commas plus one");
 
     CsvTokeniser dropping;
     dropping.dropEmpty = true;
     dropping.Parse(text);
     for (const CsvRow& row : dropping.rows) {
         if (row.IsEmpty())
-            Fail("dropEmpty keeps an empty row");
+            FailInvariant("dropEmpty keeps an empty row");
         for (const WideString& cell : row) {
             if (cell.IsEmpty())
-                Fail("dropEmpty keeps an empty item");
+                FailInvariant("dropEmpty keeps an empty item");
         }
     }
     GetCsvFloat(text, 1.5f);

@@ -4,6 +4,8 @@
 #include "app/WaveCheck.h"
 #include "support/ReportGrammar.h"
 
+#include "FuzzInput.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -21,21 +23,15 @@ const std::string& InputPath()
     return path;
 }
 
-void Fail(const char* what)
-{
-    std::fprintf(stderr, "invariant broken: %s\n", what);
-    std::abort();
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     std::FILE* file = std::fopen(InputPath().c_str(), "wb");
     if (!file)
-        Fail("can't write the input file");
+        FailInvariant("can't write the input file");
     if (size > 0 && std::fwrite(data, 1, size, file) != size)
-        Fail("can't write the input file");
+        FailInvariant("can't write the input file");
     std::fclose(file);
 
     const WideString path = WideString::FromAscii(InputPath());
@@ -44,9 +40,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     RunWaveCheck(path, first, firstError);
     RunWaveCheck(path, second, secondError);
     if (!(first == second) || firstError != secondError)
-        Fail("the check is not deterministic");
+        FailInvariant("the check is not deterministic");
     std::string why;
     if (!IsWellFormedReport(first, firstError, why))
-        Fail(why.c_str());
+        FailInvariant(why.c_str());
     return 0;
 }
