@@ -33,6 +33,16 @@ bool Chunk::ReadU32(FileStream& stream, std::uint32_t& value)
     return true;
 }
 
+bool Chunk::ReadContainerHeader(FileStream& stream, std::uint32_t& type)
+{
+    position = stream.Tell() - 4;
+    std::uint32_t declared = 0;
+    if (!ReadU32(stream, declared))
+        return false;
+    size = declared;
+    return ReadU32(stream, type);
+}
+
 // Reads the size field (unless the parent gave the size) and the body, the
 // id having been read already. A body of 1024 bytes or more is skipped by a
 // seek, which succeeds behind the end of the file too; a shorter one is read

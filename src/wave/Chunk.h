@@ -35,6 +35,9 @@ public:
 protected:
     // Reads 4 bytes as an unsigned little-endian number; false when fewer came.
     static bool ReadU32(FileStream& stream, std::uint32_t& value);
+    // The header of a container: position, size and the four bytes of its
+    // type behind the id already read; false when it is cut short.
+    bool ReadContainerHeader(FileStream& stream, std::uint32_t& type);
 
     std::uint32_t id = 0;
     std::int64_t position = -1;

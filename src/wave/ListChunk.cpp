@@ -19,13 +19,8 @@ bool ListChunk::Read(std::uint32_t chunkId)
     NestingLevel level(*document);
     if (!level.IsAllowed())
         return false;
-    position = stream.Tell() - 4;
-    std::uint32_t declared = 0;
     std::uint32_t listType = 0;
-    if (!ReadU32(stream, declared))
-        return false;
-    size = declared;
-    if (!ReadU32(stream, listType))
+    if (!ReadContainerHeader(stream, listType))
         return false;
 
     std::unique_ptr<Chunk> child;
@@ -33,7 +28,7 @@ bool ListChunk::Read(std::uint32_t chunkId)
         return false;
     // A list of fewer than 4 bytes gives its child a size of nearly 4 GiB,
     // which the child skips by a seek past the end of the file.
-    child->SetSizeFromParent(static_cast<std::uint32_t>(declared - 4));
+    child->SetSizeFromParent(static_cast<std::uint32_t>(size - 4));
     if (child->Read(listType))
         children.Add(std::move(child));
     if (document->IsWalkAbandoned())

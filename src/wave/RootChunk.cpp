@@ -28,12 +28,7 @@ bool RootChunk::Read(std::uint32_t chunkId)
     NestingLevel level(*document);
     if (!level.IsAllowed())
         return false;
-    position = stream.Tell() - 4;
-    std::uint32_t declared = 0;
-    if (!ReadU32(stream, declared))
-        return false;
-    size = declared;
-    if (!ReadU32(stream, formType))
+    if (!ReadContainerHeader(stream, formType))
         return false;
 
     const std::int64_t end = position + size + 8;
