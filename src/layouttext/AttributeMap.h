@@ -27,6 +27,7 @@ public:
     // Typed reads
     WideString GetValue(const WideString& key, const WideString& defaultValue, bool unescape) const;
     WideString GetRaw(const WideString& key) const;
+    bool Contains(const WideString& key) const { return Find(key) != nullptr; }
     std::int32_t GetItemCount(const WideString& key) const;
     bool GetItem(const WideString& key, std::int32_t index, WideString& item) const;
     WideString GetItemOr(const WideString& key, std::int32_t index, const WideString& defaultItem) const;

@@ -71,6 +71,10 @@ struct StandIn {
 };
 
 StandIn& State();
+// Puts the colour scheme and the registry of the stand-in back to their
+// defaults; its own lock guards them.
+void ResetSystemSettings();
+
 // Adds one line to the record of start-up, window and shutdown calls.
 void RecordCall(std::string call);
 // Calls the procedure of window and, when it doesn't handle the message,

@@ -22,6 +22,7 @@ void ResetStandIn()
     state.calls.clear();
     state.comInitializations = 0;
     state.gdiplusSessions = 0;
+    posix::ResetSystemSettings();
 }
 
 void SetQueueWaitHook(std::function<void()> hook)

@@ -92,3 +92,14 @@ bool WaitForDesktopMessageBox(DesktopMessageBoxRecord& box, std::uint32_t timeou
 void CloseDesktopMessageBoxes();
 
 } // namespace platform::testing
+
+// What tests of the widgets' look set in the stand-in's system settings.
+// ResetStandIn puts the defaults back: the classic colour scheme and an
+// empty registry.
+namespace platform::testing {
+
+void SetSystemColour(int index, std::uint32_t colour);
+void SetUserRegistryValue(std::u16string_view keyPath, std::u16string_view valueName, std::uint32_t type,
+                          std::vector<std::uint8_t> data);
+
+} // namespace platform::testing
