@@ -37,6 +37,25 @@ public:
         return items.back();
     }
 
+    // Puts item in front of the one at index; index Count() appends.
+    T& Insert(std::size_t index, T item)
+    {
+        if (index > items.size())
+            ThrowContainerError(kResultInvalidArgument);
+        Reserve(items.size() + 1);
+        return *items.insert(items.begin() + static_cast<std::ptrdiff_t>(index), std::move(item));
+    }
+
+    // The first index whose item equals item; Count() when none does.
+    template <typename U>
+    std::size_t IndexOf(const U& item) const
+    {
+        std::size_t index = 0;
+        while (index < items.size() && !(items[index] == item))
+            ++index;
+        return index;
+    }
+
     // Takes the item out and keeps the order of the others.
     T RemoveAt(std::size_t index)
     {
@@ -53,6 +72,8 @@ public:
     }
 
     void Clear() { items.clear(); }
+    // Clears the items and gives their storage back.
+    void Release() { Storage().swap(items); }
 
     // Clears the items from the last to the first, so that owned objects go
     // in the reverse order of their making.

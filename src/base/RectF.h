@@ -1,7 +1,12 @@
 #pragma once
 
-// A rectangle of four 32-bit floats, in logical units unless its user says
-// otherwise. A negative width or height is a legal value.
+// A point and a rectangle of 32-bit floats, in logical units unless their
+// user says otherwise. A negative width or height is a legal value.
+struct PointF {
+    float x = 0;
+    float y = 0;
+};
+
 struct RectF {
     float x = 0;
     float y = 0;

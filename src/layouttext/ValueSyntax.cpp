@@ -209,7 +209,7 @@ std::int32_t ScanDecimalInt(std::u16string_view text)
 // beyond the range of a float it gives infinity too. Hexadecimal floats and
 // the words inf and nan are not decimal text and read as 0; the older
 // Windows runtimes don't read them either.
-float ScanFloat(std::u16string_view text)
+double ScanDouble(std::u16string_view text)
 {
     std::size_t at = SkipBlanks(text);
     bool negative = TakeSign(text, at);
@@ -223,7 +223,7 @@ float ScanFloat(std::u16string_view text)
             number.push_back(static_cast<char>(text[at]));
     }
     if (digits == 0)
-        return 0.0f;
+        return 0.0;
     if (at < text.size() && (text[at] == u'e' || text[at] == u'E')) {
         std::size_t exponentAt = at + 1;
         bool negativeExponent = TakeSign(text, exponentAt);
@@ -239,5 +239,10 @@ float ScanFloat(std::u16string_view text)
         value = OutOfRangeValue(number);
     else if (error != std::errc())
         value = 0.0;
-    return static_cast<float>(negative ? -value : value);
+    return negative ? -value : value;
+}
+
+float ScanFloat(std::u16string_view text)
+{
+    return static_cast<float>(ScanDouble(text));
 }

@@ -22,4 +22,6 @@ float GetCsvFloat(const WideString& text, float defaultValue);
 // Number scans from the start of a text; what doesn't scan gives 0.
 std::uint32_t ScanHex(std::u16string_view text);
 std::int32_t ScanDecimalInt(std::u16string_view text);
+double ScanDouble(std::u16string_view text);
+// ScanDouble narrowed to float.
 float ScanFloat(std::u16string_view text);

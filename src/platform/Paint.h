@@ -29,7 +29,7 @@ private:
 };
 
 // The device context of a window's client area for the length of a scope
-// (GetDC and ReleaseDC). Not copied.
+// (GetDC and ReleaseDC); a null window lends the screen's. Not copied.
 class WindowContextScope {
 public:
     explicit WindowContextScope(WindowHandle window);

@@ -15,6 +15,9 @@ constexpr std::uint32_t kRegistryBinary = 3;
 // it: red in the low byte, then green, then blue.
 std::uint32_t GetSystemColour(int index);
 
+// The horizontal resolution of the screen in dots per inch.
+int GetScreenDpiX();
+
 // The value valueName under keyPath in the current user's hive, opened for
 // reading only. False when the key or the value can't be read; type is then
 // 0 and data empty.

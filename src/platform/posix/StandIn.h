@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/MessageQueue.h"
+#include "platform/Paint.h"
 #include "platform/ThreadState.h"
 #include "platform/Window.h"
 
@@ -20,6 +21,12 @@
 // timer pending, so tests run the same way every time and take no time.
 // One lock guards all of it; procedures are called without it.
 
+// A device context of the stand-in is the window it belongs to; it has no
+// pixels of its own.
+struct platform::DeviceContextObject {
+    WindowHandle window = nullptr;
+};
+
 struct platform::WindowObject {
     ThreadId owner = 0;
     DialogProcedure procedure = nullptr;
@@ -31,9 +38,13 @@ struct platform::WindowObject {
     int lastShowCommand = -1;
     std::uint32_t lastPositionFlags = 0;
     bool acceptsDrops = false;
+    DeviceContextObject deviceContext{this};
 };
 
 namespace platform::posix {
+
+// The resolution of the stand-in's screen unless a test sets another.
+constexpr int kDefaultScreenDpi = 96;
 
 // The frame the stand-in draws around a dialog's client area.
 constexpr std::int32_t kFrameSide = 3;

@@ -9,8 +9,8 @@
 #include <utility>
 
 // The stand-in's system settings: the default colours of the classic
-// scheme for the four indexes that the widgets ask for, and a registry
-// that holds only what tests put in it.
+// scheme for the four indexes that the widgets ask for, a screen of 96 DPI
+// and a registry that holds only what tests put in it.
 namespace platform {
 
 namespace {
@@ -23,6 +23,7 @@ struct RegistryValue {
 struct Settings {
     std::mutex mutex;
     std::map<int, std::uint32_t> colours;
+    int screenDpi = posix::kDefaultScreenDpi;
     std::map<std::pair<std::u16string, std::u16string>, RegistryValue> registry;
 };
 
@@ -49,6 +50,13 @@ std::uint32_t GetSystemColour(int index)
     return found == settings.colours.end() ? 0 : found->second;
 }
 
+int GetScreenDpiX()
+{
+    Settings& settings = TheSettings();
+    std::lock_guard lock(settings.mutex);
+    return settings.screenDpi;
+}
+
 bool ReadUserRegistryValue(std::u16string_view keyPath, std::u16string_view valueName, std::uint32_t& type,
                            std::vector<std::uint8_t>& data)
 {
@@ -71,6 +79,14 @@ void posix::ResetSystemSettings()
     std::lock_guard lock(settings.mutex);
     settings.colours = DefaultColours();
     settings.registry.clear();
+    settings.screenDpi = posix::kDefaultScreenDpi;
+}
+
+void testing::SetScreenDpi(int dpi)
+{
+    Settings& settings = TheSettings();
+    std::lock_guard lock(settings.mutex);
+    settings.screenDpi = dpi;
 }
 
 void testing::SetSystemColour(int index, std::uint32_t colour)

@@ -94,10 +94,12 @@ void CloseDesktopMessageBoxes();
 } // namespace platform::testing
 
 // What tests of the widgets' look set in the stand-in's system settings.
-// ResetStandIn puts the defaults back: the classic colour scheme and an
-// empty registry.
+// ResetStandIn puts the defaults back: the classic colour scheme, a screen
+// of 96 DPI and an empty registry.
 namespace platform::testing {
 
+// The resolution of the screen, and of every device context and bitmap.
+void SetScreenDpi(int dpi);
 void SetSystemColour(int index, std::uint32_t colour);
 void SetUserRegistryValue(std::u16string_view keyPath, std::u16string_view valueName, std::uint32_t type,
                           std::vector<std::uint8_t> data);

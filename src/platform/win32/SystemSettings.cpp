@@ -11,6 +11,14 @@ std::uint32_t GetSystemColour(int index)
     return GetSysColor(index);
 }
 
+int GetScreenDpiX()
+{
+    HDC screen = GetDC(nullptr);
+    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
+    ReleaseDC(nullptr, screen);
+    return dpi;
+}
+
 bool ReadUserRegistryValue(std::u16string_view keyPath, std::u16string_view valueName, std::uint32_t& type,
                            std::vector<std::uint8_t>& data)
 {

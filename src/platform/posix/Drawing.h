@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/Bitmap.h"
+#include "platform/Graphics.h"
+
+#include <cstdint>
+#include <memory>
+
+// The stand-in's GDI+ objects: images are ARGB pixels in memory, and a
+// drawing surface is the image it draws into, or nothing for a device
+// context, whose pixels the stand-in doesn't keep.
+
+struct platform::ImageObject {
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    float dpi = 0;
+    // Rows from the top, ARGB.
+    std::unique_ptr<std::uint32_t[]> pixels;
+};
+
+struct platform::GraphicsObject {
+    ImageObject* image = nullptr;
+    float dpi = 0;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/Bitmap.h"
+#include "platform/Graphics.h"
+
+#include <windows.h>
+// GDI+'s headers need COM's types, which the lean Windows header leaves out.
+#include <objbase.h>
+#include <gdiplus.h>
+
+// Between the platform's opaque GDI+ objects and the flat API's types.
+using Gdiplus::GpGraphics;
+using Gdiplus::GpImage;
+using Gdiplus::GpBitmap;
+
+namespace platform::win32 {
+
+inline GpGraphics* Native(GraphicsObject* graphics) { return reinterpret_cast<GpGraphics*>(graphics); }
+inline GraphicsObject* Wrap(GpGraphics* graphics) { return reinterpret_cast<GraphicsObject*>(graphics); }
+inline GpImage* Native(ImageObject* image) { return reinterpret_cast<GpImage*>(image); }
+inline ImageObject* Wrap(GpImage* image) { return reinterpret_cast<ImageObject*>(image); }
+
+} // namespace platform::win32
