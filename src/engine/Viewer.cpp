@@ -1,8 +1,13 @@
 #include "engine/Viewer.h"
 
+#include "base/PathParts.h"
 #include "engine/InputWidget.h"
 #include "engine/PositionedWidget.h"
 #include "engine/WidgetHost.h"
+#include "layouttext/AttributeMap.h"
+#include "layouttext/LayoutDocument.h"
+#include "layouttext/ValueSyntax.h"
+#include "platform/FileSystem.h"
 
 #include <utility>
 
@@ -41,7 +46,7 @@ void MoveToFront(Array<T>& list, std::size_t index)
 
 } // namespace
 
-Viewer::Viewer(WidgetHost* host) : Host(host) {}
+Viewer::Viewer(WidgetHost* host, WidgetFactoryFunction factory) : Host(host), factory(factory) {}
 
 Viewer::~Viewer()
 {
@@ -114,6 +119,90 @@ bool Viewer::RemoveInputWidget(InputWidget* widget)
     if (index < InputWidgets.Count())
         InputWidgets.RemoveAt(index);
     return true;
+}
+
+// Layout
+
+// Reads a layout file and adds a widget for each section that makes one,
+// on top of the widgets there unless keep is false. A path without a drive
+// is sought in the current directory by its name alone, and a layout that
+// isn't found is sought once more in the folder above. The folder of the
+// path becomes the current directory whatever comes of the load. False
+// when the file can't be read; nothing was added then.
+bool Viewer::Load(const WideString& givenPath, bool keep)
+{
+    if (!keep)
+        Clear();
+    WideString path = givenPath;
+    if (!platform::HasDrive(path.View()))
+        path = AddTrailingBackslash(GetCurrentDir()) + PathParts(path).GetNameExt();
+    const std::uint32_t attributes = platform::GetPathAttributes(path.View());
+    if (attributes == platform::kInvalidFileAttributes || (attributes & platform::kFileAttributeDirectory) != 0) {
+        const PathParts parts(path);
+        path = GetParentDir(parts.GetDriveDir()) + parts.GetNameExt();
+    }
+    platform::ChangeCurrentDirectory(PathParts(path).GetDriveDir().View());
+
+    LayoutDocument document;
+    if (!document.Load(path))
+        return false;
+    for (std::int32_t index = 0; index < document.GetSectionCount(); ++index)
+        AddSection(document.GetSectionName(index), document.GetSectionMap(index));
+    LayoutPath = path;
+    return true;
+}
+
+// Makes the widget of one section, loads it and puts it on top. While it
+// loads it isn't in the list yet, so its relative positions see the widget
+// before it. A section named "Viewer" sets the group on show and the
+// layout's resolution; the last such section wins. True only when a widget
+// was added.
+bool Viewer::AddSection(const WideString& name, const AttributeMap& map)
+{
+    std::unique_ptr<Widget> widget;
+    if (factory != nullptr && factory(name, this, widget) && widget != nullptr) {
+        widget->Load(map);
+        Widgets.Add(std::move(widget));
+        return true;
+    }
+    if (name == u"Viewer") {
+        if (map.Contains(u"Group"))
+            CurrentGroup = map.GetValue(u"Group", {}, false);
+        if (map.Contains(u"Dpi"))
+            Dpi = ScanFloat(map.GetRaw(u"Dpi").View());
+    }
+    return false;
+}
+
+// Access by name
+
+// False, with value untouched, when no widget has the name.
+bool Viewer::GetWidgetAttribute(const WideString& name, const WideString& key, WideString& value)
+{
+    Widget* widget = FindWidget(name);
+    return widget != nullptr && widget->GetAttribute(key, value);
+}
+
+// flag is true only for the text "true"; a key the widget doesn't know
+// gives false and a false flag.
+bool Viewer::GetWidgetBool(const WideString& name, const WideString& key, bool& flag)
+{
+    Widget* widget = FindWidget(name);
+    if (widget == nullptr)
+        return false;
+    WideString value;
+    const bool known = widget->GetAttribute(key, value);
+    flag = value == u"true";
+    return known;
+}
+
+Widget* Viewer::FindWidget(const WideString& name) const
+{
+    for (const std::unique_ptr<Widget>& widget : Widgets) {
+        if (widget != nullptr && widget->GetName() == name)
+            return widget.get();
+    }
+    return nullptr;
 }
 
 // Widget lists

@@ -5,18 +5,26 @@
 
 #include <memory>
 
+class AttributeMap;
 class InputWidget;
 class PositionedWidget;
+class Viewer;
 class WidgetHost;
 class WindowWidget;
+
+// Makes the widget of a section name for a viewer: false for a name that
+// builds nothing, true with a null widget when memory ran out.
+using WidgetFactoryFunction = bool (*)(const WideString& sectionName, Viewer* viewer,
+                                       std::unique_ptr<Widget>& widget);
 
 // The root of the widget engine: it owns the widgets, keeps the lists of
 // those that take input and those with a native window, and stands between
 // them and its host's window. A member of its host, used on the thread of
-// the main window only.
+// the main window only. The widgets it knows by section name come from its
+// factory, which the widget library provides.
 class Viewer : public ViewerBase {
 public:
-    explicit Viewer(WidgetHost* host);
+    Viewer(WidgetHost* host, WidgetFactoryFunction factory);
     ~Viewer() override;
 
     // Overrideables
@@ -27,6 +35,16 @@ public:
     Widget* GetLastWidget() override;
     virtual bool AddInputWidget(InputWidget* widget);
     virtual bool RemoveInputWidget(InputWidget* widget);
+
+    // Layout
+    bool Load(const WideString& path, bool keep);
+    bool AddSection(const WideString& name, const AttributeMap& map);
+    const WideString& GetCurrentGroup() const { return CurrentGroup; }
+    const WideString& GetLayoutPath() const { return LayoutPath; }
+
+    // Access by name
+    bool GetWidgetAttribute(const WideString& name, const WideString& key, WideString& value);
+    bool GetWidgetBool(const WideString& name, const WideString& key, bool& flag);
 
     // Widget lists
     // Takes ownership and puts the widget on top of all others.
@@ -43,4 +61,10 @@ protected:
     Array<WindowWidget*> WindowWidgets;
     InputWidget* Focus = nullptr;
     bool ActivateOnClick = true;
+
+private:
+    // The first widget of the list with this Name, or null.
+    Widget* FindWidget(const WideString& name) const;
+
+    WidgetFactoryFunction factory;
 };

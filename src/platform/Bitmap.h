@@ -35,6 +35,9 @@ class Bitmap : public Image {
 public:
     // A bitmap of width by height pixels in the format of graphics' device.
     Bitmap(std::int32_t width, std::int32_t height, Graphics& graphics);
+
+    // The ARGB colour of one pixel; false outside the bitmap.
+    bool GetPixel(std::int32_t x, std::int32_t y, std::uint32_t& argb);
 };
 
 } // namespace platform

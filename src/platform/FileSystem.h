@@ -22,5 +22,11 @@ std::u16string GetProgramPath(std::size_t maxLength);
 std::u16string GetFullPath(std::u16string_view path);
 // The current directory, at most maxLength units; empty on failure.
 std::u16string QueryCurrentDirectory(std::size_t maxLength);
+// Makes path the process's current directory; false when it can't be.
+bool ChangeCurrentDirectory(std::u16string_view path);
+// True when path begins at a root of its own: a drive letter and colon on
+// Windows, the root folder on POSIX. Such a path doesn't depend on the
+// current directory.
+bool HasDrive(std::u16string_view path);
 
 } // namespace platform

@@ -16,6 +16,7 @@ constexpr int kGdiplusOutOfMemory = 3;
 
 struct GraphicsObject;
 class Image;
+class SolidBrush;
 
 // A drawing surface on a device context or on an image. Not copied.
 class Graphics {
@@ -33,6 +34,9 @@ public:
     // The horizontal resolution of the surface in dots per inch; 0 when it
     // can't be asked.
     float GetDpiX();
+
+    // Drawing, in the units of the world transform. True when it worked.
+    bool FillRectangle(SolidBrush& brush, float x, float y, float width, float height);
 
     GraphicsObject* GetNative() const { return native; }
 

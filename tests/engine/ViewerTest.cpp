@@ -1,6 +1,9 @@
 #include "engine/InputWidget.h"
 
+#include "base/PathParts.h"
+#include "platform/FileSystem.h"
 #include "platform/SystemSettings.h"
+#include "support/TempDir.h"
 #include "support/ViewerFixture.h"
 
 #include <gtest/gtest.h>
@@ -82,6 +85,98 @@ TEST_F(ViewerLists, ResizeReplacesTheBitmapAndLearnsTheResolution)
     EXPECT_EQ(viewer.GetBitmapRect().width, 0);
     EXPECT_FALSE(viewer.Resize(nullptr, 10, 10));
     EXPECT_EQ(viewer.GetBitmapRect().width, 0);
+}
+
+} // namespace
+
+namespace {
+
+using ViewerLoad = ViewerFixture;
+
+std::u16string Attribute(Viewer& viewer, const char16_t* name, const char16_t* key)
+{
+    WideString value;
+    if (!viewer.GetWidgetAttribute(name, key, value))
+        return u"<none>";
+    return value.ToU16String();
+}
+
+TEST_F(ViewerLoad, SectionsBecomeWidgetsInFileOrder)
+{
+    TempDir dir;
+    const WideString path = dir.Write("Main.jpn", "[Plain]\r\nName=A\r\nPos=L1,T1,L10,T10\r\n"
+                                                  "[Viewer]\r\nGroup=G1,G2\r\nDpi=120\r\n"
+                                                  "[plain]\r\nName=Lower\r\n"
+                                                  "[Unknown]\r\nName=U\r\n"
+                                                  "[Input]\r\nName=B\r\nRelPos=L5,0,W10,H10\r\n"
+                                                  "[Plain]\r\nName=A\r\nPos=L0,T0,R1,B1\r\n"
+                                                  "[Viewer]\r\nDpi=x\r\n");
+    ASSERT_TRUE(viewer.Load(path, false));
+    EXPECT_EQ(viewer.WidgetCount(), 3u);
+    EXPECT_EQ(viewer.GetLayoutPath(), path);
+    EXPECT_EQ(viewer.GetCurrentGroup(), u"G1,G2");
+    // The last Viewer section wins, and a Dpi that isn't a number reads as 0.
+    EXPECT_EQ(viewer.Dpi, 0);
+
+    // The second widget was placed against the first; the first of two
+    // widgets of one name is the one reached by it.
+    EXPECT_EQ(Attribute(viewer, u"A", u"Width"), u"9");
+    EXPECT_EQ(Attribute(viewer, u"B", u"Width"), u"10");
+    EXPECT_EQ(Attribute(viewer, u"Lower", u"Width"), u"<none>");
+    EXPECT_EQ(Attribute(viewer, u"U", u"Width"), u"<none>");
+    EXPECT_EQ(Attribute(viewer, u"B", u"Key"), u"<none>");
+    bool flag = true;
+    EXPECT_TRUE(viewer.GetWidgetBool(u"B", u"Enable", flag));
+    EXPECT_TRUE(flag);
+    EXPECT_FALSE(viewer.GetWidgetBool(u"B", u"Key", flag));
+    EXPECT_FALSE(flag);
+    flag = true;
+    EXPECT_FALSE(viewer.GetWidgetBool(u"Nobody", u"Enable", flag));
+    EXPECT_TRUE(flag);
+
+    // keep lays a second layout over the first, and its first widget is
+    // placed against the last old one.
+    const WideString more = dir.Write("More.jpn", "[Plain]\r\nName=C\r\nRelPos=L0,T0,0,0\r\n");
+    ASSERT_TRUE(viewer.Load(more, true));
+    EXPECT_EQ(viewer.WidgetCount(), 4u);
+    EXPECT_EQ(Attribute(viewer, u"C", u"Width"), u"0");
+
+    // Without keep only the new file's widgets stay; the group and the
+    // resolution survive the clearing.
+    viewer.Dpi = 96;
+    ASSERT_TRUE(viewer.Load(more, false));
+    EXPECT_EQ(viewer.WidgetCount(), 1u);
+    EXPECT_EQ(Attribute(viewer, u"A", u"Width"), u"<none>");
+    EXPECT_EQ(viewer.GetCurrentGroup(), u"G1,G2");
+    EXPECT_EQ(viewer.Dpi, 96);
+}
+
+TEST_F(ViewerLoad, ALayoutIsSoughtInTheFolderAboveAndBecomesTheCurrentDirectory)
+{
+    TempDir dir;
+    const WideString program = dir.MakeDir("program");
+    const WideString layout = dir.Write("Main.jpn", "[Plain]\r\nName=Above\r\n");
+    const WideString before = GetCurrentDir();
+
+    ASSERT_TRUE(viewer.Load(AddTrailingBackslash(program) + u"Main.jpn", false));
+    EXPECT_EQ(viewer.GetLayoutPath(), layout);
+    EXPECT_EQ(AddTrailingBackslash(GetCurrentDir()), PathParts(layout).GetDriveDir());
+    EXPECT_EQ(Attribute(viewer, u"Above", u"Enable"), u"true");
+
+    // A path without a drive is taken by its name from the current directory.
+    ASSERT_TRUE(platform::ChangeCurrentDirectory(program.View()));
+    ASSERT_TRUE(viewer.Load(u"elsewhere/Main.jpn", false));
+    EXPECT_EQ(viewer.GetLayoutPath(), layout);
+
+    // Missing in both folders: false, nothing added, the old path stays,
+    // and the folder above is current now.
+    ASSERT_TRUE(platform::ChangeCurrentDirectory(program.View()));
+    EXPECT_FALSE(viewer.Load(AddTrailingBackslash(program) + u"Missing.jpn", false));
+    EXPECT_EQ(viewer.WidgetCount(), 0u);
+    EXPECT_EQ(viewer.GetLayoutPath(), u"");
+    EXPECT_EQ(AddTrailingBackslash(GetCurrentDir()), PathParts(layout).GetDriveDir());
+
+    platform::ChangeCurrentDirectory(before.View());
 }
 
 } // namespace

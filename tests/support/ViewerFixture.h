@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <vector>
 
 // A host that has no window and keeps the commands that reach it.
@@ -24,8 +25,16 @@ public:
     std::vector<WidgetEvent> commands;
 };
 
-// A Viewer on a recording host, with GDI+ running for its bitmap.
+// Makes a plain positioned widget for a section "Plain" and an input widget
+// for "Input"; nothing for other names.
+bool TestWidgetFactory(const WideString& sectionName, Viewer* viewer, std::unique_ptr<Widget>& widget);
+
+// A Viewer on a recording host, with GDI+ running for its bitmap. Its
+// factory is the test's own unless a fixture passes the real one.
 class ViewerFixture : public ::testing::Test {
+public:
+    explicit ViewerFixture(WidgetFactoryFunction factory = TestWidgetFactory) : viewer(&host, factory) {}
+
 protected:
     void SetUp() override { ASSERT_EQ(platform::StartGdiplus(gdiplus), 0); }
     void TearDown() override
@@ -45,5 +54,5 @@ protected:
 
     platform::GdiplusToken gdiplus = 0;
     RecordingHost host;
-    Viewer viewer{&host};
+    Viewer viewer;
 };

@@ -68,4 +68,15 @@ Bitmap::Bitmap(std::int32_t width, std::int32_t height, Graphics& graphics)
     }
 }
 
+bool Bitmap::GetPixel(std::int32_t x, std::int32_t y, std::uint32_t& argb)
+{
+    if (native == nullptr || x < 0 || y < 0 || static_cast<std::uint32_t>(x) >= native->width ||
+        static_cast<std::uint32_t>(y) >= native->height) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    argb = native->pixels[static_cast<std::size_t>(y) * native->width + static_cast<std::size_t>(x)];
+    return true;
+}
+
 } // namespace platform

@@ -2,6 +2,7 @@
 
 #include "platform/Bitmap.h"
 #include "platform/Graphics.h"
+#include "platform/SolidBrush.h"
 
 #include <cstdint>
 #include <memory>
@@ -22,3 +23,15 @@ struct platform::GraphicsObject {
     ImageObject* image = nullptr;
     float dpi = 0;
 };
+
+struct platform::BrushObject {
+    std::uint32_t argb = 0;
+};
+
+namespace platform::posix {
+
+// colour laid over pixel as GDI+ composites by default: the source over
+// what is there, with straight (not premultiplied) alpha.
+std::uint32_t BlendSourceOver(std::uint32_t pixel, std::uint32_t colour);
+
+} // namespace platform::posix

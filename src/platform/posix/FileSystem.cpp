@@ -51,4 +51,14 @@ std::u16string QueryCurrentDirectory(std::size_t maxLength)
     return path.size() <= maxLength ? path : std::u16string();
 }
 
+bool ChangeCurrentDirectory(std::u16string_view path)
+{
+    return !path.empty() && chdir(posix::PathToBytes(path).c_str()) == 0;
+}
+
+bool HasDrive(std::u16string_view path)
+{
+    return !path.empty() && path.front() == u'/';
+}
+
 } // namespace platform

@@ -41,4 +41,17 @@ Bitmap::Bitmap(std::int32_t width, std::int32_t height, Graphics& graphics)
     native = win32::Wrap(static_cast<GpImage*>(bitmap));
 }
 
+bool Bitmap::GetPixel(std::int32_t x, std::int32_t y, std::uint32_t& argb)
+{
+    Gdiplus::ARGB colour = 0;
+    const Gdiplus::Status result = Gdiplus::DllExports::GdipBitmapGetPixel(
+        static_cast<GpBitmap*>(win32::Native(native)), x, y, &colour);
+    if (result != Gdiplus::Ok) {
+        status = result;
+        return false;
+    }
+    argb = colour;
+    return true;
+}
+
 } // namespace platform

@@ -47,4 +47,15 @@ std::u16string QueryCurrentDirectory(std::size_t maxLength)
     return win32::FromWide(buffer.data(), length);
 }
 
+bool ChangeCurrentDirectory(std::u16string_view path)
+{
+    const std::u16string terminated(path);
+    return SetCurrentDirectoryW(win32::Wide(terminated)) != FALSE;
+}
+
+bool HasDrive(std::u16string_view path)
+{
+    return path.size() >= 2 && path[1] == u':';
+}
+
 } // namespace platform

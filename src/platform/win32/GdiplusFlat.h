@@ -2,6 +2,7 @@
 
 #include "platform/Bitmap.h"
 #include "platform/Graphics.h"
+#include "platform/SolidBrush.h"
 
 #include <windows.h>
 // GDI+'s headers need COM's types, which the lean Windows header leaves out.
@@ -12,6 +13,8 @@
 using Gdiplus::GpGraphics;
 using Gdiplus::GpImage;
 using Gdiplus::GpBitmap;
+using Gdiplus::GpBrush;
+using Gdiplus::GpSolidFill;
 
 namespace platform::win32 {
 
@@ -19,5 +22,7 @@ inline GpGraphics* Native(GraphicsObject* graphics) { return reinterpret_cast<Gp
 inline GraphicsObject* Wrap(GpGraphics* graphics) { return reinterpret_cast<GraphicsObject*>(graphics); }
 inline GpImage* Native(ImageObject* image) { return reinterpret_cast<GpImage*>(image); }
 inline ImageObject* Wrap(GpImage* image) { return reinterpret_cast<ImageObject*>(image); }
+inline GpBrush* Native(BrushObject* brush) { return reinterpret_cast<GpBrush*>(brush); }
+inline BrushObject* Wrap(GpBrush* brush) { return reinterpret_cast<BrushObject*>(brush); }
 
 } // namespace platform::win32

@@ -37,4 +37,13 @@ float Graphics::GetDpiX()
     return dpi;
 }
 
+bool Graphics::FillRectangle(SolidBrush& brush, float x, float y, float width, float height)
+{
+    const Gdiplus::Status result =
+        Gdiplus::DllExports::GdipFillRectangle(win32::Native(native), win32::Native(brush.GetNative()), x, y, width, height);
+    if (result != Gdiplus::Ok)
+        status = result;
+    return result == Gdiplus::Ok;
+}
+
 } // namespace platform
