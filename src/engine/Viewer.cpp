@@ -8,10 +8,35 @@
 #include "layouttext/LayoutDocument.h"
 #include "layouttext/ValueSyntax.h"
 #include "platform/FileSystem.h"
+#include "platform/Paint.h"
+#include "platform/Window.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
 
 #include <utility>
 
 namespace {
+
+// Device pixels of an edge: truncated toward zero, or rounded up, within
+// the range of a pixel coordinate; what is no number at all is 0.
+std::int32_t ToPixel(double value)
+{
+    if (std::isnan(value))
+        return 0;
+    return static_cast<std::int32_t>(std::clamp(value, -2147483648.0, 2147483647.0));
+}
+
+std::int32_t TruncatedPixel(float value)
+{
+    return ToPixel(std::trunc(static_cast<double>(value)));
+}
+
+std::int32_t CeilingPixel(float value)
+{
+    return ToPixel(std::ceil(static_cast<double>(value)));
+}
 
 // The one widget that stands for "no widget before this one": it has no
 // owner and no position texts, so all its edges are 0.
@@ -82,11 +107,54 @@ bool Viewer::SendToBack(Widget* widget)
     return true;
 }
 
-// FIXME: tell the window what the painter redrew once the painter exists;
-// until then nothing is ever dirty.
-bool Viewer::Flush(bool, bool)
+// Tells the window what the painter redrew since the last flush, cut to
+// the view, and puts the native child windows that the redrawn area
+// touches back on top of their widgets. With all, the whole window is
+// repainted at once and every child window is placed. False when there is
+// no window, or, without all, nothing to tell.
+bool Viewer::Flush(bool all, bool updateNow)
 {
-    return false;
+    const platform::WindowHandle window = GetHostWindow();
+    if (!platform::IsLiveWindow(window))
+        return false;
+    if (all) {
+        platform::InvalidateWindowRect(window, nullptr);
+        platform::UpdateWindowNow(window);
+        DirtyRect = {};
+        for (WindowWidget* widget : WindowWidgets) {
+            if (widget != nullptr)
+                widget->SyncWindow();
+        }
+        return true;
+    }
+    if (IsEmptyRect(DirtyRect))
+        return false;
+
+    const RectF bitmap = GetBitmapRect();
+    const platform::PixelRect view{TruncatedPixel(DeviceOriginX), TruncatedPixel(DeviceOriginY),
+                                   CeilingPixel(bitmap.width + DeviceOriginX),
+                                   CeilingPixel(bitmap.height + DeviceOriginY)};
+    const platform::PixelRect dirty{TruncatedPixel(DeviceFromLogicalX(DirtyRect.x)),
+                                    TruncatedPixel(DeviceFromLogicalY(DirtyRect.y)),
+                                    CeilingPixel(DeviceFromLogicalX(DirtyRect.x + DirtyRect.width)),
+                                    CeilingPixel(DeviceFromLogicalY(DirtyRect.y + DirtyRect.height))};
+    platform::PixelRect invalid;
+    platform::IntersectPixelRects(invalid, view, dirty);
+    platform::InvalidateWindowRect(window, &invalid);
+    if (updateNow)
+        platform::UpdateWindowNow(window);
+
+    // A child window that only touches the redrawn area keeps its place.
+    for (WindowWidget* widget : WindowWidgets) {
+        if (widget == nullptr)
+            continue;
+        const RectF r = widget->GetRect();
+        if (r.x < DirtyRect.x + DirtyRect.width && r.x + r.width > DirtyRect.x &&
+            r.y < DirtyRect.y + DirtyRect.height && r.y + r.height > DirtyRect.y)
+            widget->SyncWindow();
+    }
+    DirtyRect = {};
+    return true;
 }
 
 platform::WindowHandle Viewer::GetHostWindow()
@@ -176,6 +244,26 @@ bool Viewer::AddSection(const WideString& name, const AttributeMap& map)
 
 // Access by name
 
+// Changes one attribute of the first widget with this Name and, when
+// something changed, repaints the widget where it now stands and brings the
+// screen up to date before returning. False when no widget has the name or
+// nothing changed; nothing is painted then.
+bool Viewer::SetWidgetAttribute(const WideString& name, const WideString& key, const WideString& value)
+{
+    Widget* widget = FindWidget(name);
+    if (widget == nullptr || !widget->SetAttribute(key, value))
+        return false;
+    return RepaintNow(*widget);
+}
+
+bool Viewer::SetWidgetBool(const WideString& name, const WideString& key, bool flag)
+{
+    Widget* widget = FindWidget(name);
+    if (widget == nullptr || !widget->SetBoolAttribute(key, flag))
+        return false;
+    return RepaintNow(*widget);
+}
+
 // False, with value untouched, when no widget has the name.
 bool Viewer::GetWidgetAttribute(const WideString& name, const WideString& key, WideString& value)
 {
@@ -194,6 +282,13 @@ bool Viewer::GetWidgetBool(const WideString& name, const WideString& key, bool& 
     const bool known = widget->GetAttribute(key, value);
     flag = value == u"true";
     return known;
+}
+
+bool Viewer::RepaintNow(Widget& widget)
+{
+    const bool painted = PaintRect(widget.GetRect());
+    const bool flushed = Flush(false, true);
+    return painted || flushed;
 }
 
 Widget* Viewer::FindWidget(const WideString& name) const

@@ -43,6 +43,8 @@ public:
     const WideString& GetLayoutPath() const { return LayoutPath; }
 
     // Access by name
+    bool SetWidgetAttribute(const WideString& name, const WideString& key, const WideString& value);
+    bool SetWidgetBool(const WideString& name, const WideString& key, bool flag);
     bool GetWidgetAttribute(const WideString& name, const WideString& key, WideString& value);
     bool GetWidgetBool(const WideString& name, const WideString& key, bool& flag);
 
@@ -63,6 +65,8 @@ protected:
     bool ActivateOnClick = true;
 
 private:
+    // Paints the widget's rectangle and flushes it to the screen at once.
+    bool RepaintNow(Widget& widget);
     // The first widget of the list with this Name, or null.
     Widget* FindWidget(const WideString& name) const;
 

@@ -38,14 +38,24 @@ public:
     float LogicalFromDeviceX(float device);
     float LogicalFromDeviceY(float device);
 
+    // Painting
     // Replaces the backing bitmap by one of width by height device pixels
     // made for context; a negative size only deletes it.
     bool Resize(platform::DeviceContextHandle context, int width, int height);
+    bool PaintRect(const RectF& rect);
+    bool PaintAll();
+    bool Blit(platform::DeviceContextHandle context);
+    const RectF& GetDirtyRect() const { return DirtyRect; }
+    platform::Bitmap* GetBackingBitmap() const { return Bitmap.get(); }
 
     bool HasWidget(std::size_t index) const;
     std::size_t WidgetCount() const { return Widgets.Count(); }
 
 protected:
+    // Drawn and reached: present, visible and in the group on show.
+    bool IsShown(const Widget* widget) const;
+    static bool IsEmptyRect(const RectF& rect);
+
     Array<std::unique_ptr<Widget>> Widgets;
     std::unique_ptr<platform::Bitmap> Bitmap;
     RectF DirtyRect;

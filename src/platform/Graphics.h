@@ -16,7 +16,11 @@ constexpr int kGdiplusOutOfMemory = 3;
 
 struct GraphicsObject;
 class Image;
+class Region;
 class SolidBrush;
+
+// A saved state of a Graphics: its transform and its clip.
+using GraphicsState = unsigned int;
 
 // A drawing surface on a device context or on an image. Not copied.
 class Graphics {
@@ -35,8 +39,23 @@ public:
     // can't be asked.
     float GetDpiX();
 
+    // The world transform: each call puts a step in front of the ones made
+    // before, so a point is first translated, then scaled, when the scale
+    // was set first.
+    bool ScaleWorldTransform(float sx, float sy);
+    bool TranslateWorldTransform(float dx, float dy);
+
+    // The clip, replaced by a rectangle or a region in world units.
+    bool SetClipRect(float x, float y, float width, float height);
+    bool SetClipRegion(Region& region);
+    // Saves the transform and the clip, and puts them back.
+    GraphicsState Save();
+    bool Restore(GraphicsState state);
+
     // Drawing, in the units of the world transform. True when it worked.
     bool FillRectangle(SolidBrush& brush, float x, float y, float width, float height);
+    // Draws image unscaled with its corner at x, y.
+    bool DrawImage(Image& image, int x, int y);
 
     GraphicsObject* GetNative() const { return native; }
 

@@ -45,4 +45,16 @@ private:
     DeviceContextHandle context;
 };
 
+// Marks rect of the window's client area, or all of it for null, to be
+// painted, without erasing the background.
+bool InvalidateWindowRect(WindowHandle window, const PixelRect* rect);
+// Paints what is marked now, instead of when the queue comes to it.
+bool UpdateWindowNow(WindowHandle window);
+// The smallest rectangle around what may be drawn on context; false when
+// it can't be had.
+bool GetContextClipBox(DeviceContextHandle context, PixelRect& box);
+// The overlap of a and b in result; false, and an empty result, when they
+// don't overlap.
+bool IntersectPixelRects(PixelRect& result, const PixelRect& a, const PixelRect& b);
+
 } // namespace platform

@@ -2,10 +2,13 @@
 
 #include "platform/Bitmap.h"
 #include "platform/Graphics.h"
+#include "platform/Region.h"
 #include "platform/SolidBrush.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <vector>
 
 // The stand-in's GDI+ objects: images are ARGB pixels in memory, and a
 // drawing surface is the image it draws into, or nothing for a device
@@ -19,9 +22,58 @@ struct platform::ImageObject {
     std::unique_ptr<std::uint32_t[]> pixels;
 };
 
+namespace platform::posix {
+
+// A rectangle by its edges; it holds area only when right > left and
+// bottom > top.
+struct Box {
+    float left = 0;
+    float top = 0;
+    float right = 0;
+    float bottom = 0;
+
+    bool HasArea() const { return right > left && bottom > top; }
+};
+
+// Areas are lists of boxes that don't overlap, on the model of a disjoint
+// rectangle set. The infinite region is the box that GDI+ gives as its
+// bounds.
+using BoxList = std::vector<Box>;
+constexpr float kInfinity = 4194304.0f;
+
+BoxList BoxFrom(float x, float y, float width, float height);
+BoxList Intersected(const BoxList& a, const BoxList& b);
+BoxList Excluded(const BoxList& a, const BoxList& b);
+BoxList United(const BoxList& a, const BoxList& b);
+
+// device = world x scale + offset, on each axis.
+struct Transform {
+    float scaleX = 1;
+    float scaleY = 1;
+    float offsetX = 0;
+    float offsetY = 0;
+
+    Box ToDevice(const Box& box) const;
+};
+
+struct SavedGraphics {
+    Transform transform;
+    std::optional<BoxList> clip;
+};
+
+} // namespace platform::posix
+
+struct platform::RegionObject {
+    posix::BoxList boxes;
+};
+
 struct platform::GraphicsObject {
     ImageObject* image = nullptr;
     float dpi = 0;
+    posix::Transform transform;
+    // In device pixels; none is no clip at all.
+    std::optional<posix::BoxList> clip;
+    std::vector<posix::SavedGraphics> saved;
 };
 
 struct platform::BrushObject {

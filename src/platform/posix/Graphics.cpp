@@ -1,5 +1,8 @@
 #include "platform/Graphics.h"
 
+#include "platform/Bitmap.h"
+#include "platform/Region.h"
+#include "platform/SolidBrush.h"
 #include "platform/SystemSettings.h"
 #include "platform/posix/Drawing.h"
 
@@ -22,7 +25,38 @@ std::int64_t PixelFrom(float coordinate)
     return static_cast<std::int64_t>(std::clamp(pixel, -1e12, 1e12));
 }
 
+// Calls paint(column, row) for each pixel of image whose centre lies in
+// box, a box in device pixels.
+template <typename Paint>
+void ForEachPixel(const ImageObject& image, const posix::Box& box, Paint paint)
+{
+    const std::int64_t left = std::max<std::int64_t>(0, PixelFrom(box.left));
+    const std::int64_t top = std::max<std::int64_t>(0, PixelFrom(box.top));
+    const std::int64_t right = std::min<std::int64_t>(image.width, PixelFrom(box.right));
+    const std::int64_t bottom = std::min<std::int64_t>(image.height, PixelFrom(box.bottom));
+    for (std::int64_t row = top; row < bottom; ++row) {
+        for (std::int64_t column = left; column < right; ++column)
+            paint(column, row);
+    }
+}
+
+// The parts of box, in device pixels, that the clip lets through.
+posix::BoxList Clipped(const GraphicsObject& graphics, const posix::Box& box)
+{
+    const posix::BoxList whole = box.HasArea() ? posix::BoxList{box} : posix::BoxList{};
+    return graphics.clip ? posix::Intersected(whole, *graphics.clip) : whole;
+}
+
 } // namespace
+
+posix::Box posix::Transform::ToDevice(const Box& box) const
+{
+    const float x1 = box.left * scaleX + offsetX;
+    const float x2 = box.right * scaleX + offsetX;
+    const float y1 = box.top * scaleY + offsetY;
+    const float y2 = box.bottom * scaleY + offsetY;
+    return {std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2)};
+}
 
 Graphics::Graphics(DeviceContextHandle context)
 {
@@ -30,7 +64,7 @@ Graphics::Graphics(DeviceContextHandle context)
         status = kGdiplusInvalidParameter;
         return;
     }
-    native = new (std::nothrow) GraphicsObject{nullptr, static_cast<float>(GetScreenDpiX())};
+    native = new (std::nothrow) GraphicsObject{nullptr, static_cast<float>(GetScreenDpiX()), {}, {}, {}};
     if (native == nullptr)
         status = kGdiplusOutOfMemory;
 }
@@ -41,7 +75,7 @@ Graphics::Graphics(Image& image)
         status = kGdiplusInvalidParameter;
         return;
     }
-    native = new (std::nothrow) GraphicsObject{image.GetNative(), image.GetNative()->dpi};
+    native = new (std::nothrow) GraphicsObject{image.GetNative(), image.GetNative()->dpi, {}, {}, {}};
     if (native == nullptr)
         status = kGdiplusOutOfMemory;
 }
@@ -60,8 +94,83 @@ float Graphics::GetDpiX()
     return native->dpi;
 }
 
-// Fills the pixels whose centres lie inside the rectangle. A surface on a
-// device context has no pixels to fill and only checks its arguments.
+// Both steps go in front of the transform there is: the point is scaled or
+// moved first, then mapped as before.
+bool Graphics::ScaleWorldTransform(float sx, float sy)
+{
+    if (native == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    native->transform.scaleX *= sx;
+    native->transform.scaleY *= sy;
+    return true;
+}
+
+bool Graphics::TranslateWorldTransform(float dx, float dy)
+{
+    if (native == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    native->transform.offsetX += dx * native->transform.scaleX;
+    native->transform.offsetY += dy * native->transform.scaleY;
+    return true;
+}
+
+// The clip is kept in device pixels, as it was mapped when it was set.
+bool Graphics::SetClipRect(float x, float y, float width, float height)
+{
+    if (native == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    posix::BoxList clip;
+    for (const posix::Box& box : posix::BoxFrom(x, y, width, height))
+        clip.push_back(native->transform.ToDevice(box));
+    native->clip = clip;
+    return true;
+}
+
+bool Graphics::SetClipRegion(Region& region)
+{
+    if (native == nullptr || region.GetNative() == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    posix::BoxList clip;
+    for (const posix::Box& box : region.GetNative()->boxes)
+        clip.push_back(native->transform.ToDevice(box));
+    native->clip = clip;
+    return true;
+}
+
+// States count from 1; restoring one forgets the states saved after it.
+GraphicsState Graphics::Save()
+{
+    if (native == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return 0;
+    }
+    native->saved.push_back({native->transform, native->clip});
+    return static_cast<GraphicsState>(native->saved.size());
+}
+
+bool Graphics::Restore(GraphicsState state)
+{
+    if (native == nullptr || state == 0 || state > native->saved.size()) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    native->transform = native->saved[state - 1].transform;
+    native->clip = native->saved[state - 1].clip;
+    native->saved.resize(state - 1);
+    return true;
+}
+
+// Fills the pixels whose centres lie inside the rectangle and the clip. A
+// surface on a device context has no pixels to fill and only checks its
+// arguments.
 bool Graphics::FillRectangle(SolidBrush& brush, float x, float y, float width, float height)
 {
     if (native == nullptr || brush.GetNative() == nullptr) {
@@ -69,17 +178,40 @@ bool Graphics::FillRectangle(SolidBrush& brush, float x, float y, float width, f
         return false;
     }
     ImageObject* image = native->image;
-    if (image == nullptr || !(width > 0) || !(height > 0))
+    if (image == nullptr)
         return true;
-    const std::int64_t left = std::max<std::int64_t>(0, PixelFrom(x));
-    const std::int64_t top = std::max<std::int64_t>(0, PixelFrom(y));
-    const std::int64_t right = std::min<std::int64_t>(image->width, PixelFrom(x + width));
-    const std::int64_t bottom = std::min<std::int64_t>(image->height, PixelFrom(y + height));
     const std::uint32_t colour = brush.GetNative()->argb;
-    for (std::int64_t row = top; row < bottom; ++row) {
-        std::uint32_t* line = image->pixels.get() + row * image->width;
-        for (std::int64_t column = left; column < right; ++column)
-            line[column] = posix::BlendSourceOver(line[column], colour);
+    for (const posix::Box& piece : posix::BoxFrom(x, y, width, height)) {
+        for (const posix::Box& part : Clipped(*native, native->transform.ToDevice(piece))) {
+            ForEachPixel(*image, part, [&](std::int64_t column, std::int64_t row) {
+                std::uint32_t& pixel = image->pixels[static_cast<std::size_t>(row * image->width + column)];
+                pixel = posix::BlendSourceOver(pixel, colour);
+            });
+        }
+    }
+    return true;
+}
+
+// Lays image over the surface pixel for pixel, through the clip; the world
+// transform plays no part, as the image is drawn unscaled at device x, y.
+bool Graphics::DrawImage(Image& image, int x, int y)
+{
+    if (native == nullptr || image.GetNative() == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    ImageObject* target = native->image;
+    const ImageObject& source = *image.GetNative();
+    if (target == nullptr)
+        return true;
+    const posix::Box area{static_cast<float>(x), static_cast<float>(y), static_cast<float>(x) + source.width,
+                          static_cast<float>(y) + source.height};
+    for (const posix::Box& part : Clipped(*native, area)) {
+        ForEachPixel(*target, part, [&](std::int64_t column, std::int64_t row) {
+            const std::uint32_t colour = source.pixels[static_cast<std::size_t>((row - y) * source.width + (column - x))];
+            std::uint32_t& pixel = target->pixels[static_cast<std::size_t>(row * target->width + column)];
+            pixel = posix::BlendSourceOver(pixel, colour);
+        });
     }
     return true;
 }

@@ -2,7 +2,9 @@
 
 #include "platform/posix/StandIn.h"
 
+#include <algorithm>
 #include <mutex>
+#include <string>
 
 namespace platform {
 
@@ -39,5 +41,52 @@ DeviceContextHandle PaintScope::Context() const
 WindowContextScope::WindowContextScope(WindowHandle window) : window(window), context(ContextOf(window)) {}
 
 WindowContextScope::~WindowContextScope() = default;
+
+// The stand-in paints nothing: invalidations and updates of live windows
+// go to the call record, where tests see them.
+bool InvalidateWindowRect(WindowHandle window, const PixelRect* rect)
+{
+    if (!IsLiveWindow(window))
+        return false;
+    if (rect == nullptr)
+        posix::RecordCall("InvalidateWindowRect all");
+    else
+        posix::RecordCall("InvalidateWindowRect " + std::to_string(rect->left) + "," + std::to_string(rect->top) +
+                          "," + std::to_string(rect->right) + "," + std::to_string(rect->bottom));
+    return true;
+}
+
+bool UpdateWindowNow(WindowHandle window)
+{
+    if (!IsLiveWindow(window))
+        return false;
+    posix::RecordCall("UpdateWindowNow");
+    return true;
+}
+
+// A window's context may draw on its whole client area, the screen's on
+// the work area.
+bool GetContextClipBox(DeviceContextHandle context, PixelRect& box)
+{
+    if (context == nullptr)
+        return false;
+    if (context->window == nullptr) {
+        box = GetNearestWorkArea(nullptr);
+        return true;
+    }
+    const PixelRect client = GetClientBounds(context->window);
+    box = {0, 0, client.Width(), client.Height()};
+    return true;
+}
+
+bool IntersectPixelRects(PixelRect& result, const PixelRect& a, const PixelRect& b)
+{
+    result = {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+              std::min(a.bottom, b.bottom)};
+    if (result.left < result.right && result.top < result.bottom)
+        return true;
+    result = {};
+    return false;
+}
 
 } // namespace platform

@@ -40,4 +40,46 @@ WindowContextScope::~WindowContextScope()
         ReleaseDC(win32::Hwnd(window), win32::Hdc(context));
 }
 
+namespace {
+
+RECT NativeRect(const PixelRect& rect)
+{
+    return {rect.left, rect.top, rect.right, rect.bottom};
+}
+
+} // namespace
+
+bool InvalidateWindowRect(WindowHandle window, const PixelRect* rect)
+{
+    if (rect == nullptr)
+        return InvalidateRect(win32::Hwnd(window), nullptr, FALSE) != FALSE;
+    const RECT native = NativeRect(*rect);
+    return InvalidateRect(win32::Hwnd(window), &native, FALSE) != FALSE;
+}
+
+bool UpdateWindowNow(WindowHandle window)
+{
+    return UpdateWindow(win32::Hwnd(window)) != FALSE;
+}
+
+bool GetContextClipBox(DeviceContextHandle context, PixelRect& box)
+{
+    RECT native{};
+    const int kind = GetClipBox(win32::Hdc(context), &native);
+    if (kind == ERROR)
+        return false;
+    box = {native.left, native.top, native.right, native.bottom};
+    return true;
+}
+
+bool IntersectPixelRects(PixelRect& result, const PixelRect& a, const PixelRect& b)
+{
+    const RECT first = NativeRect(a);
+    const RECT second = NativeRect(b);
+    RECT overlap{};
+    const bool overlaps = IntersectRect(&overlap, &first, &second) != FALSE;
+    result = {overlap.left, overlap.top, overlap.right, overlap.bottom};
+    return overlaps;
+}
+
 } // namespace platform
