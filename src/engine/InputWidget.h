@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/PositionedWidget.h"
+#include "engine/WidgetEvent.h"
 #include "platform/Window.h"
 
 #include <cstdint>
@@ -17,6 +18,14 @@ public:
     // True when the widget took it.
     virtual bool OnEvent(platform::WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
                          std::intptr_t lParam, const PointF& point);
+
+    // Operations
+    // Tells the Viewer, and through it the application, what happened:
+    // code under the command name text, or under the widget's Name.
+    bool Notify(std::uint32_t code, const WideString& text = {});
+    // Paints the widget again and lets the window show it when the message
+    // loop comes to it.
+    void Repaint();
 };
 
 // An input widget with a native child window, which it keeps on its

@@ -8,6 +8,7 @@
 #include "layouttext/LayoutDocument.h"
 #include "layouttext/ValueSyntax.h"
 #include "platform/FileSystem.h"
+#include "platform/Input.h"
 #include "platform/Paint.h"
 #include "platform/Window.h"
 
@@ -323,10 +324,11 @@ void Viewer::RemoveWindowWidget(WindowWidget* widget)
 // Deletes every widget. The lists of borrowed pointers are emptied first,
 // so the widgets' destructors find nothing left to take out. The group on
 // show, the resolution, the bitmap and the dirty area stay.
-// FIXME: release the mouse capture when the host window holds it, once
-// input reaches the widgets.
 void Viewer::Clear()
 {
+    const platform::WindowHandle window = GetHostWindow();
+    if (window != nullptr && platform::GetCaptureWindow() == window)
+        platform::ReleaseMouseCapture();
     Focus = nullptr;
     WindowWidgets.Release();
     InputWidgets.Release();

@@ -2,7 +2,9 @@
 
 #include "base/Array.h"
 #include "engine/ViewerBase.h"
+#include "engine/WidgetEvent.h"
 
+#include <cstdint>
 #include <memory>
 
 class AttributeMap;
@@ -36,6 +38,11 @@ public:
     virtual bool AddInputWidget(InputWidget* widget);
     virtual bool RemoveInputWidget(InputWidget* widget);
 
+    // Input
+    bool OnMessage(platform::WindowHandle window, std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam);
+    bool PostEvent(const WidgetEvent& event);
+    RectF GetViewRect();
+
     // Layout
     bool Load(const WideString& path, bool keep);
     bool AddSection(const WideString& name, const AttributeMap& map);
@@ -65,6 +72,15 @@ protected:
     bool ActivateOnClick = true;
 
 private:
+    bool IsInteractive(const InputWidget* widget) const;
+    // Where the cursor of message stands, in device pixels of the host window.
+    void FindCursor(std::uint32_t message, std::intptr_t lParam, float& x, float& y);
+    // Offers message to the focus first; true when that decided the call,
+    // with its result in result.
+    bool OfferToFocus(platform::WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
+                      std::intptr_t lParam, const PointF& point, bool& result);
+    bool WalkTabStops();
+
     // Paints the widget's rectangle and flushes it to the screen at once.
     bool RepaintNow(Widget& widget);
     // The first widget of the list with this Name, or null.

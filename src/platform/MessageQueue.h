@@ -32,6 +32,17 @@ constexpr std::uint32_t kMessageCaretBlink = 0x0118;
 constexpr std::uint32_t kMessageMouseMove = 0x0200;
 constexpr std::uint32_t kMessageLeftButtonDown = 0x0201;
 constexpr std::uint32_t kMessageLeftButtonUp = 0x0202;
+constexpr std::uint32_t kMessageLeftButtonDoubleClick = 0x0203;
+constexpr std::uint32_t kMessageRightButtonDown = 0x0204;
+constexpr std::uint32_t kMessageRightButtonUp = 0x0205;
+constexpr std::uint32_t kMessageRightButtonDoubleClick = 0x0206;
+constexpr std::uint32_t kMessageMiddleButtonDown = 0x0207;
+constexpr std::uint32_t kMessageMiddleButtonUp = 0x0208;
+constexpr std::uint32_t kMessageMiddleButtonDoubleClick = 0x0209;
+constexpr std::uint32_t kMessageMouseWheel = 0x020A;
+constexpr std::uint32_t kMessageExtraButtonDown = 0x020B;
+constexpr std::uint32_t kMessageExtraButtonUp = 0x020C;
+constexpr std::uint32_t kMessageExtraButtonDoubleClick = 0x020D;
 constexpr std::uint32_t kMessageDropFiles = 0x0233;
 constexpr std::uint32_t kMessageUser = 0x0400;
 

@@ -5,7 +5,7 @@
 #include "platform/SystemSettings.h"
 #include "platform/Window.h"
 #include "platform/posix/TestHooks.h"
-#include "support/ViewerFixture.h"
+#include "StandInViewerFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -14,11 +14,6 @@
 #include <vector>
 
 namespace {
-
-bool NeverHandles(platform::WindowHandle, std::uint32_t, std::uintptr_t, std::intptr_t, std::intptr_t&)
-{
-    return false;
-}
 
 std::string Describe(const RectF& r)
 {
@@ -42,28 +37,13 @@ public:
 
 // The stand-in records what the window is told: the invalidated rectangles
 // and the forced updates.
-class Flush : public ViewerFixture {
+class Flush : public StandInViewerFixture {
 protected:
-    void SetUp() override
-    {
-        ViewerFixture::SetUp();
-        platform::testing::ResetStandIn();
-        host.window = platform::CreateDialogWindow(nullptr, 129, NeverHandles);
-        ASSERT_NE(host.window, nullptr);
-        platform::testing::TakeCallLog();
-    }
-    void TearDown() override
-    {
-        ViewerFixture::TearDown();
-        platform::testing::ResetStandIn();
-    }
-
     static std::vector<std::string> Calls() { return platform::testing::TakeCallLog(); }
 };
 
 TEST_F(Flush, TellsTheWindowWhatWasRepaintedWithinTheView)
 {
-    ResizeView(100, 50);
     EXPECT_FALSE(viewer.Flush(false, true));
     EXPECT_TRUE(Calls().empty());
 
@@ -91,7 +71,6 @@ TEST_F(Flush, TellsTheWindowWhatWasRepaintedWithinTheView)
 
 TEST_F(Flush, PlacesTheChildWindowsThatTheRepaintOverlaps)
 {
-    ResizeView(100, 50);
     Child touching(&viewer, u"L20,T0,L30,T10");
     Child overlapping(&viewer, u"L5,T5,L15,T15");
     viewer.PaintRect({0, 0, 20, 10});
@@ -109,6 +88,7 @@ TEST_F(Flush, PlacesTheChildWindowsThatTheRepaintOverlaps)
 TEST_F(Flush, BlitNeedsAContextAndABitmap)
 {
     platform::WindowContextScope context(host.window);
+    viewer.Resize(nullptr, -1, -1);
     EXPECT_FALSE(viewer.Blit(context.Context()));
     ResizeView(10, 10);
     EXPECT_FALSE(viewer.Blit(nullptr));

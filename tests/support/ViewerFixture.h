@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -18,11 +19,15 @@ public:
     bool OnWidgetCommand(Viewer&, const WidgetEvent& event) override
     {
         commands.push_back(event);
+        if (whileInside)
+            whileInside(event);
         return true;
     }
 
     platform::WindowHandle window = nullptr;
     std::vector<WidgetEvent> commands;
+    // Runs inside each command, as a modal loop of the host would.
+    std::function<void(const WidgetEvent&)> whileInside;
 };
 
 // Makes a plain positioned widget for a section "Plain" and an input widget

@@ -79,6 +79,11 @@ struct StandIn {
     std::vector<std::string> calls;
     int comInitializations = 0;
     int gdiplusSessions = 0;
+    // The mouse and the keyboard.
+    std::int32_t cursorX = 0;
+    std::int32_t cursorY = 0;
+    bool shiftDown = false;
+    WindowHandle capture = nullptr;
 };
 
 StandIn& State();

@@ -22,6 +22,10 @@ void ResetStandIn()
     state.calls.clear();
     state.comInitializations = 0;
     state.gdiplusSessions = 0;
+    state.cursorX = 0;
+    state.cursorY = 0;
+    state.shiftDown = false;
+    state.capture = nullptr;
     posix::ResetSystemSettings();
 }
 

@@ -105,3 +105,13 @@ void SetUserRegistryValue(std::u16string_view keyPath, std::u16string_view value
                           std::vector<std::uint8_t> data);
 
 } // namespace platform::testing
+
+// The mouse and the keyboard of the stand-in. Activations and changes of
+// the capture are recorded in the call log as "ActivateWindow",
+// "CaptureMouse" and "ReleaseMouseCapture".
+namespace platform::testing {
+
+void SetCursorScreenPosition(std::int32_t x, std::int32_t y);
+void SetShiftKeyDown(bool down);
+
+} // namespace platform::testing

@@ -99,6 +99,8 @@ bool DestroyDialogWindow(WindowHandle window)
     if (!IsLiveLocked(window))
         return true;
     state.windows.erase(window);
+    if (state.capture == window)
+        state.capture = nullptr;
     std::erase_if(state.timers, [window](const posix::Timer& timer) { return timer.window == window; });
     // Messages still queued for the window go with it, so that a later
     // window at the same address never receives them.
