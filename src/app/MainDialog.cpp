@@ -4,8 +4,15 @@
 #include "app/MessageLoopRegistry.h"
 #include "app/WaveCheck.h"
 #include "app/WorkerThread.h"
+#include "base/PathParts.h"
+#include "engine/WidgetEvent.h"
+#include "platform/DesktopMessageBox.h"
 #include "platform/MessageQueue.h"
 #include "platform/Paint.h"
+#include "platform/Shell.h"
+#include "widgets/WidgetFactory.h"
+
+#include <utility>
 
 namespace {
 
@@ -18,9 +25,51 @@ constexpr int kExitCodeClosed = 2;
 constexpr std::uintptr_t kIdleTimerId = 0;
 constexpr std::uint32_t kIdleTimerPeriodMs = 250;
 
+constexpr char16_t kLayoutName[] = u"Main.jpn";
+
+// The names of the widgets that the dialog knows, and their keys.
+constexpr char16_t kWaveFilePath[] = u"WaveFilePath";
+constexpr char16_t kMessage[] = u"Message";
+constexpr char16_t kCheckStart[] = u"CheckStart";
+constexpr char16_t kSearchError[] = u"SearchError";
+constexpr char16_t kSelectWaveFile[] = u"SelectWaveFile";
+constexpr char16_t kReleaseNote[] = u"ReleaseNote";
+constexpr char16_t kText[] = u"Text";
+constexpr char16_t kEnable[] = u"Enable";
+constexpr char16_t kEditing[] = u"Editing";
+
+constexpr char16_t kRunning[] = u"処理中...";
+constexpr char16_t kNotWave[] = u"Wavファイルではありません。";
+constexpr char16_t kCaption[] = u"Sondara";
+
+constexpr char16_t kOpenTitle[] = u"ファイルの選択";
+constexpr char16_t kOpenFilter[] = u"Wavファイル (*.wav)|*.wav||";
+constexpr char16_t kOpenExtension[] = u"wav";
+constexpr std::size_t kOpenMaxPath = 260;
+
+// The open-file dialog with a filter written with bars between its parts.
+bool AskForOpenFile(platform::WindowHandle owner, std::u16string_view barFilter, std::u16string_view extension,
+                    std::u16string_view title, std::u16string& path)
+{
+    std::u16string filter(barFilter);
+    for (char16_t& unit : filter) {
+        if (unit == u'|')
+            unit = u'\0';
+    }
+    return platform::ShowOpenFileDialog(owner, filter, extension, title, kOpenMaxPath, path);
+}
+
 } // namespace
 
-bool MainDialog::ProcessWindowMessage(platform::WindowHandle, std::uint32_t message, std::uintptr_t wParam,
+// The layout lies beside the program.
+MainDialog::MainDialog() : MainDialog(WidgetFactory, PathParts(WideString()).GetDriveDir() + kLayoutName) {}
+
+MainDialog::MainDialog(WidgetFactoryFunction factory, const WideString& layoutPath)
+    : viewer(this, factory), layoutPath(layoutPath)
+{
+}
+
+bool MainDialog::ProcessWindowMessage(platform::WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
                                       std::intptr_t lParam, std::intptr_t& result)
 {
     result = 0;
@@ -54,10 +103,9 @@ bool MainDialog::ProcessWindowMessage(platform::WindowHandle, std::uint32_t mess
     default:
         break;
     }
-    // FIXME: everything else, other commands and the timer among them, goes
-    // to the viewer first once there is one; until then the system's default
-    // dialog processing has it.
-    return false;
+    // Everything else, other commands and the timer among them, goes to the
+    // widgets; what they don't take, the system's dialog processing gets.
+    return viewer.OnMessage(window, message, wParam, lParam);
 }
 
 // Hands the message to the system's dialog manager, which turns Esc into
@@ -67,11 +115,50 @@ bool MainDialog::PreTranslateMessage(platform::Message& message)
     return platform::PreprocessDialogMessage(GetWindow(), message);
 }
 
-// FIXME: copies the state of the check into the widgets once there are
-// widgets. The result is not looked at.
+// Copies the state of the check into the widgets. While a check runs the
+// message says so and neither a new check nor a search can be started;
+// once it has ended the report shows, unless the user is inside the
+// message's text, and the buttons follow the path and the result. The
+// setters paint only what really changed, so every pass writes everything.
 bool MainDialog::OnIdle()
 {
+    if (worker != nullptr && worker->IsRunning()) {
+        viewer.SetWidgetAttribute(kMessage, kText, kRunning);
+        viewer.SetWidgetBool(kCheckStart, kEnable, false);
+        viewer.SetWidgetBool(kSearchError, kEnable, false);
+        return false;
+    }
+    if (resultForgotten) {
+        report.Clear();
+        reportHasError = false;
+        resultForgotten = false;
+    }
+    bool editing = true;
+    if (viewer.GetWidgetBool(kMessage, kEditing, editing) && !editing)
+        viewer.SetWidgetAttribute(kMessage, kText, report);
+    WideString path;
+    viewer.GetWidgetAttribute(kWaveFilePath, kText, path);
+    viewer.SetWidgetBool(kCheckStart, kEnable, !path.IsEmpty());
+    viewer.SetWidgetBool(kSearchError, kEnable, reportHasError);
     return false;
+}
+
+// Acts on the activation of the four named buttons only.
+bool MainDialog::OnWidgetCommand(Viewer&, const WidgetEvent& event)
+{
+    if (event.Code != EventCode::kCommand)
+        return false;
+    if (event.Name == kSelectWaveFile) {
+        SelectWaveFile();
+        return true;
+    }
+    if (event.Name == kCheckStart) {
+        StartCheck();
+        return true;
+    }
+    // FIXME: the search for a report line and the release note come with
+    // the web links.
+    return event.Name == kSearchError || event.Name == kReleaseNote;
 }
 
 // A closing program waits here for a check that still runs, and for its
@@ -95,7 +182,9 @@ std::intptr_t MainDialog::OnInitDialog()
         loop->AddMessageFilter(this);
         loop->AddIdleHandler(this);
     }
-    // FIXME: load the layout beside the program into the viewer here.
+    // Without a layout the window shows an empty view and can still be
+    // closed.
+    viewer.Load(layoutPath, false);
     platform::StartTimer(GetWindow(), kIdleTimerId, kIdleTimerPeriodMs);
     platform::AcceptDroppedFiles(GetWindow(), true);
     return 1;
@@ -110,17 +199,86 @@ void MainDialog::OnDestroy()
     }
 }
 
+// Copies the backing bitmap; all drawing happened when something changed.
 void MainDialog::OnPaint()
 {
     platform::PaintScope paint(GetWindow());
-    // FIXME: blit the viewer's backing bitmap to paint.Context().
+    viewer.Blit(paint.Context());
 }
 
-// FIXME: resizes the viewer to the client size in lParam and repaints it.
-void MainDialog::OnSize(std::intptr_t) {}
+void MainDialog::OnSize(std::intptr_t lParam)
+{
+    const auto width = static_cast<std::int16_t>(lParam & 0xFFFF);
+    const auto height = static_cast<std::int16_t>((lParam >> 16) & 0xFFFF);
+    bool resized = false;
+    {
+        platform::WindowContextScope context(GetWindow());
+        resized = viewer.Resize(context.Context(), width, height);
+    }
+    if (resized) {
+        viewer.PaintAll();
+        viewer.Flush(false, true);
+    }
+}
 
-// FIXME: takes a single dropped .wav file as the path to check.
-void MainDialog::OnDropFiles(std::uintptr_t) {}
+// Takes one dropped file whose name ends in ".wav", in any case, as the
+// path to check; the content is the check's business. A drop of several
+// files is ignored without a word.
+void MainDialog::OnDropFiles(std::uintptr_t drop)
+{
+    if (drop == 0)
+        return;
+    const std::uint32_t count = platform::CountDroppedFiles(drop);
+    const WideString path(count == 1 ? platform::GetDroppedFile(drop, 0) : std::u16string());
+    platform::FinishDrop(drop);
+    if (count != 1)
+        return;
+    if (!(PathParts(path).GetExt().ToLowerAscii() == u".wav")) {
+        platform::ShowMessageBox(GetWindow(), kNotWave, kCaption, platform::kMessageBoxOk);
+        return;
+    }
+    viewer.SetWidgetAttribute(kWaveFilePath, kText, path);
+    ForgetResult();
+}
+
+// Commands
+
+// After a cancel nothing changes.
+void MainDialog::SelectWaveFile()
+{
+    std::u16string path;
+    if (!AskForOpenFile(GetWindow(), kOpenFilter, kOpenExtension, kOpenTitle, path))
+        return;
+    viewer.SetWidgetAttribute(kWaveFilePath, kText, WideString(path));
+    ForgetResult();
+}
+
+// Waits for a check that still runs, then starts one on the path as it
+// stands. The next idle pass shows the new state.
+void MainDialog::StartCheck()
+{
+    if (worker != nullptr) {
+        worker->StopAndDestroy();
+        worker = nullptr;
+    }
+    resultForgotten = false;
+    viewer.GetWidgetAttribute(kWaveFilePath, kText, wavePath);
+    worker = new WorkerThread(this, &MainDialog::RunCheck);
+}
+
+// While a check runs, report and reportHasError are the worker's: the
+// dialog notes that the result is to go, and the first idle pass after the
+// check has ended clears it, so the old result never shows for the new
+// path and the search stays disabled until the next check ends.
+void MainDialog::ForgetResult()
+{
+    if (worker != nullptr && worker->IsRunning()) {
+        resultForgotten = true;
+        return;
+    }
+    report.Clear();
+    reportHasError = false;
+}
 
 // The only way out of the program: the window goes, and the loop ends with
 // the exit code of a normal close.

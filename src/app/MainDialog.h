@@ -5,18 +5,28 @@
 #include "app/IdleHandler.h"
 #include "app/MessageFilter.h"
 #include "base/WideString.h"
+#include "engine/Viewer.h"
+#include "engine/WidgetHost.h"
 
 #include <cstdint>
 
 class WorkerThread;
 
 // The program's one top-level window and the owner of the state of one
-// check: the path, the report and the result flag. Lives on the main
-// thread's stack; RunCheck runs on the worker.
-class MainDialog : public DialogWindow, public MessageFilter, public IdleHandler {
+// check: the path, the report and the result flag. It feeds the window's
+// messages to its Viewer, reacts to the commands of the named widgets and
+// to dropped files, and in each idle moment copies the state of the check
+// into the widgets. Lives on the main thread's stack; RunCheck runs on the
+// worker.
+class MainDialog : public DialogWindow, public MessageFilter, public IdleHandler, public WidgetHost {
 public:
     // The resource number of the dialog's template.
     static constexpr int kTemplateId = 129;
+
+    MainDialog();
+    // A dialog whose widgets come from factory and whose layout is read
+    // from layoutPath instead of the one beside the program.
+    MainDialog(WidgetFactoryFunction factory, const WideString& layoutPath);
 
     // Message dispatch
     bool ProcessWindowMessage(platform::WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
@@ -26,6 +36,10 @@ public:
     // Message filter and idle handler
     bool PreTranslateMessage(platform::Message& message) override;
     bool OnIdle() override;
+
+    // Widget host
+    platform::WindowHandle GetWidgetWindow() override { return GetWindow(); }
+    bool OnWidgetCommand(Viewer& viewer, const WidgetEvent& event) override;
 
     // Background check
     void RunCheck(WorkerThread* runningWorker);
@@ -44,8 +58,20 @@ private:
     void OnDropFiles(std::uintptr_t drop);
     void OnCancel();
 
+    // Commands
+    void SelectWaveFile();
+    void StartCheck();
+    // A new path was chosen: the result of the last check no longer holds.
+    void ForgetResult();
+
+    Viewer viewer;
+    WideString layoutPath;
     WorkerThread* worker = nullptr;
     WideString wavePath;
     CheckReport report;
     bool reportHasError = false;
+    // Set when the path changed while a check ran: report and
+    // reportHasError belong to the worker then, and its result is dropped
+    // at the first idle pass after it ended.
+    bool resultForgotten = false;
 };

@@ -90,6 +90,8 @@ StandIn& State();
 // Puts the colour scheme and the registry of the stand-in back to their
 // defaults; its own lock guards them.
 void ResetSystemSettings();
+// Forgets the open-file dialog's answer and the recorded message boxes.
+void ResetShell();
 
 // Adds one line to the record of start-up, window and shutdown calls.
 void RecordCall(std::string call);

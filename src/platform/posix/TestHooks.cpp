@@ -27,6 +27,7 @@ void ResetStandIn()
     state.shiftDown = false;
     state.capture = nullptr;
     posix::ResetSystemSettings();
+    posix::ResetShell();
 }
 
 void SetQueueWaitHook(std::function<void()> hook)

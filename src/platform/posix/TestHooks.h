@@ -115,3 +115,18 @@ void SetCursorScreenPosition(std::int32_t x, std::int32_t y);
 void SetShiftKeyDown(bool down);
 
 } // namespace platform::testing
+
+// The stand-in's shell: drops, the open-file dialog and owned message boxes.
+namespace platform::testing {
+
+// A drop of these files, as the wParam of a drop message.
+std::uintptr_t MakeDrop(std::vector<std::u16string> files);
+// Drops made and not yet finished.
+int OpenDrops();
+// What the open-file dialog gives from now on; empty is a cancel. Each
+// showing is recorded in the call log as "ShowOpenFileDialog".
+void SetOpenFileDialogAnswer(std::u16string path);
+// The message boxes of windows shown since the last call, oldest first.
+std::vector<DesktopMessageBoxRecord> TakeMessageBoxes();
+
+} // namespace platform::testing
