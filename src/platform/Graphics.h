@@ -2,6 +2,9 @@
 
 #include "platform/Paint.h"
 
+#include <cstdint>
+#include <string_view>
+
 // GDI+ drawing surfaces. Each wrapper holds the native object and the
 // status of its last failing call: a failure is stored, never thrown, and
 // drawing goes on. Deleting a wrapper deletes the native object. Used on
@@ -15,9 +18,13 @@ constexpr int kGdiplusInvalidParameter = 2;
 constexpr int kGdiplusOutOfMemory = 3;
 
 struct GraphicsObject;
+class Font;
+class GraphicsPath;
 class Image;
+class Pen;
 class Region;
 class SolidBrush;
+class StringFormat;
 
 // A saved state of a Graphics: its transform and its clip.
 using GraphicsState = unsigned int;
@@ -56,12 +63,61 @@ public:
     bool FillRectangle(SolidBrush& brush, float x, float y, float width, float height);
     // Draws image unscaled with its corner at x, y.
     bool DrawImage(Image& image, int x, int y);
+    // Lays text out in the rectangle as format says.
+    bool DrawString(std::u16string_view text, Font& font, float x, float y, float width, float height,
+                    StringFormat& format, SolidBrush& brush);
+    bool DrawPath(Pen& pen, GraphicsPath& path);
+    bool FillPath(SolidBrush& brush, GraphicsPath& path);
+
+    // Settings that guards change for the length of a draw.
+    std::int32_t GetSmoothingMode();
+    bool SetSmoothingMode(std::int32_t mode);
+    std::int32_t GetTextRenderingHint();
+    bool SetTextRenderingHint(std::int32_t hint);
 
     GraphicsObject* GetNative() const { return native; }
 
 private:
     GraphicsObject* native = nullptr;
     int status = kGdiplusOk;
+};
+
+constexpr std::int32_t kSmoothingModeAntiAlias = 4;
+constexpr std::int32_t kTextRenderingHintSystemDefault = 0;
+
+// Sets anti-aliased smoothing on a Graphics and puts the old mode back at
+// the end of its scope.
+class SmoothingGuard {
+public:
+    explicit SmoothingGuard(Graphics& graphics)
+        : graphics(graphics), saved(graphics.GetSmoothingMode())
+    {
+        graphics.SetSmoothingMode(kSmoothingModeAntiAlias);
+    }
+    ~SmoothingGuard() { graphics.SetSmoothingMode(saved); }
+    SmoothingGuard(const SmoothingGuard&) = delete;
+    SmoothingGuard& operator=(const SmoothingGuard&) = delete;
+
+private:
+    Graphics& graphics;
+    std::int32_t saved;
+};
+
+// Sets a text rendering hint on a Graphics and puts the old one back at
+// the end of its scope.
+class TextHintGuard {
+public:
+    TextHintGuard(Graphics& graphics, std::int32_t hint) : graphics(graphics), saved(graphics.GetTextRenderingHint())
+    {
+        graphics.SetTextRenderingHint(hint);
+    }
+    ~TextHintGuard() { graphics.SetTextRenderingHint(saved); }
+    TextHintGuard(const TextHintGuard&) = delete;
+    TextHintGuard& operator=(const TextHintGuard&) = delete;
+
+private:
+    Graphics& graphics;
+    std::int32_t saved;
 };
 
 } // namespace platform

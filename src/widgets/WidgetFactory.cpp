@@ -1,6 +1,7 @@
 #include "widgets/WidgetFactory.h"
 
 #include "widgets/Brush.h"
+#include "widgets/Text.h"
 
 #include <new>
 
@@ -10,6 +11,10 @@ bool WidgetFactory(const WideString& sectionName, Viewer* viewer, std::unique_pt
     widget.reset();
     if (sectionName == u"Brush") {
         widget.reset(new (std::nothrow) Brush(viewer));
+        return true;
+    }
+    if (sectionName == u"Text") {
+        widget.reset(new (std::nothrow) Text(viewer));
         return true;
     }
     return false;

@@ -1,13 +1,17 @@
 #pragma once
 
 #include "platform/Bitmap.h"
+#include "platform/Font.h"
 #include "platform/Graphics.h"
+#include "platform/Pen.h"
 #include "platform/Region.h"
 #include "platform/SolidBrush.h"
+#include "platform/posix/TestHooks.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 // The stand-in's GDI+ objects: images are ARGB pixels in memory, and a
@@ -74,7 +78,44 @@ struct platform::GraphicsObject {
     // In device pixels; none is no clip at all.
     std::optional<posix::BoxList> clip;
     std::vector<posix::SavedGraphics> saved;
+    std::int32_t smoothingMode = 0;
+    std::int32_t textRenderingHint = 0;
 };
+
+// Text isn't rendered: strings, and the paths made of them, keep what was
+// asked for, and drawing them records it for tests.
+struct platform::FontFamilyObject {
+    std::u16string name;
+};
+
+struct platform::FontObject {
+    std::u16string family;
+    float size = 0;
+    std::int32_t style = 0;
+};
+
+struct platform::StringFormatObject {
+    std::int32_t alignment = 0;
+    std::int32_t lineAlignment = 0;
+    std::int32_t flags = 0;
+};
+
+struct platform::PenObject {
+    std::uint32_t argb = 0;
+    float width = 0;
+    std::int32_t lineJoin = 0;
+};
+
+struct platform::PathObject {
+    std::vector<testing::DrawnText> strings;
+};
+
+namespace platform::posix {
+
+// Adds a drawn text to the record that tests take.
+void RecordDrawnText(testing::DrawnText text);
+
+} // namespace platform::posix
 
 struct platform::BrushObject {
     std::uint32_t argb = 0;

@@ -1,6 +1,8 @@
 #include "platform/Graphics.h"
 
 #include "platform/Bitmap.h"
+#include "platform/Font.h"
+#include "platform/Pen.h"
 #include "platform/Region.h"
 #include "platform/SolidBrush.h"
 #include "platform/SystemSettings.h"
@@ -64,7 +66,7 @@ Graphics::Graphics(DeviceContextHandle context)
         status = kGdiplusInvalidParameter;
         return;
     }
-    native = new (std::nothrow) GraphicsObject{nullptr, static_cast<float>(GetScreenDpiX()), {}, {}, {}};
+    native = new (std::nothrow) GraphicsObject{nullptr, static_cast<float>(GetScreenDpiX()), {}, {}, {}, 0, 0};
     if (native == nullptr)
         status = kGdiplusOutOfMemory;
 }
@@ -75,7 +77,7 @@ Graphics::Graphics(Image& image)
         status = kGdiplusInvalidParameter;
         return;
     }
-    native = new (std::nothrow) GraphicsObject{image.GetNative(), image.GetNative()->dpi, {}, {}, {}};
+    native = new (std::nothrow) GraphicsObject{image.GetNative(), image.GetNative()->dpi, {}, {}, {}, 0, 0};
     if (native == nullptr)
         status = kGdiplusOutOfMemory;
 }
@@ -213,6 +215,98 @@ bool Graphics::DrawImage(Image& image, int x, int y)
             pixel = posix::BlendSourceOver(pixel, colour);
         });
     }
+    return true;
+}
+
+// Strings aren't rendered; what was drawn goes to the record of drawn texts.
+bool Graphics::DrawString(std::u16string_view text, Font& font, float x, float y, float width, float height,
+                          StringFormat& format, SolidBrush& brush)
+{
+    if (native == nullptr || font.GetNative() == nullptr || format.GetNative() == nullptr ||
+        brush.GetNative() == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    testing::DrawnText drawn;
+    drawn.text = std::u16string(text);
+    drawn.family = font.GetNative()->family;
+    drawn.size = font.GetNative()->size;
+    drawn.style = font.GetNative()->style;
+    drawn.x = x;
+    drawn.y = y;
+    drawn.width = width;
+    drawn.height = height;
+    drawn.alignment = format.GetNative()->alignment;
+    drawn.lineAlignment = format.GetNative()->lineAlignment;
+    drawn.formatFlags = format.GetNative()->flags;
+    drawn.colour = brush.GetNative()->argb;
+    drawn.smoothingMode = native->smoothingMode;
+    drawn.textRenderingHint = native->textRenderingHint;
+    posix::RecordDrawnText(drawn);
+    return true;
+}
+
+bool Graphics::DrawPath(Pen& pen, GraphicsPath& path)
+{
+    if (native == nullptr || pen.GetNative() == nullptr || path.GetNative() == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    for (testing::DrawnText drawn : path.GetNative()->strings) {
+        drawn.kind = testing::DrawnText::Kind::PathOutline;
+        drawn.colour = pen.GetNative()->argb;
+        drawn.penWidth = pen.GetNative()->width;
+        drawn.penLineJoin = pen.GetNative()->lineJoin;
+        drawn.smoothingMode = native->smoothingMode;
+        drawn.textRenderingHint = native->textRenderingHint;
+        posix::RecordDrawnText(drawn);
+    }
+    return true;
+}
+
+bool Graphics::FillPath(SolidBrush& brush, GraphicsPath& path)
+{
+    if (native == nullptr || brush.GetNative() == nullptr || path.GetNative() == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    for (testing::DrawnText drawn : path.GetNative()->strings) {
+        drawn.kind = testing::DrawnText::Kind::PathFill;
+        drawn.colour = brush.GetNative()->argb;
+        drawn.smoothingMode = native->smoothingMode;
+        drawn.textRenderingHint = native->textRenderingHint;
+        posix::RecordDrawnText(drawn);
+    }
+    return true;
+}
+
+std::int32_t Graphics::GetSmoothingMode()
+{
+    return native != nullptr ? native->smoothingMode : 0;
+}
+
+bool Graphics::SetSmoothingMode(std::int32_t mode)
+{
+    if (native == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    native->smoothingMode = mode;
+    return true;
+}
+
+std::int32_t Graphics::GetTextRenderingHint()
+{
+    return native != nullptr ? native->textRenderingHint : 0;
+}
+
+bool Graphics::SetTextRenderingHint(std::int32_t hint)
+{
+    if (native == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    native->textRenderingHint = hint;
     return true;
 }
 

@@ -92,6 +92,8 @@ StandIn& State();
 void ResetSystemSettings();
 // Forgets the open-file dialog's answer and the recorded message boxes.
 void ResetShell();
+// Forgets the drawn texts and the families' settings.
+void ResetFonts();
 
 // Adds one line to the record of start-up, window and shutdown calls.
 void RecordCall(std::string call);

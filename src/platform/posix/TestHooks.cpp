@@ -28,6 +28,7 @@ void ResetStandIn()
     state.capture = nullptr;
     posix::ResetSystemSettings();
     posix::ResetShell();
+    posix::ResetFonts();
 }
 
 void SetQueueWaitHook(std::function<void()> hook)

@@ -130,3 +130,40 @@ void SetOpenFileDialogAnswer(std::u16string path);
 std::vector<DesktopMessageBoxRecord> TakeMessageBoxes();
 
 } // namespace platform::testing
+
+// The stand-in's text: what was drawn, and the metrics of its families.
+namespace platform::testing {
+
+// One string drawn, as text or as a path made of it.
+struct DrawnText {
+    enum class Kind { String, PathOutline, PathFill };
+    Kind kind = Kind::String;
+    std::u16string text;
+    std::u16string family;
+    // Points for a string, world units for a path.
+    float size = 0;
+    std::int32_t style = 0;
+    float x = 0;
+    float y = 0;
+    float width = 0;
+    float height = 0;
+    std::int32_t alignment = 0;
+    std::int32_t lineAlignment = 0;
+    std::int32_t formatFlags = 0;
+    // The brush's colour, or the pen's for an outline.
+    std::uint32_t colour = 0;
+    float penWidth = 0;
+    std::int32_t penLineJoin = 0;
+    std::int32_t smoothingMode = 0;
+    std::int32_t textRenderingHint = 0;
+};
+
+// The texts drawn since the last call, oldest first.
+std::vector<DrawnText> TakeDrawnTexts();
+// Families of the stand-in exist for every name but the empty one and
+// those named here. Their em height is 2048 units and their line spacing
+// 2472 unless set here.
+void SetMissingFontFamily(std::u16string name);
+void SetFontLineSpacing(std::u16string name, std::uint16_t spacing);
+
+} // namespace platform::testing

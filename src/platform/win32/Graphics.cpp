@@ -37,17 +37,7 @@ float Graphics::GetDpiX()
     return dpi;
 }
 
-namespace {
-
-// Keeps a failing status in the wrapper; true for success.
-bool Keep(int& status, Gdiplus::Status result)
-{
-    if (result != Gdiplus::Ok)
-        status = result;
-    return result == Gdiplus::Ok;
-}
-
-} // namespace
+using win32::Keep;
 
 bool Graphics::ScaleWorldTransform(float sx, float sy)
 {
@@ -94,6 +84,57 @@ bool Graphics::FillRectangle(SolidBrush& brush, float x, float y, float width, f
 {
     return Keep(status, Gdiplus::DllExports::GdipFillRectangle(win32::Native(native), win32::Native(brush.GetNative()),
                                                                x, y, width, height));
+}
+
+// The text is copied so that it ends in a zero unit; its length is passed
+// as well.
+bool Graphics::DrawString(std::u16string_view text, Font& font, float x, float y, float width, float height,
+                          StringFormat& format, SolidBrush& brush)
+{
+    const std::u16string terminated(text);
+    const Gdiplus::RectF layout(x, y, width, height);
+    return Keep(status, Gdiplus::DllExports::GdipDrawString(
+                            win32::Native(native), win32::Text(terminated), static_cast<INT>(terminated.size()),
+                            win32::Native(font.GetNative()), &layout, win32::Native(format.GetNative()),
+                            win32::Native(brush.GetNative())));
+}
+
+bool Graphics::DrawPath(Pen& pen, GraphicsPath& path)
+{
+    return Keep(status, Gdiplus::DllExports::GdipDrawPath(win32::Native(native), win32::Native(pen.GetNative()),
+                                                          win32::Native(path.GetNative())));
+}
+
+bool Graphics::FillPath(SolidBrush& brush, GraphicsPath& path)
+{
+    return Keep(status, Gdiplus::DllExports::GdipFillPath(win32::Native(native), win32::Native(brush.GetNative()),
+                                                          win32::Native(path.GetNative())));
+}
+
+std::int32_t Graphics::GetSmoothingMode()
+{
+    Gdiplus::SmoothingMode mode = Gdiplus::SmoothingModeDefault;
+    Keep(status, Gdiplus::DllExports::GdipGetSmoothingMode(win32::Native(native), &mode));
+    return mode;
+}
+
+bool Graphics::SetSmoothingMode(std::int32_t mode)
+{
+    return Keep(status, Gdiplus::DllExports::GdipSetSmoothingMode(win32::Native(native),
+                                                                  static_cast<Gdiplus::SmoothingMode>(mode)));
+}
+
+std::int32_t Graphics::GetTextRenderingHint()
+{
+    Gdiplus::TextRenderingHint hint = Gdiplus::TextRenderingHintSystemDefault;
+    Keep(status, Gdiplus::DllExports::GdipGetTextRenderingHint(win32::Native(native), &hint));
+    return hint;
+}
+
+bool Graphics::SetTextRenderingHint(std::int32_t hint)
+{
+    return Keep(status, Gdiplus::DllExports::GdipSetTextRenderingHint(win32::Native(native),
+                                                                      static_cast<Gdiplus::TextRenderingHint>(hint)));
 }
 
 } // namespace platform

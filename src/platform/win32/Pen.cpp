@@ -1,0 +1,65 @@
+#include "platform/Pen.h"
+
+#include "platform/Font.h"
+#include "platform/win32/GdiplusFlat.h"
+
+#include <string>
+
+namespace platform {
+
+using win32::Keep;
+
+Pen::Pen(std::uint32_t argb, float width)
+{
+    GpPen* pen = nullptr;
+    status = Gdiplus::DllExports::GdipCreatePen1(argb, width, Gdiplus::UnitWorld, &pen);
+    native = win32::Wrap(pen);
+}
+
+Pen::~Pen()
+{
+    if (native != nullptr)
+        Gdiplus::DllExports::GdipDeletePen(win32::Native(native));
+}
+
+bool Pen::SetColor(std::uint32_t argb)
+{
+    return Keep(status, Gdiplus::DllExports::GdipSetPenColor(win32::Native(native), argb));
+}
+
+bool Pen::SetWidth(float width)
+{
+    return Keep(status, Gdiplus::DllExports::GdipSetPenWidth(win32::Native(native), width));
+}
+
+bool Pen::SetLineJoin(std::int32_t join)
+{
+    return Keep(status, Gdiplus::DllExports::GdipSetPenLineJoin(win32::Native(native),
+                                                                static_cast<Gdiplus::LineJoin>(join)));
+}
+
+GraphicsPath::GraphicsPath()
+{
+    GpPath* path = nullptr;
+    status = Gdiplus::DllExports::GdipCreatePath(Gdiplus::FillModeAlternate, &path);
+    native = win32::Wrap(path);
+}
+
+GraphicsPath::~GraphicsPath()
+{
+    if (native != nullptr)
+        Gdiplus::DllExports::GdipDeletePath(win32::Native(native));
+}
+
+bool GraphicsPath::AddString(std::u16string_view text, FontFamily& family, std::int32_t style, float emSize, float x,
+                             float y, float width, float height, StringFormat& format)
+{
+    const std::u16string terminated(text);
+    const Gdiplus::RectF layout(x, y, width, height);
+    return Keep(status, Gdiplus::DllExports::GdipAddPathString(
+                            win32::Native(native), win32::Text(terminated), static_cast<INT>(terminated.size()),
+                            win32::Native(family.GetNative()), style, emSize, &layout,
+                            win32::Native(format.GetNative())));
+}
+
+} // namespace platform
