@@ -73,7 +73,7 @@ trap sondara_wine_end EXIT
 if [[ -n $user_display ]]; then
     echo "run.sh: Sondara is open on $user_display; close its window to finish."
     window_status=0
-    wine "$program" </dev/null || window_status=$?
+    LC_ALL=ja_JP.UTF-8 wine "$program" </dev/null || window_status=$?
     echo "run.sh: Sondara ended with exit code $window_status (2 is a normal close)"
     if ((window_status != 2)); then
         exit 1
@@ -84,7 +84,9 @@ fi
 mkdir -p build/run
 screenshot=build/run/sondara-window.png
 rm -f "$screenshot"
-wine "$program" </dev/null >build/run/sondara.log 2>&1 &
+# The layout is written in the Japanese code page, which a Japanese locale
+# gives the program.
+LC_ALL=ja_JP.UTF-8 wine "$program" </dev/null >build/run/sondara.log 2>&1 &
 pid=$!
 
 # The window appears within a second or so once the server is warm.
