@@ -55,6 +55,7 @@ public:
     // The clip, replaced by a rectangle or a region in world units.
     bool SetClipRect(float x, float y, float width, float height);
     bool SetClipRegion(Region& region);
+    bool SetClipPath(GraphicsPath& path);
     // Saves the transform and the clip, and puts them back.
     GraphicsState Save();
     bool Restore(GraphicsState state);

@@ -49,6 +49,9 @@ public:
     int GetLastStatus() const { return status; }
     PathObject* GetNative() const { return native; }
 
+    bool AddLine(float x1, float y1, float x2, float y2);
+    // A cardinal spline through three points, of tension 0.5.
+    bool AddCurve(const float (&points)[6]);
     // The outlines of text laid out in the rectangle; emSize in world units.
     bool AddString(std::u16string_view text, FontFamily& family, std::int32_t style, float emSize, float x, float y,
                    float width, float height, StringFormat& format);

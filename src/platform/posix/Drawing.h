@@ -106,14 +106,19 @@ struct platform::PenObject {
     std::int32_t lineJoin = 0;
 };
 
+// A path keeps its strings as they were laid out, and its lines and
+// curves as text for the record, with the box around their points.
 struct platform::PathObject {
     std::vector<testing::DrawnText> strings;
+    std::vector<std::string> figures;
+    std::optional<posix::Box> around;
 };
 
 namespace platform::posix {
 
-// Adds a drawn text to the record that tests take.
+// Adds a drawn text or path to the record that tests take.
 void RecordDrawnText(testing::DrawnText text);
+void RecordDrawnPath(testing::DrawnPath path);
 
 } // namespace platform::posix
 

@@ -25,6 +25,7 @@ struct FontState {
     std::set<std::u16string> missing;
     std::map<std::u16string, std::uint16_t> lineSpacing;
     std::vector<testing::DrawnText> drawn;
+    std::vector<testing::DrawnPath> paths;
 };
 
 FontState& Fonts()
@@ -138,9 +139,22 @@ void posix::RecordDrawnText(testing::DrawnText text)
     Fonts().drawn.push_back(std::move(text));
 }
 
+void posix::RecordDrawnPath(testing::DrawnPath path)
+{
+    std::lock_guard lock(Fonts().mutex);
+    Fonts().paths.push_back(std::move(path));
+}
+
+std::vector<testing::DrawnPath> testing::TakeDrawnPaths()
+{
+    std::lock_guard lock(Fonts().mutex);
+    return std::exchange(Fonts().paths, {});
+}
+
 void posix::ResetFonts()
 {
     std::lock_guard lock(Fonts().mutex);
+    Fonts().paths.clear();
     Fonts().missing.clear();
     Fonts().lineSpacing.clear();
     Fonts().drawn.clear();

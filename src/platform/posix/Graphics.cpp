@@ -147,6 +147,21 @@ bool Graphics::SetClipRegion(Region& region)
     return true;
 }
 
+// The stand-in clips to the box around the path's points, which is the
+// path itself for the rectangles it is used with.
+bool Graphics::SetClipPath(GraphicsPath& path)
+{
+    if (native == nullptr || path.GetNative() == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    posix::BoxList clip;
+    if (path.GetNative()->around)
+        clip.push_back(native->transform.ToDevice(*path.GetNative()->around));
+    native->clip = clip;
+    return true;
+}
+
 // States count from 1; restoring one forgets the states saved after it.
 GraphicsState Graphics::Save()
 {
@@ -252,6 +267,9 @@ bool Graphics::DrawPath(Pen& pen, GraphicsPath& path)
         status = kGdiplusInvalidParameter;
         return false;
     }
+    if (!path.GetNative()->figures.empty())
+        posix::RecordDrawnPath({path.GetNative()->figures, pen.GetNative()->argb, pen.GetNative()->width,
+                                native->smoothingMode});
     for (testing::DrawnText drawn : path.GetNative()->strings) {
         drawn.kind = testing::DrawnText::Kind::PathOutline;
         drawn.colour = pen.GetNative()->argb;

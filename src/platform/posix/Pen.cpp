@@ -4,7 +4,10 @@
 #include "platform/Graphics.h"
 #include "platform/posix/Drawing.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <new>
+#include <string>
 
 namespace platform {
 
@@ -58,6 +61,52 @@ GraphicsPath::GraphicsPath() : native(new (std::nothrow) PathObject)
 GraphicsPath::~GraphicsPath()
 {
     delete native;
+}
+
+namespace {
+
+std::string Point(float x, float y)
+{
+    char text[48];
+    std::snprintf(text, sizeof text, "%g,%g", x, y);
+    return text;
+}
+
+void Extend(PathObject& path, float x, float y)
+{
+    if (!path.around)
+        path.around = posix::Box{x, y, x, y};
+    path.around->left = std::min(path.around->left, x);
+    path.around->top = std::min(path.around->top, y);
+    path.around->right = std::max(path.around->right, x);
+    path.around->bottom = std::max(path.around->bottom, y);
+}
+
+} // namespace
+
+bool GraphicsPath::AddLine(float x1, float y1, float x2, float y2)
+{
+    if (native == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    native->figures.push_back("line " + Point(x1, y1) + " " + Point(x2, y2));
+    Extend(*native, x1, y1);
+    Extend(*native, x2, y2);
+    return true;
+}
+
+bool GraphicsPath::AddCurve(const float (&points)[6])
+{
+    if (native == nullptr) {
+        status = kGdiplusInvalidParameter;
+        return false;
+    }
+    native->figures.push_back("curve " + Point(points[0], points[1]) + " " + Point(points[2], points[3]) + " " +
+                              Point(points[4], points[5]));
+    for (int i = 0; i < 6; i += 2)
+        Extend(*native, points[i], points[i + 1]);
+    return true;
 }
 
 // The path keeps the string as it was laid out; drawing the path records it.

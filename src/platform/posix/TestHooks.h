@@ -160,6 +160,18 @@ struct DrawnText {
 
 // The texts drawn since the last call, oldest first.
 std::vector<DrawnText> TakeDrawnTexts();
+
+// One stroke of a path of lines and curves, each element written as
+// "line x1,y1 x2,y2" or "curve x0,y0 x1,y1 x2,y2".
+struct DrawnPath {
+    std::vector<std::string> elements;
+    std::uint32_t colour = 0;
+    float penWidth = 0;
+    std::int32_t smoothingMode = 0;
+};
+
+// The paths stroked since the last call, oldest first.
+std::vector<DrawnPath> TakeDrawnPaths();
 // Families of the stand-in exist for every name but the empty one and
 // those named here. Their em height is 2048 units and their line spacing
 // 2472 unless set here.

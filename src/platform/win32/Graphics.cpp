@@ -63,6 +63,12 @@ bool Graphics::SetClipRegion(Region& region)
                                                                Gdiplus::CombineModeReplace));
 }
 
+bool Graphics::SetClipPath(GraphicsPath& path)
+{
+    return Keep(status, Gdiplus::DllExports::GdipSetClipPath(win32::Native(native), win32::Native(path.GetNative()),
+                                                             Gdiplus::CombineModeReplace));
+}
+
 GraphicsState Graphics::Save()
 {
     Gdiplus::GraphicsState state = 0;

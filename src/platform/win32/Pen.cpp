@@ -51,6 +51,17 @@ GraphicsPath::~GraphicsPath()
         Gdiplus::DllExports::GdipDeletePath(win32::Native(native));
 }
 
+bool GraphicsPath::AddLine(float x1, float y1, float x2, float y2)
+{
+    return Keep(status, Gdiplus::DllExports::GdipAddPathLine(win32::Native(native), x1, y1, x2, y2));
+}
+
+bool GraphicsPath::AddCurve(const float (&points)[6])
+{
+    const Gdiplus::PointF native3[3] = {{points[0], points[1]}, {points[2], points[3]}, {points[4], points[5]}};
+    return Keep(status, Gdiplus::DllExports::GdipAddPathCurve(win32::Native(native), native3, 3));
+}
+
 bool GraphicsPath::AddString(std::u16string_view text, FontFamily& family, std::int32_t style, float emSize, float x,
                              float y, float width, float height, StringFormat& format)
 {
