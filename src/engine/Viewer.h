@@ -42,6 +42,8 @@ public:
     bool OnMessage(platform::WindowHandle window, std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam);
     bool PostEvent(const WidgetEvent& event);
     RectF GetViewRect();
+    // Takes input: present, enabled, visible and in the group on show.
+    bool IsInteractive(const InputWidget* widget) const;
 
     // Layout
     bool Load(const WideString& path, bool keep);
@@ -72,7 +74,6 @@ protected:
     bool ActivateOnClick = true;
 
 private:
-    bool IsInteractive(const InputWidget* widget) const;
     // Where the cursor of message stands, in device pixels of the host window.
     void FindCursor(std::uint32_t message, std::intptr_t lParam, float& x, float& y);
     // Offers message to the focus first; true when that decided the call,

@@ -17,6 +17,8 @@ public:
     bool IsOpaque() override;
 
     std::uint32_t GetColor() const { return Color; }
+    // For the widgets that paint their faces with a brush of their own.
+    void SetColor(std::uint32_t color) { Color = color; }
 
 private:
     std::uint32_t Color;

@@ -19,6 +19,23 @@ public:
     bool GetAttribute(const WideString& key, WideString& value) override;
     bool SaveToText(WideString& text, WideString& options, bool skip) override;
 
+    // Operations
+    // For the widgets that own a caption: the fields set directly.
+    void SetCaptionText(const WideString& text) { TextValue = text; }
+    void SetColor(std::uint32_t color) { Color = color; }
+    void SetFontSize(double size) { FontSize = size; }
+    void SetFontName(const WideString& name) { FontName = name; }
+    void SetOutline(std::int32_t size, std::uint32_t color)
+    {
+        OutlineSize = size;
+        OutlineColor = color;
+    }
+    void SetAlignment(std::int32_t horizontal, std::int32_t vertical)
+    {
+        HAlign = horizontal;
+        VAlign = vertical;
+    }
+
 private:
     // The size in points that a Draw uses, before the scale.
     double DrawingSize();

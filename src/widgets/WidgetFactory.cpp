@@ -1,6 +1,7 @@
 #include "widgets/WidgetFactory.h"
 
 #include "widgets/Brush.h"
+#include "widgets/Button.h"
 #include "widgets/Text.h"
 
 #include <new>
@@ -11,6 +12,10 @@ bool WidgetFactory(const WideString& sectionName, Viewer* viewer, std::unique_pt
     widget.reset();
     if (sectionName == u"Brush") {
         widget.reset(new (std::nothrow) Brush(viewer));
+        return true;
+    }
+    if (sectionName == u"Button") {
+        widget.reset(new (std::nothrow) Button(viewer));
         return true;
     }
     if (sectionName == u"Text") {
