@@ -2,7 +2,9 @@
 
 #include "app/MessageLoop.h"
 #include "app/MessageLoopRegistry.h"
+#include "app/VersionInfo.h"
 #include "app/WaveCheck.h"
+#include "app/WebLinks.h"
 #include "app/WorkerThread.h"
 #include "base/PathParts.h"
 #include "engine/WidgetEvent.h"
@@ -156,9 +158,13 @@ bool MainDialog::OnWidgetCommand(Viewer&, const WidgetEvent& event)
         StartCheck();
         return true;
     }
-    // FIXME: the search for a report line and the release note come with
-    // the web links.
-    return event.Name == kSearchError || event.Name == kReleaseNote;
+    if (event.Name == kReleaseNote) {
+        OpenReleaseNote();
+        return true;
+    }
+    // FIXME: the popup of report lines for the search comes with the popup
+    // menu; ReportLines and SearchAddress are ready for it.
+    return event.Name == kSearchError;
 }
 
 // A closing program waits here for a check that still runs, and for its
@@ -251,6 +257,17 @@ void MainDialog::SelectWaveFile()
         return;
     viewer.SetWidgetAttribute(kWaveFilePath, kText, WideString(path));
     ForgetResult();
+}
+
+// The release note of the running version, by its product version in the
+// language-neutral string table: "1, 0, 0, 1" ends the address in
+// "sondara_100".
+void MainDialog::OpenReleaseNote()
+{
+    VersionInfo version;
+    version.Load(WideString());
+    version.translation = u"000004b0";
+    OpenAddress(ReleaseNoteAddress(version.GetVersionText()));
 }
 
 // Waits for a check that still runs, then starts one on the path as it

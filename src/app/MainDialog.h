@@ -61,6 +61,7 @@ private:
     // Commands
     void SelectWaveFile();
     void StartCheck();
+    void OpenReleaseNote();
     // A new path was chosen: the result of the last check no longer holds.
     void ForgetResult();
 

@@ -24,6 +24,11 @@ void FinishDrop(std::uintptr_t drop);
 bool ShowOpenFileDialog(WindowHandle owner, std::u16string_view filter, std::u16string_view defaultExtension,
                         std::u16string_view title, std::size_t maxPath, std::u16string& path);
 
+// Hands file, an address say, to the shell with verb ("open") and the show
+// command; the shell's result, 32 or more on success.
+std::intptr_t OpenWithShell(WindowHandle owner, std::u16string_view verb, std::u16string_view file,
+                            int showCommand);
+
 // A modal message box owned by owner; the id of the button that closed it.
 std::int32_t ShowMessageBox(WindowHandle owner, std::u16string_view text, std::u16string_view caption,
                             std::uint32_t type);

@@ -78,4 +78,11 @@ bool StopTimer(WindowHandle window, std::uintptr_t timerId);
 // Whether files dropped on the window arrive as the drop message.
 void AcceptDroppedFiles(WindowHandle window, bool accept);
 
+// The desktop window, which owns what has no owner of its own.
+WindowHandle GetDesktop();
+// Whether the window takes mouse and keyboard input, and switching that;
+// the switch tells whether the window was disabled before.
+bool IsWindowInputEnabled(WindowHandle window);
+bool EnableWindowInput(WindowHandle window, bool enable);
+
 } // namespace platform

@@ -196,4 +196,14 @@ TEST_F(MainDialogTest, AChosenFileReplacesThePathAndTheResult)
     EXPECT_EQ(fields[u"Message"].text, u"");
 }
 
+TEST_F(MainDialogTest, TheReleaseNoteOpensTheRunningVersionsPage)
+{
+    platform::testing::TakeCallLog();
+    Command(u"ReleaseNote");
+    EXPECT_EQ(platform::testing::TakeCallLog(),
+              (std::vector<std::string>{
+                  "OpenWithShell open http://www.sondara.example/press_release.php?file_name=sondara_100",
+                  "EnableWindowInput 1"}));
+}
+
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "platform/DesktopMessageBox.h"
 #include "platform/posix/StandIn.h"
+#include "platform/posix/Utf8Path.h"
 #include "platform/posix/TestHooks.h"
 
 #include <mutex>
@@ -62,6 +63,13 @@ bool ShowOpenFileDialog(WindowHandle, std::u16string_view, std::u16string_view, 
     std::lock_guard lock(Shell().mutex);
     path = Shell().fileDialogAnswer.size() <= maxPath ? Shell().fileDialogAnswer : std::u16string();
     return !path.empty();
+}
+
+// Records "OpenWithShell <verb> <file>", the file in UTF-8, and succeeds.
+std::intptr_t OpenWithShell(WindowHandle, std::u16string_view verb, std::u16string_view file, int)
+{
+    posix::RecordCall("OpenWithShell " + posix::PathToBytes(verb) + " " + posix::PathToBytes(file));
+    return 42;
 }
 
 std::int32_t ShowMessageBox(WindowHandle, std::u16string_view text, std::u16string_view caption, std::uint32_t type)

@@ -38,6 +38,7 @@ struct platform::WindowObject {
     int lastShowCommand = -1;
     std::uint32_t lastPositionFlags = 0;
     bool acceptsDrops = false;
+    bool inputEnabled = true;
     DeviceContextObject deviceContext{this};
 };
 
@@ -87,6 +88,8 @@ struct StandIn {
 };
 
 StandIn& State();
+// The stand-in's desktop: always alive, never in the list of windows.
+WindowHandle Desktop();
 // Puts the colour scheme and the registry of the stand-in back to their
 // defaults; its own lock guards them.
 void ResetSystemSettings();
@@ -94,6 +97,8 @@ void ResetSystemSettings();
 void ResetShell();
 // Forgets the drawn texts and the families' settings.
 void ResetFonts();
+// Puts the product version of the version blocks back to "1, 0, 0, 1".
+void ResetVersions();
 
 // Adds one line to the record of start-up, window and shutdown calls.
 void RecordCall(std::string call);

@@ -29,6 +29,8 @@ void ResetStandIn()
     posix::ResetSystemSettings();
     posix::ResetShell();
     posix::ResetFonts();
+    posix::ResetVersions();
+    posix::Desktop()->inputEnabled = true;
 }
 
 void SetQueueWaitHook(std::function<void()> hook)

@@ -116,13 +116,18 @@ void SetShiftKeyDown(bool down);
 
 } // namespace platform::testing
 
-// The stand-in's shell: drops, the open-file dialog and owned message boxes.
+// The stand-in's shell: drops, the open-file dialog, owned message boxes and
+// the version resource. Shell opens are recorded in the call log as
+// "OpenWithShell <verb> <file>".
 namespace platform::testing {
 
 // A drop of these files, as the wParam of a drop message.
 std::uintptr_t MakeDrop(std::vector<std::u16string> files);
 // Drops made and not yet finished.
 int OpenDrops();
+// The product version in every file's version block, "1, 0, 0, 1" after
+// ResetStandIn.
+void SetProductVersion(std::u16string version);
 // What the open-file dialog gives from now on; empty is a cancel. Each
 // showing is recorded in the call log as "ShowOpenFileDialog".
 void SetOpenFileDialogAnswer(std::u16string path);

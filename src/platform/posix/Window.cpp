@@ -41,7 +41,7 @@ std::int32_t UnitsToPixels(std::int32_t units, std::int32_t base, std::int32_t d
 
 bool IsLiveLocked(WindowHandle window)
 {
-    return State().windows.count(window) != 0;
+    return window == posix::Desktop() || State().windows.count(window) != 0;
 }
 
 } // namespace
@@ -215,6 +215,39 @@ void AcceptDroppedFiles(WindowHandle window, bool accept)
     std::lock_guard lock(State().mutex);
     if (IsLiveLocked(window))
         window->acceptsDrops = accept;
+}
+
+WindowHandle posix::Desktop()
+{
+    static WindowObject desktop;
+    return &desktop;
+}
+
+WindowHandle GetDesktop()
+{
+    return posix::Desktop();
+}
+
+bool IsWindowInputEnabled(WindowHandle window)
+{
+    std::lock_guard lock(State().mutex);
+    return IsLiveLocked(window) && window->inputEnabled;
+}
+
+// Records "EnableWindowInput 0" or "... 1"; the result is whether the
+// window was disabled before, as the system's is.
+bool EnableWindowInput(WindowHandle window, bool enable)
+{
+    bool wasDisabled = false;
+    {
+        std::lock_guard lock(State().mutex);
+        if (!IsLiveLocked(window))
+            return false;
+        wasDisabled = !window->inputEnabled;
+        window->inputEnabled = enable;
+    }
+    posix::RecordCall(std::string("EnableWindowInput ") + (enable ? "1" : "0"));
+    return wasDisabled;
 }
 
 } // namespace platform

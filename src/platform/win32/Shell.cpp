@@ -82,6 +82,15 @@ bool ShowOpenFileDialog(WindowHandle owner, std::u16string_view filter, std::u16
     return !path.empty();
 }
 
+std::intptr_t OpenWithShell(WindowHandle owner, std::u16string_view verb, std::u16string_view file,
+                            int showCommand)
+{
+    const std::u16string verbText(verb);
+    const std::u16string fileText(file);
+    return reinterpret_cast<std::intptr_t>(
+        ShellExecuteW(win32::Hwnd(owner), win32::Wide(verbText), win32::Wide(fileText), nullptr, nullptr, showCommand));
+}
+
 std::int32_t ShowMessageBox(WindowHandle owner, std::u16string_view text, std::u16string_view caption,
                             std::uint32_t type)
 {

@@ -151,4 +151,19 @@ void AcceptDroppedFiles(WindowHandle window, bool accept)
     DragAcceptFiles(win32::Hwnd(window), accept ? TRUE : FALSE);
 }
 
+WindowHandle GetDesktop()
+{
+    return win32::Handle(GetDesktopWindow());
+}
+
+bool IsWindowInputEnabled(WindowHandle window)
+{
+    return IsWindowEnabled(win32::Hwnd(window)) != FALSE;
+}
+
+bool EnableWindowInput(WindowHandle window, bool enable)
+{
+    return EnableWindow(win32::Hwnd(window), enable ? TRUE : FALSE) != FALSE;
+}
+
 } // namespace platform

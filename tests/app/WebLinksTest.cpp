@@ -1,0 +1,89 @@
+#include "app/VersionInfo.h"
+#include "app/WebLinks.h"
+
+#include "platform/Window.h"
+#include "platform/posix/TestHooks.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+bool NeverHandles(platform::WindowHandle, std::uint32_t, std::uintptr_t, std::intptr_t, std::intptr_t&)
+{
+    return false;
+}
+
+class WebLinks : public ::testing::Test {
+protected:
+    void SetUp() override { platform::testing::ResetStandIn(); }
+    void TearDown() override { platform::testing::ResetStandIn(); }
+};
+
+TEST_F(WebLinks, ReportLinesKeepTheirSuffixesAndSkipEmptyLines)
+{
+    const Array<WideString> lines = ReportLines(u"\r\nPCMではありません。 [0003]\r\n\r\nA & B\nlast");
+    ASSERT_EQ(lines.Count(), 3u);
+    EXPECT_EQ(lines.At(0), u"PCMではありません。 [0003]");
+    EXPECT_EQ(lines.At(1), u"A & B");
+    EXPECT_EQ(lines.At(2), u"last");
+    EXPECT_TRUE(ReportLines(u"\r\n\r\n").IsEmpty());
+
+    // The line goes as it stands; only "&" is escaped, by the shell call.
+    platform::testing::TakeCallLog();
+    OpenAddress(SearchAddress(lines.At(1)));
+    EXPECT_EQ(platform::testing::TakeCallLog(),
+              (std::vector<std::string>{"OpenWithShell open http://www.sondara.example/search.php?query=A %26 B",
+                                        "EnableWindowInput 1"}));
+}
+
+TEST_F(WebLinks, TheReleaseNoteFollowsTheProductVersion)
+{
+    struct Case {
+        const char16_t* version;
+        const char16_t* text;
+    };
+    const Case cases[] = {{u"1, 0, 0, 1", u"1.00"}, {u"2, 10, 3, 7", u"2.103"}, {u"2, 10", u""}, {u"", u""}};
+    for (const Case& c : cases) {
+        platform::testing::SetProductVersion(c.version);
+        VersionInfo version;
+        EXPECT_TRUE(version.Load(WideString()));
+        version.translation = u"000004b0";
+        EXPECT_EQ(version.GetVersionText(), c.text);
+    }
+    EXPECT_EQ(ReleaseNoteAddress(u"2.103"), u"http://www.sondara.example/press_release.php?file_name=sondara_2103");
+    EXPECT_EQ(ReleaseNoteAddress(u""), u"http://www.sondara.example/press_release.php?file_name=sondara_");
+
+    // Another table has no product version.
+    VersionInfo other;
+    other.Load(WideString());
+    other.translation = u"040904b0";
+    Array<WideString> parts;
+    EXPECT_FALSE(other.GetVersionParts(parts));
+}
+
+TEST_F(WebLinks, DisablingAWindowIsUndoneOnlyWhenItWasEnabled)
+{
+    const platform::WindowHandle window = platform::CreateDialogWindow(nullptr, 129, NeverHandles);
+    platform::testing::TakeCallLog();
+    {
+        WindowDisabler disabler(window);
+        EXPECT_FALSE(platform::IsWindowInputEnabled(window));
+    }
+    EXPECT_TRUE(platform::IsWindowInputEnabled(window));
+    platform::EnableWindowInput(window, false);
+    {
+        WindowDisabler disabler(window);
+    }
+    EXPECT_FALSE(platform::IsWindowInputEnabled(window));
+    EXPECT_EQ(platform::testing::TakeCallLog(),
+              (std::vector<std::string>{"EnableWindowInput 0", "EnableWindowInput 1", "EnableWindowInput 0"}));
+
+    EXPECT_FALSE(OpenUrl(nullptr, u"http://x"));
+    platform::DestroyDialogWindow(window);
+    EXPECT_FALSE(OpenUrl(window, u"http://x"));
+}
+
+} // namespace
