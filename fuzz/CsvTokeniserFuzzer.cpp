@@ -19,11 +19,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         FailInvariant("Parse is false exactly for the empty text");
     const CsvRow& first = tokeniser.GetFirstRow();
 
-    // GetCsvItem sees the first row of a fresh parse, item by item.
-    for (std::size_t i = 0; i <= first.Count(); ++i) {
+    // GetCsvItem sees the first row of a fresh parse. Each call parses the
+    // whole text, so only the first and last few items and the one behind
+    // the end are compared: all of them would make a run quadratic.
+    const std::size_t count = first.Count();
+    for (std::size_t i = 0; i <= count; ++i) {
+        if (i == 4 && count > 8)
+            i = count - 4;
         WideString item;
         const bool found = GetCsvItem(text, static_cast<std::int32_t>(i), item);
-        if (found != (i < first.Count()))
+        if (found != (i < count))
             FailInvariant("GetCsvItem disagrees with the first row's length");
         if (found && !(item == first.At(i)))
             FailInvariant("GetCsvItem disagrees with the first row");
