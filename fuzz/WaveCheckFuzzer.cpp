@@ -1,7 +1,7 @@
 // The wave reader and the check on arbitrary bytes, read from a file as the
 // product reads them. Each input is checked twice: the two reports must be
 // the same, and each must be made only of the check's own lines.
-#include "app/WaveCheck.h"
+#include "check/WaveCheck.h"
 #include "support/ReportGrammar.h"
 
 #include "FuzzInput.h"

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "app/CheckReport.h"
 #include "app/DialogWindow.h"
 #include "app/IdleHandler.h"
 #include "app/MessageFilter.h"
 #include "base/WideString.h"
+#include "check/CheckReport.h"
 #include "engine/Viewer.h"
 #include "engine/WidgetHost.h"
+#include "platform/ProgramResources.h"
 
 #include <cstdint>
 
@@ -21,7 +22,7 @@ class WorkerThread;
 class MainDialog : public DialogWindow, public MessageFilter, public IdleHandler, public WidgetHost {
 public:
     // The resource number of the dialog's template.
-    static constexpr int kTemplateId = 129;
+    static constexpr int kTemplateId = SONDARA_MAIN_DIALOG_ID;
 
     MainDialog();
     // A dialog whose widgets come from factory and whose layout is read

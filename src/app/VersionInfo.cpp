@@ -1,6 +1,6 @@
 #include "app/VersionInfo.h"
 
-#include "base/PathParts.h"
+#include "files/PathParts.h"
 #include "platform/VersionResource.h"
 
 #include <string>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Array.h"
-#include "base/ByteBlock.h"
 #include "base/WideString.h"
+#include "files/ByteBlock.h"
 
 // The version resource of a program file, read once and asked for its
 // product version. A local object of the command that needs it.

@@ -1,9 +1,9 @@
 #include "engine/Viewer.h"
 
-#include "base/PathParts.h"
 #include "engine/InputWidget.h"
 #include "engine/PositionedWidget.h"
 #include "engine/WidgetHost.h"
+#include "files/PathParts.h"
 #include "layouttext/AttributeMap.h"
 #include "layouttext/LayoutDocument.h"
 #include "layouttext/ValueSyntax.h"
@@ -140,7 +140,7 @@ bool Viewer::Flush(bool all, bool updateNow)
                                     CeilingPixel(DeviceFromLogicalX(DirtyRect.x + DirtyRect.width)),
                                     CeilingPixel(DeviceFromLogicalY(DirtyRect.y + DirtyRect.height))};
     platform::PixelRect invalid;
-    platform::IntersectPixelRects(invalid, view, dirty);
+    IntersectPixelRects(invalid, view, dirty);
     platform::InvalidateWindowRect(window, &invalid);
     if (updateNow)
         platform::UpdateWindowNow(window);

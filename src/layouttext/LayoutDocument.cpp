@@ -1,8 +1,8 @@
 #include "layouttext/LayoutDocument.h"
 
-#include "base/ByteBlock.h"
 #include "base/ContainerError.h"
-#include "base/FileStream.h"
+#include "files/ByteBlock.h"
+#include "files/FileStream.h"
 #include "platform/File.h"
 #include "platform/TextCodec.h"
 

@@ -53,8 +53,5 @@ bool UpdateWindowNow(WindowHandle window);
 // The smallest rectangle around what may be drawn on context; false when
 // it can't be had.
 bool GetContextClipBox(DeviceContextHandle context, PixelRect& box);
-// The overlap of a and b in result; false, and an empty result, when they
-// don't overlap.
-bool IntersectPixelRects(PixelRect& result, const PixelRect& a, const PixelRect& b);
 
 } // namespace platform

@@ -18,8 +18,4 @@ std::u16string ThreadBytesToWide(const char* bytes, std::size_t count);
 // is told by lossy.
 std::string WideToThreadBytes(std::u16string_view text, bool& lossy);
 
-// UTF-16 to UTF-8, for output to consoles and pipes. Lone surrogates become
-// U+FFFD.
-std::string WideToUtf8(std::u16string_view text);
-
 } // namespace platform

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/PixelRect.h"
+
 #include <cstdint>
 
 // Top-level dialog windows: making one from a template of the program's
@@ -15,16 +17,7 @@ using WindowHandle = WindowObject*;
 struct InstanceObject;
 using InstanceHandle = InstanceObject*;
 
-// A rectangle in pixels, right and bottom edges outside.
-struct PixelRect {
-    std::int32_t left = 0;
-    std::int32_t top = 0;
-    std::int32_t right = 0;
-    std::int32_t bottom = 0;
-
-    std::int32_t Width() const { return right - left; }
-    std::int32_t Height() const { return bottom - top; }
-};
+using PixelRect = ::PixelRect;
 
 // Receives every message of a dialog window that reaches its procedure.
 // Returns true when the message was handled; result is then the answer to

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Array.h"
-#include "base/ByteBlock.h"
+#include "files/ByteBlock.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/FileStream.h"
+#include "files/FileStream.h"
 #include "wave/Chunk.h"
 
 #include <cstdint>

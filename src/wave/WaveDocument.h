@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/Array.h"
-#include "base/ByteBlock.h"
-#include "base/FileStream.h"
 #include "base/WideString.h"
+#include "files/ByteBlock.h"
+#include "files/FileStream.h"
 #include "platform/RecursiveLock.h"
 
 #include <cstdint>

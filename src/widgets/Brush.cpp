@@ -1,9 +1,9 @@
 #include "widgets/Brush.h"
 
-#include "engine/Colour.h"
 #include "layouttext/AttributeMap.h"
 #include "platform/Graphics.h"
 #include "platform/SolidBrush.h"
+#include "widgets/Colour.h"
 
 #include <algorithm>
 

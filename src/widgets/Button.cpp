@@ -1,12 +1,12 @@
 #include "widgets/Button.h"
 
-#include "engine/Colour.h"
-#include "engine/IconFont.h"
 #include "layouttext/AttributeMap.h"
 #include "layouttext/ValueSyntax.h"
 #include "platform/Graphics.h"
 #include "platform/Pen.h"
 #include "widgets/Brush.h"
+#include "widgets/Colour.h"
+#include "widgets/IconFont.h"
 
 #include <cstdio>
 

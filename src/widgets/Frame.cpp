@@ -1,9 +1,9 @@
 #include "widgets/Frame.h"
 
-#include "engine/Colour.h"
 #include "layouttext/AttributeMap.h"
 #include "platform/Graphics.h"
 #include "platform/Pen.h"
+#include "widgets/Colour.h"
 
 #include <cmath>
 #include <numbers>

@@ -1,7 +1,5 @@
 #include "widgets/Text.h"
 
-#include "engine/Colour.h"
-#include "engine/IconFont.h"
 #include "engine/Viewer.h"
 #include "layouttext/AttributeMap.h"
 #include "layouttext/ValueSyntax.h"
@@ -9,6 +7,8 @@
 #include "platform/Graphics.h"
 #include "platform/Pen.h"
 #include "platform/SolidBrush.h"
+#include "widgets/Colour.h"
+#include "widgets/IconFont.h"
 
 #include <cstdio>
 #include <memory>

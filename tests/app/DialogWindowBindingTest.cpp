@@ -1,8 +1,8 @@
 #include "app/DialogWindow.h"
 #include "app/PendingWindowList.h"
 #include "platform/MessageQueue.h"
+#include "platform/standin/TestHooks.h"
 #include "platform/ThreadState.h"
-#include "platform/posix/TestHooks.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "app/ErrorText.h"
 #include "app/ExceptionTranslator.h"
-#include "app/WorkerTestSupport.h"
 #include "platform/SystemError.h"
 #include "platform/ThreadState.h"
+#include "support/WorkerTestSupport.h"
 
 #include <gtest/gtest.h>
 

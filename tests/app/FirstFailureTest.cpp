@@ -2,11 +2,11 @@
 // is process-wide and never cleared, so only a process in which no fault has
 // been translated yet can show a failure without it.
 #include "app/ExceptionTranslator.h"
-#include "app/FailureBoxProbe.h"
-#include "app/WorkerTestSupport.h"
 #include "app/WorkerThread.h"
 #include "base/ContainerError.h"
 #include "platform/ThreadState.h"
+#include "support/FailureBoxProbe.h"
+#include "support/WorkerTestSupport.h"
 
 #include <gtest/gtest.h>
 

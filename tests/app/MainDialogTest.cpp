@@ -3,8 +3,8 @@
 #include "engine/InputWidget.h"
 #include "layouttext/AttributeMap.h"
 #include "platform/MessageQueue.h"
+#include "platform/standin/TestHooks.h"
 #include "platform/Thread.h"
-#include "platform/posix/TestHooks.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "app/MessageLoop.h"
 #include "platform/MessageQueue.h"
+#include "platform/standin/TestHooks.h"
 #include "platform/Window.h"
-#include "platform/posix/TestHooks.h"
 
 #include <gtest/gtest.h>
 

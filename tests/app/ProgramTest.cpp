@@ -3,8 +3,8 @@
 #include "app/MessageLoopRegistry.h"
 #include "app/Program.h"
 #include "platform/MessageQueue.h"
+#include "platform/standin/TestHooks.h"
 #include "platform/ThreadState.h"
-#include "platform/posix/TestHooks.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "app/VersionInfo.h"
 #include "app/WebLinks.h"
 
+#include "platform/standin/TestHooks.h"
 #include "platform/Window.h"
-#include "platform/posix/TestHooks.h"
 
 #include <gtest/gtest.h>
 

@@ -2,12 +2,12 @@
 // resume fail, and see the box's type and the faults that only this
 // platform raises on demand.
 #include "app/ExceptionTranslator.h"
-#include "app/FailureBoxProbe.h"
-#include "app/WorkerTestSupport.h"
 #include "app/WorkerThread.h"
 #include "platform/FaultTranslation.h"
+#include "platform/standin/TestHooks.h"
 #include "platform/ThreadState.h"
-#include "platform/posix/TestHooks.h"
+#include "support/FailureBoxProbe.h"
+#include "support/WorkerTestSupport.h"
 
 #include <gtest/gtest.h>
 

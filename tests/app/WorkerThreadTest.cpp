@@ -1,10 +1,10 @@
 #include "app/ExceptionTranslator.h"
-#include "app/FailureBoxProbe.h"
-#include "app/WorkerTestSupport.h"
 #include "app/WorkerThread.h"
 #include "base/ContainerError.h"
-#include "platform/TextCodec.h"
+#include "base/Utf8.h"
 #include "platform/ThreadState.h"
+#include "support/FailureBoxProbe.h"
+#include "support/WorkerTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -298,5 +298,5 @@ TEST_F(WorkerFailure, FailedAllocationShowsMemoryAllocation)
     const std::u16string_view first = u"The memory allocating error occurred.";
     EXPECT_TRUE(box.text == FailureText(first, kTargetLastError, dataLine) ||
                 box.text == FailureText(first, kNotEnoughMemory, dataLine))
-        << platform::WideToUtf8(box.text);
+        << WideToUtf8(box.text);
 }

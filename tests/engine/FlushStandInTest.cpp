@@ -2,10 +2,10 @@
 
 #include "layouttext/AttributeMap.h"
 #include "platform/Paint.h"
+#include "platform/standin/TestHooks.h"
 #include "platform/SystemSettings.h"
 #include "platform/Window.h"
-#include "platform/posix/TestHooks.h"
-#include "StandInViewerFixture.h"
+#include "support/StandInViewerFixture.h"
 
 #include <gtest/gtest.h>
 

@@ -4,9 +4,9 @@
 #include "layouttext/AttributeMap.h"
 #include "platform/Input.h"
 #include "platform/MessageQueue.h"
+#include "platform/standin/TestHooks.h"
 #include "platform/Window.h"
-#include "platform/posix/TestHooks.h"
-#include "StandInViewerFixture.h"
+#include "support/StandInViewerFixture.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "engine/InputWidget.h"
 
-#include "base/PathParts.h"
+#include "files/PathParts.h"
 #include "platform/FileSystem.h"
 #include "platform/SystemSettings.h"
 #include "support/TempDir.h"

@@ -1,6 +1,6 @@
+#include "base/Utf8.h"
 #include "layouttext/AttributeMap.h"
 
-#include "platform/TextCodec.h"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +54,7 @@ TEST(AttributeMap, ItemsAreCutAtEveryComma)
         {u"a", {u"a"}}, {u"", {}}, {u"a,,b", {u"a", u"", u"b"}}, {u"a,", {u"a", u""}},
         {u"10, 20", {u"10", u" 20"}}, {u"\"a,b\",c", {u"\"a", u"b\"", u"c"}}};
     for (const auto& [value, items] : cases) {
-        SCOPED_TRACE(platform::WideToUtf8(std::u16string_view(value)));
+        SCOPED_TRACE(WideToUtf8(std::u16string_view(value)));
         AttributeMap map = MapOf({{u"List", value}});
         auto count = static_cast<std::int32_t>(items.size());
         ASSERT_EQ(map.GetItemCount(u"List"), count);

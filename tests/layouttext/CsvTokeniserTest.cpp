@@ -1,6 +1,6 @@
+#include "base/Utf8.h"
 #include "layouttext/CsvTokeniser.h"
 
-#include "platform/TextCodec.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ std::string Describe(const CsvTokeniser& tokeniser)
         text += "{";
         for (const WideString& item : row) {
             text += "<";
-            for (char c : platform::WideToUtf8(item.View()))
+            for (char c : WideToUtf8(item.View()))
                 text += c == '\r' ? "\\r" : c == '\n' ? "\\n" : c == '\t' ? "\\t" : std::string(1, c);
             text += ">";
         }
@@ -65,7 +65,7 @@ TEST(CsvTokeniser, RowsItemsAndComments)
         {Settings::Own, u"a # note\nb;/* c */", "{<a b></* c */>}"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(platform::WideToUtf8(c.text));
+        SCOPED_TRACE(WideToUtf8(c.text));
         CsvTokeniser tokeniser;
         tokeniser.dropEmpty = c.settings == Settings::DropEmpty;
         if (c.settings == Settings::Own) {

@@ -1,3 +1,4 @@
+#include "base/Utf8.h"
 #include "layouttext/LayoutDocument.h"
 
 #include "platform/TextCodec.h"
@@ -16,7 +17,7 @@ namespace {
 std::string Shown(const WideString& text)
 {
     std::string shown;
-    for (char c : platform::WideToUtf8(text.View()))
+    for (char c : WideToUtf8(text.View()))
         shown += c == '\r' ? "\\r" : c == '\n' ? "\\n" : std::string(1, c);
     return shown;
 }

@@ -1,6 +1,6 @@
+#include "base/Utf8.h"
 #include "layouttext/ValueSyntax.h"
 
-#include "platform/TextCodec.h"
 
 #include <gtest/gtest.h>
 
@@ -15,13 +15,13 @@ TEST(ValueSyntax, UnescapeAndAlign)
         {u"\"Hello\"", u"Hello"}, {u"a\\nb", u"a\nb"}, {u"\\r\\t", u"\r\t"}, {u"\\q", u"\\q"},
         {u"abc\\", u"abc"}, {u"say \\\"hi\\\"", u"say \"hi\""}, {u"a\\\\n", u"a\\n"}, {u"a\"b\"c", u"abc"}};
     for (const auto& [text, expected] : escapes) {
-        SCOPED_TRACE(platform::WideToUtf8(text));
+        SCOPED_TRACE(WideToUtf8(text));
         EXPECT_EQ(Unescape(WideString(text)).View(), expected);
     }
     const std::pair<const char16_t*, std::int32_t> aligns[] = {
         {u"R", 2}, {u"B", 2}, {u"C", 1}, {u"L", 0}, {u"", 0}, {u"r", 0}, {u" R", 0}, {u"RB", 0}};
     for (const auto& [text, expected] : aligns)
-        EXPECT_EQ(ParseAlign(text), expected) << platform::WideToUtf8(text);
+        EXPECT_EQ(ParseAlign(text), expected) << WideToUtf8(text);
 }
 
 // GetCsvItem honours quotes, escapes and comments; CountCsvItems only counts
@@ -40,7 +40,7 @@ TEST(ValueSyntax, CsvItemsOfTheFirstRow)
         {u"http://host/x,1", 2, {u"http://host/x", u"1"}}, {u"/* only */", 1, {}}, {u"// only\n", 1, {}},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(platform::WideToUtf8(c.text));
+        SCOPED_TRACE(WideToUtf8(c.text));
         WideString text(c.text);
         EXPECT_EQ(CountCsvItems(text), c.commaCount);
         WideString item(u"untouched");
@@ -68,14 +68,14 @@ TEST(ValueSyntax, NumberScans)
         {u"0x", 0}, {u"-1", 0xFFFFFFFF}, {u"1FFFFFFFF", 0xFFFFFFFF}, {u"\u3000A", 0},
         {u"123456789ABCDEF0123456789ABCDEF0123456789", 0x23456789}};
     for (const auto& [text, expected] : hexes)
-        EXPECT_EQ(ScanHex(text), expected) << platform::WideToUtf8(text);
+        EXPECT_EQ(ScanHex(text), expected) << WideToUtf8(text);
 
     const std::pair<std::u16string_view, std::int32_t> integers[] = {
         {u"42", 42}, {u"-7", -7}, {u"+3", 3}, {u" 12px", 12}, {u"x1", 0}, {u"-", 0},
         {u"2147483648", std::numeric_limits<std::int32_t>::min()}, {u"4294967297", 1},
         {u"99999999999999999999999", -159383553}};
     for (const auto& [text, expected] : integers)
-        EXPECT_EQ(ScanDecimalInt(text), expected) << platform::WideToUtf8(text);
+        EXPECT_EQ(ScanDecimalInt(text), expected) << WideToUtf8(text);
 
     const std::u16string zeros(400, u'0');
     const float inf = std::numeric_limits<float>::infinity();
@@ -86,6 +86,6 @@ TEST(ValueSyntax, NumberScans)
         {u"0e99999999999999999999", 0.0f},
         {u"0." + zeros + u"1e401", 1.0f}, {u"1" + zeros + u"e-400", 1.0f}};
     for (const auto& [text, expected] : floats)
-        EXPECT_EQ(ScanFloat(text), expected) << platform::WideToUtf8(text);
+        EXPECT_EQ(ScanFloat(text), expected) << WideToUtf8(text);
     EXPECT_TRUE(std::signbit(ScanFloat(u"-0")));
 }

@@ -1,12 +1,12 @@
 #include "widgets/Brush.h"
 #include "widgets/WidgetFactory.h"
 
-#include "engine/Colour.h"
 #include "layouttext/AttributeMap.h"
 #include "platform/Bitmap.h"
 #include "platform/Graphics.h"
 #include "platform/SolidBrush.h"
 #include "support/ViewerFixture.h"
+#include "widgets/Colour.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 #include "widgets/Button.h"
 #include "widgets/WidgetFactory.h"
 
-#include "engine/Colour.h"
 #include "layouttext/AttributeMap.h"
 #include "platform/Bitmap.h"
 #include "platform/MessageQueue.h"
 #include "support/ViewerFixture.h"
+#include "widgets/Colour.h"
 
 #include <gtest/gtest.h>
 

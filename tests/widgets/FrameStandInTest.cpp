@@ -1,11 +1,11 @@
 #include "widgets/Frame.h"
 
-#include "engine/Colour.h"
 #include "layouttext/AttributeMap.h"
 #include "platform/Graphics.h"
 #include "platform/Pen.h"
-#include "platform/posix/TestHooks.h"
+#include "platform/standin/TestHooks.h"
 #include "support/ViewerFixture.h"
+#include "widgets/Colour.h"
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,13 @@
 #include "widgets/Text.h"
 
-#include "engine/IconFont.h"
 #include "layouttext/AttributeMap.h"
 #include "platform/Font.h"
 #include "platform/Graphics.h"
 #include "platform/Pen.h"
+#include "platform/standin/TestHooks.h"
 #include "platform/SystemSettings.h"
-#include "platform/posix/TestHooks.h"
 #include "support/ViewerFixture.h"
+#include "widgets/IconFont.h"
 #include "widgets/WidgetFactory.h"
 
 #include <gtest/gtest.h>

@@ -1,12 +1,12 @@
 #include "widgets/Text.h"
 #include "widgets/WidgetFactory.h"
 
-#include "engine/IconFont.h"
 #include "layouttext/AttributeMap.h"
 #include "platform/Bitmap.h"
 #include "platform/Graphics.h"
 #include "platform/SolidBrush.h"
 #include "support/ViewerFixture.h"
+#include "widgets/IconFont.h"
 
 #include <gtest/gtest.h>
 

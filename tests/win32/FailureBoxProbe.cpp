@@ -1,4 +1,4 @@
-#include "app/FailureBoxProbe.h"
+#include "support/FailureBoxProbe.h"
 
 #include <cwchar>
 #include <string>

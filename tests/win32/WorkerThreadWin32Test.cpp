@@ -1,9 +1,9 @@
 // The worker with the faults that only Windows raises on demand.
 #include "app/ExceptionTranslator.h"
-#include "app/FailureBoxProbe.h"
-#include "app/WorkerTestSupport.h"
 #include "app/WorkerThread.h"
 #include "platform/FaultTranslation.h"
+#include "support/FailureBoxProbe.h"
+#include "support/WorkerTestSupport.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "platform/TextCodec.h"
 
-#include "platform/posix/Utf8.h"
+#include "base/Utf8.h"
 
 #include <cerrno>
 #include <cstring>
@@ -40,7 +40,7 @@ std::u16string ConvertWithIconv(const std::string& charset, const char* bytes, s
 {
     iconv_t converter = iconv_open("UTF-16LE", charset.c_str());
     if (converter == reinterpret_cast<iconv_t>(-1))
-        return posix::Utf8ToWide(std::string_view(bytes, count));
+        return Utf8ToWide(std::string_view(bytes, count));
     std::u16string result;
     char16_t buffer[4096];
     char* in = const_cast<char*>(bytes);
@@ -108,7 +108,7 @@ std::u16string ThreadBytesToWide(const char* bytes, std::size_t count)
         return {};
     const std::string& charset = LocaleCharset();
     if (IsUtf8(charset))
-        return posix::Utf8ToWide(std::string_view(bytes, count));
+        return Utf8ToWide(std::string_view(bytes, count));
     return ConvertWithIconv(charset, bytes, count);
 }
 

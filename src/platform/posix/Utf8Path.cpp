@@ -1,7 +1,6 @@
 #include "platform/posix/Utf8Path.h"
 
-#include "platform/TextCodec.h"
-#include "platform/posix/Utf8.h"
+#include "base/Utf8.h"
 
 namespace platform::posix {
 

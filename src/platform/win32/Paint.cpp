@@ -72,14 +72,4 @@ bool GetContextClipBox(DeviceContextHandle context, PixelRect& box)
     return true;
 }
 
-bool IntersectPixelRects(PixelRect& result, const PixelRect& a, const PixelRect& b)
-{
-    const RECT first = NativeRect(a);
-    const RECT second = NativeRect(b);
-    RECT overlap{};
-    const bool overlaps = IntersectRect(&overlap, &first, &second) != FALSE;
-    result = {overlap.left, overlap.top, overlap.right, overlap.bottom};
-    return overlaps;
-}
-
 } // namespace platform

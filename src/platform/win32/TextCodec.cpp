@@ -46,18 +46,4 @@ std::string WideToThreadBytes(std::u16string_view text, bool& lossy)
     return result;
 }
 
-std::string WideToUtf8(std::u16string_view text)
-{
-    if (text.empty())
-        return {};
-    const wchar_t* wide = reinterpret_cast<const wchar_t*>(text.data());
-    int length = static_cast<int>(text.size());
-    int needed = WideCharToMultiByte(CP_UTF8, 0, wide, length, nullptr, 0, nullptr, nullptr);
-    if (needed <= 0)
-        return {};
-    std::string result(static_cast<std::size_t>(needed), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, wide, length, result.data(), needed, nullptr, nullptr);
-    return result;
-}
-
 } // namespace platform

@@ -1,0 +1,206 @@
+#include "files/FileStream.h"
+
+#include "platform/TextCodec.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <string>
+
+struct FileStream::ReadAheadBuffer {
+    std::uint8_t* bytes = nullptr;
+    std::uint32_t capacity = 0;
+    std::int64_t start = 0;       // file position of bytes[0]
+    std::uint32_t filled = 0;     // valid bytes from start on
+    std::int64_t systemPointer = 0; // where the operating system's pointer stands
+
+    ~ReadAheadBuffer() { std::free(bytes); }
+};
+
+FileStream::FileStream() = default;
+
+FileStream::~FileStream()
+{
+    Close();
+}
+
+bool FileStream::OpenPlain(const WideString& newPath, std::uint32_t flags)
+{
+    handle = platform::OpenFileForReading(newPath.View(), flags);
+    if (!handle)
+        return false;
+    path = newPath;
+    position = 0;
+    return true;
+}
+
+bool FileStream::EnableReadAhead(std::uint32_t bufferSize)
+{
+    if (!handle || bufferSize < 2)
+        return false;
+    auto buffer = std::make_unique<ReadAheadBuffer>();
+    buffer->bytes = static_cast<std::uint8_t*>(std::malloc(bufferSize));
+    if (!buffer->bytes)
+        return false;
+    buffer->capacity = bufferSize;
+    std::int64_t current = Tell();
+    buffer->start = current;
+    buffer->systemPointer = current;
+    position = current;
+    readAhead = std::move(buffer);
+    return true;
+}
+
+void FileStream::Close()
+{
+    if (handle)
+        platform::CloseFile(handle);
+    handle = nullptr;
+    path.Clear();
+    readAhead.reset();
+    position = 0;
+}
+
+// One read of the operating system; the bytes it reports, 0 on any error or
+// when the stream is closed.
+std::uint32_t FileStream::Read(void* destination, std::uint32_t count)
+{
+    if (!handle || count == 0)
+        return 0;
+    if (readAhead)
+        return ReadBuffered(static_cast<std::uint8_t*>(destination), count);
+    std::int64_t got = platform::ReadFromFile(handle, destination, count);
+    return got < 0 ? 0 : static_cast<std::uint32_t>(got);
+}
+
+std::uint32_t FileStream::ReadBuffered(std::uint8_t* destination, std::uint32_t count)
+{
+    ReadAheadBuffer& buffer = *readAhead;
+    std::uint32_t done = 0;
+    while (done < count) {
+        std::int64_t offset = position - buffer.start;
+        if (offset >= 0 && offset < buffer.filled) {
+            std::uint32_t piece = std::min<std::uint32_t>(count - done, buffer.filled - static_cast<std::uint32_t>(offset));
+            std::memcpy(destination + done, buffer.bytes + offset, piece);
+            done += piece;
+            position += piece;
+            continue;
+        }
+        // Large reads bypass the buffer, as they would in plain mode.
+        bool direct = count - done >= buffer.capacity / 2;
+        if (!MoveSystemPointerTo(position))
+            break;
+        std::uint8_t* target = direct ? destination + done : buffer.bytes;
+        std::uint32_t wanted = direct ? count - done : buffer.capacity;
+        std::int64_t got = platform::ReadFromFile(handle, target, wanted);
+        if (got <= 0)
+            break;
+        buffer.systemPointer += got;
+        if (direct) {
+            done += static_cast<std::uint32_t>(got);
+            position += got;
+            buffer.filled = 0;
+        } else {
+            buffer.start = position;
+            buffer.filled = static_cast<std::uint32_t>(got);
+        }
+    }
+    return done;
+}
+
+bool FileStream::MoveSystemPointerTo(std::int64_t target)
+{
+    if (readAhead->systemPointer == target)
+        return true;
+    std::int64_t reached = 0;
+    if (!platform::SeekFile(handle, target, platform::SeekOrigin::Begin, reached))
+        return false;
+    readAhead->systemPointer = reached;
+    return true;
+}
+
+// One write of the operating system; the bytes written, 0 on any error or
+// when the stream is closed.
+std::uint32_t FileStream::Write(const void* source, std::uint32_t count)
+{
+    if (!handle)
+        return 0;
+    if (readAhead) {
+        if (!MoveSystemPointerTo(position))
+            return 0;
+        readAhead->filled = 0;
+    }
+    std::int64_t written = platform::WriteToFile(handle, source, count);
+    if (written < 0)
+        return 0;
+    if (readAhead) {
+        readAhead->systemPointer += written;
+        position += written;
+    }
+    return static_cast<std::uint32_t>(written);
+}
+
+// Origin 0 counts from the start, 1 from the current position, 2 from the
+// end. A target behind the end of the file is allowed, one before its start
+// is not.
+bool FileStream::Seek(std::int64_t offset, int origin)
+{
+    if (!handle || origin < 0 || origin > 2)
+        return false;
+    if (!readAhead) {
+        std::int64_t reached = 0;
+        return platform::SeekFile(handle, offset, static_cast<platform::SeekOrigin>(origin), reached);
+    }
+    std::int64_t base = origin == 0 ? 0 : origin == 1 ? position : GetSize();
+    if ((offset > 0 && base > std::numeric_limits<std::int64_t>::max() - offset) || base + offset < 0)
+        return false;
+    position = base + offset;
+    return true;
+}
+
+// The current position, 0 on error.
+std::int64_t FileStream::Tell()
+{
+    if (!handle)
+        return 0;
+    if (readAhead)
+        return position;
+    std::int64_t current = 0;
+    if (!platform::SeekFile(handle, 0, platform::SeekOrigin::Current, current))
+        return 0;
+    return current;
+}
+
+// The size of the file, 0 on error.
+std::int64_t FileStream::GetSize()
+{
+    std::int64_t size = 0;
+    if (!handle || !platform::QueryFileSize(handle, size))
+        return 0;
+    return size;
+}
+
+// Reads count bytes and converts them from the thread's character set. Fewer
+// bytes may come; what came is converted. True when the text is not empty.
+// The bytes are read in pieces, so that a count that the file can't hold
+// costs no more memory than the file gives.
+bool FileStream::ReadText(WideString& destination, std::uint32_t count)
+{
+    destination.Clear();
+    if (!handle || count == 0)
+        return false;
+    constexpr std::uint32_t kPiece = 1 << 16;
+    std::string bytes;
+    while (bytes.size() < count) {
+        std::uint32_t wanted = std::min<std::uint32_t>(kPiece, count - static_cast<std::uint32_t>(bytes.size()));
+        std::size_t before = bytes.size();
+        bytes.resize(before + wanted);
+        std::uint32_t got = Read(bytes.data() + before, wanted);
+        bytes.resize(before + got);
+        if (got < wanted)
+            break;
+    }
+    destination = WideString(platform::ThreadBytesToWide(bytes.data(), bytes.size()));
+    return !destination.IsEmpty();
+}

@@ -1,0 +1,107 @@
+#include "check/WaveCheck.h"
+#include "layouttext/CsvTokeniser.h"
+#include "layouttext/LayoutDocument.h"
+#include "support/ReportGrammar.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The files of one folder of the fuzzing corpora in the source tree.
+std::vector<fs::path> CorpusFiles(const std::string& folder)
+{
+    std::vector<fs::path> files;
+    const fs::path root = fs::path(SONDARA_FUZZ_DIR) / folder;
+    for (const auto& entry : fs::directory_iterator(root)) {
+        if (entry.is_regular_file())
+            files.push_back(entry.path());
+    }
+    return files;
+}
+
+std::u16string Units(const fs::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::u16string units(bytes.size() / 2, u'\0');
+    for (std::size_t i = 0; i < units.size(); ++i)
+        units[i] = static_cast<char16_t>(static_cast<unsigned char>(bytes[2 * i]) |
+                                         static_cast<unsigned char>(bytes[2 * i + 1]) << 8);
+    return units;
+}
+
+} // namespace
+
+// Every input that ever broke the reader, every hostile file written on
+// purpose and every seed: the check ends, twice alike, in a report made of
+// its own lines.
+TEST(RegressionCorpus, WaveFilesGiveWellFormedReports)
+{
+    std::vector<fs::path> files = CorpusFiles("regressions/wave");
+    std::vector<fs::path> seeds = CorpusFiles("seeds/wave");
+    files.insert(files.end(), seeds.begin(), seeds.end());
+    ASSERT_GT(files.size(), 20u);
+    for (const fs::path& file : files) {
+        SCOPED_TRACE(file.filename().string());
+        const WideString path(file.u16string());
+        CheckReport first, second;
+        bool firstError = false, secondError = false;
+        RunWaveCheck(path, first, firstError);
+        RunWaveCheck(path, second, secondError);
+        EXPECT_EQ(first, second);
+        EXPECT_EQ(firstError, secondError);
+        std::string why;
+        EXPECT_TRUE(IsWellFormedReport(first, firstError, why)) << why;
+    }
+}
+
+TEST(RegressionCorpus, HostileWaveFilesGiveTheirReports)
+{
+    const std::u16string clear = u"チェック完了しました。\r\n";
+    const std::u16string lost = u"RIFF構造にエラーがあります。\r\nフォーマット構造がありません。\r\nデータ構造がありません。\r\n";
+    const std::u16string empty = u"フォーマット構造がありません。\r\nデータ構造がありません。\r\n";
+    const std::map<std::string, std::u16string> expected = {
+        {"riff-nested-256", clear},
+        {"riff-nested-257", lost},
+        {"riff-nested-5000", lost},
+        {"list-words-only", u"RIFF形式ではありません。\r\n"},
+        {"many-data-chunks", clear},
+        {"many-fmt-words-not-riff", u"RIFF形式ではありません。\r\n"},
+        {"info-length-fffffff0", empty},
+        {"info-length-fffffff0-in-riff", empty},
+        {"list-size-3", empty},
+        {"data-size-zero-early",
+         u"フォーマット構造がありません。\r\nデータ情報のサイズが正しくありません。 [0]\r\n"
+         u"サンプル数が正しくありません。 [-1]\r\n"},
+    };
+    for (const auto& [name, report] : expected) {
+        SCOPED_TRACE(name);
+        CheckReport actual;
+        bool hasError = false;
+        RunWaveCheck(WideString((fs::path(SONDARA_FUZZ_DIR) / "regressions/wave" / name).u16string()), actual, hasError);
+        EXPECT_EQ(actual.View(), report);
+    }
+}
+
+TEST(RegressionCorpus, LayoutTextsParse)
+{
+    for (const char* folder : {"regressions/layout", "seeds/layout", "regressions/csv", "seeds/csv"}) {
+        for (const fs::path& file : CorpusFiles(folder)) {
+            SCOPED_TRACE(file.string());
+            const WideString text(Units(file));
+            LayoutDocument document;
+            EXPECT_EQ(document.Parse(text), !text.IsEmpty());
+            CsvTokeniser tokeniser;
+            EXPECT_EQ(tokeniser.Parse(text), !text.IsEmpty());
+        }
+    }
+}

@@ -1,0 +1,88 @@
+#include "files/ByteBlock.h"
+#include "files/FileStream.h"
+#include "platform/File.h"
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+TEST(ByteBlockResize, FirstAllocationIsExactAndZeroFilled)
+{
+    ByteBlock block;
+    ASSERT_TRUE(block.Resize(10));
+    EXPECT_EQ(block.Capacity(), 10u);
+    for (std::uint32_t i = 0; i < 10; ++i)
+        EXPECT_EQ(block.Data()[i], 0) << i;
+}
+
+TEST(ByteBlockResize, ZeroGivesTheMemoryBack)
+{
+    ByteBlock block;
+    ASSERT_TRUE(block.Resize(100));
+    std::memset(block.Data(), 0xAB, 100);
+    ASSERT_TRUE(block.Resize(0));
+    EXPECT_EQ(block.Data(), nullptr);
+    EXPECT_EQ(block.Capacity(), 0u);
+    ASSERT_TRUE(block.Resize(10));
+    EXPECT_EQ(block.Capacity(), 10u);
+    for (std::uint32_t i = 0; i < 10; ++i)
+        EXPECT_EQ(block.Data()[i], 0) << i;
+}
+
+TEST(ByteBlockResize, ShrinkKeepsMemoryAndBytes)
+{
+    ByteBlock block;
+    ASSERT_TRUE(block.Resize(10));
+    for (std::uint32_t i = 0; i < 10; ++i)
+        block.Data()[i] = static_cast<std::uint8_t>(i + 1);
+    const std::uint8_t* memory = block.Data();
+    ASSERT_TRUE(block.Resize(4));
+    ASSERT_TRUE(block.Resize(10));
+    EXPECT_EQ(block.Data(), memory);
+    EXPECT_EQ(block.Size(), 10u);
+    for (std::uint32_t i = 0; i < 10; ++i)
+        EXPECT_EQ(block.Data()[i], i + 1) << i;
+}
+
+TEST(ByteBlockResize, GrowsByHalfItsCapacityAtLeast)
+{
+    struct Case {
+        std::uint32_t first, second, capacity;
+    } cases[] = {
+        {100, 101, 150}, // half the capacity is the larger step
+        {100, 400, 400}, // the need is the larger step
+        {1, 2, 2},
+        {3, 4, 4},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.second);
+        ByteBlock block;
+        ASSERT_TRUE(block.Resize(c.first));
+        block.Data()[0] = 7;
+        ASSERT_TRUE(block.Resize(c.second));
+        EXPECT_EQ(block.Capacity(), c.capacity);
+        EXPECT_EQ(block.Size(), c.second);
+        EXPECT_EQ(block.Data()[0], 7);
+        EXPECT_EQ(block.Data()[c.second - 1], c.second - 1 == 0 ? 7 : 0);
+    }
+}
+
+TEST(ByteBlockReadFrom, CutsToWhatCame)
+{
+    TempDir dir;
+    FileStream stream;
+    ASSERT_TRUE(stream.OpenPlain(dir.Write("six", "abcdef"), platform::kFileAttributeNormal));
+    ByteBlock block;
+    ASSERT_TRUE(block.Resize(10));
+    EXPECT_TRUE(block.ReadFrom(stream));
+    EXPECT_EQ(block.Size(), 6u);
+    EXPECT_EQ(std::memcmp(block.Data(), "abcdef", 6), 0);
+
+    EXPECT_FALSE(block.ReadFrom(stream)) << "nothing more comes";
+    EXPECT_EQ(block.Size(), 0u);
+
+    ByteBlock empty;
+    EXPECT_FALSE(empty.ReadFrom(stream));
+    EXPECT_EQ(empty.Data(), nullptr);
+}

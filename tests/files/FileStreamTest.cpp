@@ -1,0 +1,130 @@
+#include "files/FileStream.h"
+#include "platform/File.h"
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+std::string Pattern(std::size_t size)
+{
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>(i * 7 + i / 251);
+    return bytes;
+}
+
+} // namespace
+
+TEST(FileStream, ClosedStreamReadsNothing)
+{
+    FileStream stream;
+    char byte = 0;
+    EXPECT_EQ(stream.Read(&byte, 1), 0u);
+    EXPECT_EQ(stream.Write(&byte, 1), 0u);
+    EXPECT_FALSE(stream.Seek(0, 0));
+    EXPECT_EQ(stream.Tell(), 0);
+    EXPECT_EQ(stream.GetSize(), 0);
+    WideString text;
+    EXPECT_FALSE(stream.ReadText(text, 4));
+}
+
+TEST(FileStream, OpenFailsForMissingFileAndDirectory)
+{
+    TempDir dir;
+    FileStream stream;
+    EXPECT_FALSE(stream.OpenPlain(dir.PathOf("missing"), platform::kFileAttributeNormal));
+    EXPECT_FALSE(stream.OpenPlain(dir.MakeDir("folder"), platform::kFileAttributeNormal));
+    EXPECT_FALSE(stream.IsOpen());
+    EXPECT_TRUE(stream.GetPath().IsEmpty());
+}
+
+TEST(FileStream, OpenCloseAndReopen)
+{
+    TempDir dir;
+    WideString path = dir.Write("a", "hello");
+    FileStream stream;
+    ASSERT_TRUE(stream.OpenPlain(path, platform::kFileAttributeNormal));
+    EXPECT_EQ(stream.GetPath(), path);
+    EXPECT_EQ(stream.GetSize(), 5);
+    stream.Close();
+    EXPECT_TRUE(stream.GetPath().IsEmpty());
+    ASSERT_TRUE(stream.OpenPlain(path, platform::kFileAttributeNormal));
+    char bytes[8] = {};
+    EXPECT_EQ(stream.Read(bytes, 8), 5u);
+    EXPECT_EQ(std::string(bytes, 5), "hello");
+}
+
+// Read-ahead must not change any result of plain mode: the same sequence of
+// operations runs on both and is compared step by step.
+TEST(FileStream, ReadAheadGivesPlainResults)
+{
+    TempDir dir;
+    const std::string content = Pattern(300000);
+    WideString path = dir.Write("big", content);
+    FileStream plain, buffered;
+    ASSERT_TRUE(plain.OpenPlain(path, platform::kFileAttributeNormal));
+    ASSERT_TRUE(buffered.OpenPlain(path, platform::kFileAttributeNormal));
+    ASSERT_TRUE(buffered.EnableReadAhead(4096));
+
+    struct Step {
+        char kind; // 'r' read, 's' seek
+        std::int64_t amount;
+        int origin;
+    } steps[] = {
+        {'r', 4, 0},     {'r', 4, 0},      {'r', 3, 0},      {'s', 1, 1},     {'r', 5000, 0},
+        {'s', -7, 1},    {'r', 2047, 0},   {'r', 2049, 0},   {'s', 299990, 0}, {'r', 100, 0},
+        {'r', 4, 0},     {'s', 1000000, 0}, {'r', 4, 0},     {'s', -5, 2},    {'r', 10, 0},
+        {'s', -400000, 1}, {'s', 10, 0},   {'r', 1, 0},      {'s', 4096, 1},  {'r', 8192, 0},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(testing::Message() << step.kind << " " << step.amount << " " << step.origin);
+        if (step.kind == 's') {
+            EXPECT_EQ(plain.Seek(step.amount, step.origin), buffered.Seek(step.amount, step.origin));
+        } else {
+            std::string a(static_cast<std::size_t>(step.amount), 'x'), b = a;
+            std::uint32_t gotA = plain.Read(a.data(), static_cast<std::uint32_t>(step.amount));
+            std::uint32_t gotB = buffered.Read(b.data(), static_cast<std::uint32_t>(step.amount));
+            EXPECT_EQ(gotA, gotB);
+            EXPECT_EQ(a, b);
+        }
+        EXPECT_EQ(plain.Tell(), buffered.Tell());
+    }
+}
+
+TEST(FileStream, TellAfterSeekBehindTheEnd)
+{
+    TempDir dir;
+    WideString path = dir.Write("a", "abc");
+    for (bool readAhead : {false, true}) {
+        SCOPED_TRACE(readAhead);
+        FileStream stream;
+        ASSERT_TRUE(stream.OpenPlain(path, platform::kFileAttributeNormal));
+        if (readAhead) {
+            ASSERT_TRUE(stream.EnableReadAhead(64));
+        }
+        EXPECT_TRUE(stream.SeekTo(5000000000LL));
+        EXPECT_EQ(stream.Tell(), 5000000000LL);
+        char byte;
+        EXPECT_EQ(stream.Read(&byte, 1), 0u);
+        EXPECT_FALSE(stream.Seek(-6000000000LL, 1)) << "before the start";
+        EXPECT_TRUE(stream.Seek(-1, 2));
+        EXPECT_EQ(stream.Tell(), 2);
+    }
+}
+
+TEST(FileStream, ReadTextConvertsWhatCame)
+{
+    TempDir dir;
+    WideString path = dir.Write("t", std::string("ab\0c", 4));
+    FileStream stream;
+    ASSERT_TRUE(stream.OpenPlain(path, platform::kFileAttributeNormal));
+    WideString text;
+    ASSERT_TRUE(stream.ReadText(text, 0xFFFFFFF0u)) << "a count beyond the file reads what is there";
+    EXPECT_EQ(text.View(), std::u16string_view(u"ab\0c", 4)) << "a zero byte is a character";
+    EXPECT_FALSE(stream.ReadText(text, 4)) << "at the end nothing comes";
+    EXPECT_TRUE(text.IsEmpty());
+    EXPECT_FALSE(stream.ReadText(text, 0));
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/standin/TestHooks.h"
+#include "platform/Window.h"
+#include "support/ViewerFixture.h"
+
+#include <gtest/gtest.h>
+
+// A Viewer whose host has a shown window of the stand-in, with a bitmap of
+// 100 by 50 pixels and an empty call log.
+class StandInViewerFixture : public ViewerFixture {
+protected:
+    void SetUp() override
+    {
+        ViewerFixture::SetUp();
+        platform::testing::ResetStandIn();
+        host.window = platform::CreateDialogWindow(nullptr, 129, NeverHandles);
+        ASSERT_NE(host.window, nullptr);
+        platform::ShowWindowAs(host.window, platform::kShowNormal);
+        ResizeView(100, 50);
+        platform::testing::TakeCallLog();
+    }
+    void TearDown() override
+    {
+        ViewerFixture::TearDown();
+        platform::testing::ResetStandIn();
+    }
+
+    static bool NeverHandles(platform::WindowHandle, std::uint32_t, std::uintptr_t, std::intptr_t, std::intptr_t&)
+    {
+        return false;
+    }
+};

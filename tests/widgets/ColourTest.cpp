@@ -1,0 +1,77 @@
+#include "widgets/Colour.h"
+#include "widgets/IconFont.h"
+
+#include "platform/standin/TestHooks.h"
+#include "platform/SystemSettings.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace {
+
+TEST(Colour, SystemColoursBecomeOpaqueArgb)
+{
+    platform::testing::ResetStandIn();
+    EXPECT_EQ(ArgbFromColorRef(0x00332211), 0xFF112233u);
+    EXPECT_EQ(ArgbFromColorRef(0xAB332211), 0xFF112233u);
+
+    platform::testing::SetSystemColour(15, 0x010203);
+    platform::testing::SetSystemColour(16, 0x040506);
+    platform::testing::SetSystemColour(20, 0x070809);
+    platform::testing::SetSystemColour(22, 0x0A0B0C);
+    EXPECT_EQ(ButtonFaceColour(), 0xFF030201u);
+    EXPECT_EQ(ButtonShadowColour(), 0xFF060504u);
+    EXPECT_EQ(ButtonHighlightColour(), 0xFF090807u);
+    EXPECT_EQ(LightColour3d(), 0xFF0C0B0Au);
+    platform::testing::ResetStandIn();
+}
+
+TEST(Colour, HexTextScansAsItStands)
+{
+    EXPECT_EQ(ParseHexColor(u"FF00FF00"), 0xFF00FF00u);
+    EXPECT_EQ(ParseHexColor(u"0xff336699"), 0xFF336699u);
+    EXPECT_EQ(ParseHexColor(u" 80ffffffzz"), 0x80FFFFFFu);
+    EXPECT_EQ(ParseHexColor(u"zz"), 0u);
+    EXPECT_EQ(ParseHexColor(u""), 0u);
+}
+
+std::vector<std::uint8_t> IconFontRecord(const std::u16string& face, std::size_t size = 92)
+{
+    std::vector<std::uint8_t> record(size, 0x41);
+    for (std::size_t i = 0; i < 32 && 28 + 2 * i + 1 < size; ++i) {
+        const char16_t unit = i < face.size() ? face[i] : u'\0';
+        record[28 + 2 * i] = static_cast<std::uint8_t>(unit & 0xFF);
+        record[28 + 2 * i + 1] = static_cast<std::uint8_t>(unit >> 8);
+    }
+    return record;
+}
+
+TEST(IconFont, OnlyABinaryRecordOfTheRightSizeGivesAFace)
+{
+    const char16_t* key = u"Control Panel\\Desktop\\WindowMetrics";
+    platform::testing::ResetStandIn();
+    EXPECT_EQ(GetIconFontName(), u"");
+
+    platform::testing::SetUserRegistryValue(key, u"IconFont", platform::kRegistryBinary,
+                                            IconFontRecord(u"Meiryo UI"));
+    EXPECT_EQ(GetIconFontName(), u"Meiryo UI");
+
+    // A face that fills all 32 units has no zero behind it and ends with the record.
+    const std::u16string full(32, u'\u30E1');
+    platform::testing::SetUserRegistryValue(key, u"IconFont", platform::kRegistryBinary, IconFontRecord(full));
+    EXPECT_EQ(GetIconFontName().ToU16String(), full);
+
+    platform::testing::SetUserRegistryValue(key, u"IconFont", 1, IconFontRecord(u"Meiryo UI"));
+    EXPECT_EQ(GetIconFontName(), u"");
+    for (std::size_t size : {0, 60, 91, 93, 420}) {
+        platform::testing::SetUserRegistryValue(key, u"IconFont", platform::kRegistryBinary,
+                                                IconFontRecord(u"Meiryo UI", size));
+        EXPECT_EQ(GetIconFontName(), u"") << size;
+    }
+    platform::testing::ResetStandIn();
+}
+
+} // namespace
