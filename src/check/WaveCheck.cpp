@@ -77,7 +77,7 @@ void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportH
 
     WaveDocument document;
     if (!document.Open(path)) {
-        if (document.GetContainerKind() != 1) {
+        if (document.GetContainerKind() != kContainerRiff) {
             report += kNotRiff;
             return;
         }

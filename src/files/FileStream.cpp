@@ -141,18 +141,19 @@ std::uint32_t FileStream::Write(const void* source, std::uint32_t count)
     return static_cast<std::uint32_t>(written);
 }
 
-// Origin 0 counts from the start, 1 from the current position, 2 from the
-// end. A target behind the end of the file is allowed, one before its start
-// is not.
-bool FileStream::Seek(std::int64_t offset, int origin)
+// A target behind the end of the file is allowed, one before its start is
+// not.
+bool FileStream::Seek(std::int64_t offset, platform::SeekOrigin origin)
 {
-    if (!handle || origin < 0 || origin > 2)
+    if (!handle)
         return false;
     if (!readAhead) {
         std::int64_t reached = 0;
-        return platform::SeekFile(handle, offset, static_cast<platform::SeekOrigin>(origin), reached);
+        return platform::SeekFile(handle, offset, origin, reached);
     }
-    std::int64_t base = origin == 0 ? 0 : origin == 1 ? position : GetSize();
+    std::int64_t base = origin == platform::SeekOrigin::Begin     ? 0
+                        : origin == platform::SeekOrigin::Current ? position
+                                                                  : GetSize();
     if ((offset > 0 && base > std::numeric_limits<std::int64_t>::max() - offset) || base + offset < 0)
         return false;
     position = base + offset;

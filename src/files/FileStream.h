@@ -31,8 +31,8 @@ public:
 
     std::uint32_t Read(void* destination, std::uint32_t count);
     std::uint32_t Write(const void* source, std::uint32_t count);
-    bool Seek(std::int64_t offset, int origin);
-    bool SeekTo(std::int64_t target) { return Seek(target, 0); }
+    bool Seek(std::int64_t offset, platform::SeekOrigin origin);
+    bool SeekTo(std::int64_t target) { return Seek(target, platform::SeekOrigin::Begin); }
     std::int64_t Tell();
     std::int64_t GetSize();
     bool ReadText(WideString& destination, std::uint32_t count);

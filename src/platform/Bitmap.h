@@ -17,7 +17,6 @@ public:
     Image& operator=(const Image&) = delete;
 
     bool IsValid() const { return native != nullptr; }
-    int GetLastStatus() const { return status; }
     // The size in pixels; 0 when it can't be asked.
     std::uint32_t GetWidth();
     std::uint32_t GetHeight();

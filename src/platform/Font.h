@@ -34,7 +34,6 @@ public:
     static std::unique_ptr<FontFamily> GenericSansSerif();
 
     bool IsValid() const { return native != nullptr; }
-    int GetLastStatus() const { return status; }
     FontFamilyObject* GetNative() const { return native; }
 
     // Metrics in design units; 0 when they can't be had.
@@ -57,7 +56,6 @@ public:
     Font& operator=(const Font&) = delete;
 
     bool IsValid() const { return native != nullptr; }
-    int GetLastStatus() const { return status; }
     FontObject* GetNative() const { return native; }
 
 private:
@@ -73,7 +71,6 @@ public:
     StringFormat& operator=(const StringFormat&) = delete;
 
     bool IsValid() const { return native != nullptr; }
-    int GetLastStatus() const { return status; }
     StringFormatObject* GetNative() const { return native; }
 
     // Across the line, and the position of the lines.

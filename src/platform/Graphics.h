@@ -40,7 +40,6 @@ public:
 
     // False when the native surface could not be made.
     bool IsValid() const { return native != nullptr; }
-    int GetLastStatus() const { return status; }
 
     // The horizontal resolution of the surface in dots per inch; 0 when it
     // can't be asked.

@@ -24,7 +24,6 @@ public:
     Pen& operator=(const Pen&) = delete;
 
     bool IsValid() const { return native != nullptr; }
-    int GetLastStatus() const { return status; }
     PenObject* GetNative() const { return native; }
 
     bool SetColor(std::uint32_t argb);
@@ -46,7 +45,6 @@ public:
     GraphicsPath& operator=(const GraphicsPath&) = delete;
 
     bool IsValid() const { return native != nullptr; }
-    int GetLastStatus() const { return status; }
     PathObject* GetNative() const { return native; }
 
     bool AddLine(float x1, float y1, float x2, float y2);

@@ -37,7 +37,6 @@ public:
     Region& operator=(const Region&) = delete;
 
     bool IsValid() const { return native != nullptr; }
-    int GetLastStatus() const { return status; }
     RegionObject* GetNative() const { return native; }
 
     // A copy of its own; null when it couldn't be made.

@@ -16,7 +16,6 @@ public:
     SolidBrush& operator=(const SolidBrush&) = delete;
 
     bool IsValid() const { return native != nullptr; }
-    int GetLastStatus() const { return status; }
     BrushObject* GetNative() const { return native; }
 
 private:

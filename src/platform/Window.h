@@ -66,7 +66,6 @@ bool SetWindowPosition(WindowHandle window, std::int32_t x, std::int32_t y, std:
 // milliseconds while the thread's queue is waited on. Setting one that
 // exists restarts it.
 bool StartTimer(WindowHandle window, std::uintptr_t timerId, std::uint32_t periodMs);
-bool StopTimer(WindowHandle window, std::uintptr_t timerId);
 
 // Whether files dropped on the window arrive as the drop message.
 void AcceptDroppedFiles(WindowHandle window, bool accept);

@@ -21,7 +21,7 @@ bool BextChunk::Read(std::uint32_t chunkId)
 {
     if (!Chunk::Read(chunkId))
         return false;
-    if (document->GetContainerKind() == 1 && body.Size() > 0)
+    if (document->GetContainerKind() == kContainerRiff && body.Size() > 0)
         std::memcpy(record.data(), body.Data(), std::min(body.Size(), kRecordBytes));
     return true;
 }

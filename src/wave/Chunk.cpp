@@ -53,7 +53,7 @@ bool Chunk::Read(std::uint32_t chunkId)
     id = chunkId;
     StreamGuard guard;
     FileStream& stream = document->AcquireStream(guard);
-    if (!stream.IsOpen() || document->GetContainerKind() != 1)
+    if (!stream.IsOpen() || document->GetContainerKind() != kContainerRiff)
         return false;
     position = stream.Tell() - 4;
     if (readsOwnSize) {
@@ -63,7 +63,7 @@ bool Chunk::Read(std::uint32_t chunkId)
         size = declared;
     }
     if (size > kLargestBodyRead)
-        return stream.Seek(size, 1);
+        return stream.Seek(size, platform::SeekOrigin::Current);
     // A size below zero comes only from a parent that never set one.
     if (size < 0 || !body.Resize(static_cast<std::uint32_t>(size)))
         return false;

@@ -27,7 +27,7 @@ bool DataChunk::Read(std::uint32_t chunkId)
     if (!frameStream.OpenPlain(path, kFlags) || !spareStream.OpenPlain(path, kFlags))
         return false;
     if (size == 0)
-        stream.Seek(0, 2);
+        stream.Seek(0, platform::SeekOrigin::End);
     return true;
 }
 
@@ -38,7 +38,7 @@ void DataChunk::UpdateFrameCount()
 {
     const FormatChunk* formatChunk = document->GetFormatChunk();
     const std::int32_t kind = document->GetContainerKind();
-    if (!formatChunk || kind != 1 || formatChunk->GetFormat().blockAlign == 0) {
+    if (!formatChunk || kind != kContainerRiff || formatChunk->GetFormat().blockAlign == 0) {
         frameCount = -1;
         return;
     }

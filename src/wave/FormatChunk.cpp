@@ -37,7 +37,7 @@ bool FormatChunk::Read(std::uint32_t chunkId)
 {
     if (!Chunk::Read(chunkId))
         return false;
-    if (document->GetContainerKind() == 1 && body.Size() > 0)
+    if (document->GetContainerKind() == kContainerRiff && body.Size() > 0)
         format = WaveFormat::FromBytes(body.Data(), body.Size());
     return true;
 }
@@ -45,11 +45,11 @@ bool FormatChunk::Read(std::uint32_t chunkId)
 // The record, or an all-zero one outside a RIFF file.
 WaveFormat FormatChunk::GetFormat() const
 {
-    return document->GetContainerKind() == 1 ? format : WaveFormat();
+    return document->GetContainerKind() == kContainerRiff ? format : WaveFormat();
 }
 
 bool FormatChunk::IsPcm() const
 {
-    return document->GetContainerKind() == 1 &&
+    return document->GetContainerKind() == kContainerRiff &&
            (format.formatTag == kFormatTagPcm || format.formatTag == kFormatTagExtensible);
 }

@@ -42,7 +42,7 @@ bool InfoChunk::Read(std::uint32_t chunkId)
                 return false;
             entries.Set(WideString(platform::ThreadBytesToWide(entryId, 4)), text);
         }
-        if (stream.Tell() % 2 != 0 && !stream.Seek(1, 1))
+        if (stream.Tell() % 2 != 0 && !stream.Seek(1, platform::SeekOrigin::Current))
             return false;
     }
     return entries.Count() > 0;

@@ -33,7 +33,7 @@ bool ListChunk::Read(std::uint32_t chunkId)
         children.Add(std::move(child));
     if (document->IsWalkAbandoned())
         return false;
-    if (stream.Tell() % 2 != 0 && !stream.Seek(1, 1))
+    if (stream.Tell() % 2 != 0 && !stream.Seek(1, platform::SeekOrigin::Current))
         return false;
     return true;
 }

@@ -23,7 +23,7 @@ bool RootChunk::Read(std::uint32_t chunkId)
     id = chunkId;
     StreamGuard guard;
     FileStream& stream = document->AcquireStream(guard);
-    if (!stream.IsOpen() || document->GetContainerKind() != 1)
+    if (!stream.IsOpen() || document->GetContainerKind() != kContainerRiff)
         return false;
     NestingLevel level(*document);
     if (!level.IsAllowed())
@@ -46,7 +46,7 @@ bool RootChunk::Read(std::uint32_t chunkId)
         if (document->IsWalkAbandoned())
             return false;
         // Padding follows the absolute position, not the parity of the size.
-        if (stream.Tell() % 2 != 0 && !stream.Seek(1, 1))
+        if (stream.Tell() % 2 != 0 && !stream.Seek(1, platform::SeekOrigin::Current))
             return false;
         if (stream.Tell() >= end)
             return true;

@@ -93,7 +93,7 @@ bool WaveDocument::Open(const WideString& path)
         if (!chunk->Read(id))
             result = false;
         chunks.Add(std::move(chunk));
-        if (containerKind != 1)
+        if (containerKind != kContainerRiff)
             DropChunksWithoutSlot();
         if (walkAbandoned) {
             result = false;
@@ -119,7 +119,7 @@ bool WaveDocument::ReadTopLevelId(std::uint32_t& id, bool& result)
     if (stream.Read(bytes, 4) < 4)
         return false;
     id = ReadLittleEndian32(bytes);
-    if (containerKind == 1 || HasOwnClass(id))
+    if (containerKind == kContainerRiff || HasOwnClass(id))
         return true;
     result = false;
     const std::uint32_t blockBytes = BufferBytesFor(stream.GetSize() - stream.Tell(), kScanBlockBytes);
@@ -195,7 +195,7 @@ bool WaveDocument::EnterNesting()
         walkAbandoned = true;
         // Nothing behind this point is read: the walk ends at the end of the file.
         StreamGuard guard;
-        AcquireStream(guard).Seek(0, 2);
+        AcquireStream(guard).Seek(0, platform::SeekOrigin::End);
     }
     return false;
 }
@@ -209,7 +209,7 @@ bool WaveDocument::CreateChunk(std::uint32_t id, std::unique_ptr<Chunk>& slot)
         return CreateBasicChunk(id, slot);
     slot.reset();
     if (id == kIdRiff) {
-        containerKind = 1;
+        containerKind = kContainerRiff;
         slot.reset(new (std::nothrow) RootChunk(*this));
     } else {
         slot.reset(new (std::nothrow) DataChunk(*this));

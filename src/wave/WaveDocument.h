@@ -32,6 +32,12 @@ private:
     platform::RecursiveLock* held = nullptr;
 };
 
+// The container kinds of GetContainerKind: nothing known yet, and RIFF from
+// the moment a RIFF identifier was met. A walk that ends false with any other
+// kind than RIFF met a file that is not RIFF at all.
+constexpr std::int32_t kContainerUnknown = 0;
+constexpr std::int32_t kContainerRiff = 1;
+
 // A RIFF file walked into a tree of chunks, with a registry of the chunks
 // that its users ask for. One check makes one on its own stack; it owns the
 // chunks and the streams. All reading goes through AcquireStream.
@@ -76,7 +82,7 @@ private:
     void DestroyChunks();
 
     platform::RecursiveLock lock;
-    std::int32_t containerKind = 0;
+    std::int32_t containerKind = kContainerUnknown;
     FileStream stream;
     Array<std::unique_ptr<Chunk>> chunks;
     RootChunk* rootChunk = nullptr;

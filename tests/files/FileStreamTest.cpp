@@ -24,7 +24,7 @@ TEST(FileStream, ClosedStreamReadsNothing)
     char byte = 0;
     EXPECT_EQ(stream.Read(&byte, 1), 0u);
     EXPECT_EQ(stream.Write(&byte, 1), 0u);
-    EXPECT_FALSE(stream.Seek(0, 0));
+    EXPECT_FALSE(stream.SeekTo(0));
     EXPECT_EQ(stream.Tell(), 0);
     EXPECT_EQ(stream.GetSize(), 0);
     WideString text;
@@ -72,15 +72,17 @@ TEST(FileStream, ReadAheadGivesPlainResults)
     struct Step {
         char kind; // 'r' read, 's' seek
         std::int64_t amount;
-        int origin;
-    } steps[] = {
-        {'r', 4, 0},     {'r', 4, 0},      {'r', 3, 0},      {'s', 1, 1},     {'r', 5000, 0},
-        {'s', -7, 1},    {'r', 2047, 0},   {'r', 2049, 0},   {'s', 299990, 0}, {'r', 100, 0},
-        {'r', 4, 0},     {'s', 1000000, 0}, {'r', 4, 0},     {'s', -5, 2},    {'r', 10, 0},
-        {'s', -400000, 1}, {'s', 10, 0},   {'r', 1, 0},      {'s', 4096, 1},  {'r', 8192, 0},
+        platform::SeekOrigin origin;
+    };
+    constexpr auto B = platform::SeekOrigin::Begin, C = platform::SeekOrigin::Current, E = platform::SeekOrigin::End;
+    const Step steps[] = {
+        {'r', 4, B},     {'r', 4, B},      {'r', 3, B},      {'s', 1, C},     {'r', 5000, B},
+        {'s', -7, C},    {'r', 2047, B},   {'r', 2049, B},   {'s', 299990, B}, {'r', 100, B},
+        {'r', 4, B},     {'s', 1000000, B}, {'r', 4, B},     {'s', -5, E},    {'r', 10, B},
+        {'s', -400000, C}, {'s', 10, B},   {'r', 1, B},      {'s', 4096, C},  {'r', 8192, B},
     };
     for (const Step& step : steps) {
-        SCOPED_TRACE(testing::Message() << step.kind << " " << step.amount << " " << step.origin);
+        SCOPED_TRACE(testing::Message() << step.kind << " " << step.amount << " " << static_cast<int>(step.origin));
         if (step.kind == 's') {
             EXPECT_EQ(plain.Seek(step.amount, step.origin), buffered.Seek(step.amount, step.origin));
         } else {
@@ -109,8 +111,8 @@ TEST(FileStream, TellAfterSeekBehindTheEnd)
         EXPECT_EQ(stream.Tell(), 5000000000LL);
         char byte;
         EXPECT_EQ(stream.Read(&byte, 1), 0u);
-        EXPECT_FALSE(stream.Seek(-6000000000LL, 1)) << "before the start";
-        EXPECT_TRUE(stream.Seek(-1, 2));
+        EXPECT_FALSE(stream.Seek(-6000000000LL, platform::SeekOrigin::Current)) << "before the start";
+        EXPECT_TRUE(stream.Seek(-1, platform::SeekOrigin::End));
         EXPECT_EQ(stream.Tell(), 2);
     }
 }

@@ -52,13 +52,13 @@ TEST_F(ListChunkRead, SizesBelowFourWrapTheChildPastTheEnd)
 TEST_F(ListChunkRead, AFileOfOneListIsReadWithoutRiff)
 {
     ASSERT_TRUE(OpenBytes(List("INFO", InfoEntry("INAM", "take"))));
-    EXPECT_EQ(document.GetContainerKind(), 0);
+    EXPECT_EQ(document.GetContainerKind(), kContainerUnknown);
     ASSERT_EQ(document.GetChunks().Count(), 1u);
     EXPECT_EQ(TopLevel(0).GetChildren().Count(), 1u);
 
     // Nothing but a LIST of size 3: the child skips past the end.
     ASSERT_TRUE(OpenBytes(RiffBytes().Id("LIST").U32(3).Id("abcd").Bytes()));
-    EXPECT_EQ(document.GetContainerKind(), 0);
+    EXPECT_EQ(document.GetContainerKind(), kContainerUnknown);
 }
 
 TEST_F(ListChunkRead, InfoEntries)
@@ -122,7 +122,7 @@ TEST_F(ListChunkRead, InfoLengthNearFourGibReadsWhatTheFileHolds)
 
     WaveDocument fresh;
     ASSERT_TRUE(fresh.Open(dir.Write("list-only.wav", list)));
-    EXPECT_EQ(fresh.GetContainerKind(), 0);
+    EXPECT_EQ(fresh.GetContainerKind(), kContainerUnknown);
 }
 
 TEST_F(ListChunkRead, ListTypesOfOtherClasses)
@@ -141,7 +141,7 @@ TEST_F(ListChunkRead, ListTypesOfOtherClasses)
     // words then fail one by one.
     WaveDocument fresh;
     EXPECT_FALSE(fresh.Open(dir.Write("riff-list.wav", List("RIFF", "abcd"))));
-    EXPECT_EQ(fresh.GetContainerKind(), 0);
+    EXPECT_EQ(fresh.GetContainerKind(), kContainerUnknown);
 
     // "LIST" as a list type nests a list that reads its own size and type.
     // Its size and type are the 8 bytes behind the outer list's type.
@@ -162,7 +162,7 @@ TEST_F(ListChunkRead, FileOfListWordsEndsAtTheNestingBound)
     for (int i = 0; i < 30000; ++i)
         words += "LIST";
     EXPECT_FALSE(OpenBytes(words));
-    EXPECT_EQ(document.GetContainerKind(), 0);
+    EXPECT_EQ(document.GetContainerKind(), kContainerUnknown);
 
     std::string shallow;
     for (int i = 0; i < 150; ++i)

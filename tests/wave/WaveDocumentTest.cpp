@@ -16,7 +16,7 @@ TEST_F(WaveDocumentOpen, EmptyAndTinyFilesReadNoChunk)
     for (std::size_t length : {0, 1, 3}) {
         SCOPED_TRACE(length);
         EXPECT_TRUE(OpenBytes(std::string(length, 'R')));
-        EXPECT_EQ(document.GetContainerKind(), 0);
+        EXPECT_EQ(document.GetContainerKind(), kContainerUnknown);
         EXPECT_TRUE(document.GetChunks().IsEmpty());
         EXPECT_EQ(document.GetFormatChunk(), nullptr);
         EXPECT_EQ(document.GetDataChunk(), nullptr);
@@ -26,13 +26,13 @@ TEST_F(WaveDocumentOpen, EmptyAndTinyFilesReadNoChunk)
 TEST_F(WaveDocumentOpen, MissingFileFailsWithKindZero)
 {
     EXPECT_FALSE(document.Open(dir.PathOf("missing.wav")));
-    EXPECT_EQ(document.GetContainerKind(), 0);
+    EXPECT_EQ(document.GetContainerKind(), kContainerUnknown);
 }
 
 TEST_F(WaveDocumentOpen, SoundFileFillsTheRegistry)
 {
     ASSERT_TRUE(OpenBytes(SoundWave(10)));
-    EXPECT_EQ(document.GetContainerKind(), 1);
+    EXPECT_EQ(document.GetContainerKind(), kContainerRiff);
     ASSERT_EQ(document.GetChunks().Count(), 1u);
     ASSERT_NE(Root(), nullptr);
     EXPECT_EQ(Root()->GetFormType(), kIdWave);
@@ -98,7 +98,7 @@ TEST_F(WaveDocumentOpen, CutHeadersAndBodies)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(OpenBytes(c.bytes), c.result);
-        EXPECT_EQ(document.GetContainerKind(), 1);
+        EXPECT_EQ(document.GetContainerKind(), kContainerRiff);
         ASSERT_EQ(document.GetChunks().Count(), 1u);
         EXPECT_EQ(document.GetChunks().At(0)->GetChildren().Count(), c.children);
     }
@@ -118,7 +118,7 @@ TEST_F(WaveDocumentOpen, TopLevelBehindTheRiffChunk)
 
     // A chunk there whose size field is cut short fails the walk.
     EXPECT_FALSE(OpenBytes(Riff("") + "abcd\x01"));
-    EXPECT_EQ(document.GetContainerKind(), 1);
+    EXPECT_EQ(document.GetContainerKind(), kContainerRiff);
 }
 
 TEST_F(WaveDocumentOpen, PadByteIsSkippedByPosition)
@@ -156,9 +156,9 @@ TEST_F(WaveDocumentOpen, RegistryKeepsTheLastMadeChunk)
 TEST_F(WaveDocumentOpen, SecondOpenKeepsTheContainerKind)
 {
     ASSERT_TRUE(OpenBytes(SoundWave()));
-    EXPECT_EQ(document.GetContainerKind(), 1);
+    EXPECT_EQ(document.GetContainerKind(), kContainerRiff);
     EXPECT_TRUE(OpenBytes("abc"));
-    EXPECT_EQ(document.GetContainerKind(), 1);
+    EXPECT_EQ(document.GetContainerKind(), kContainerRiff);
     EXPECT_TRUE(document.GetChunks().IsEmpty());
     EXPECT_EQ(document.GetFormatChunk(), nullptr) << "the old chunks are gone";
     EXPECT_EQ(document.GetDataChunk(), nullptr);
@@ -239,11 +239,11 @@ TEST_F(WaveDocumentOpen, FileThatIsNotRiff)
 {
     // Every word fails as a chunk of its own; the result is false, kind 0.
     EXPECT_FALSE(OpenBytes("this is not a wave file at all.."));
-    EXPECT_EQ(document.GetContainerKind(), 0);
+    EXPECT_EQ(document.GetContainerKind(), kContainerUnknown);
 
     // Words of chunk classes fail as well and keep their registry slots.
     EXPECT_FALSE(OpenBytes("abcdfmt efghdataijk"));
-    EXPECT_EQ(document.GetContainerKind(), 0);
+    EXPECT_EQ(document.GetContainerKind(), kContainerUnknown);
     ASSERT_NE(document.GetFormatChunk(), nullptr);
     ASSERT_NE(document.GetDataChunk(), nullptr);
     EXPECT_EQ(document.GetDataChunk()->GetSize(), -1);
@@ -251,7 +251,7 @@ TEST_F(WaveDocumentOpen, FileThatIsNotRiff)
 
     // RF64 is no RIFF.
     EXPECT_FALSE(OpenBytes(RiffBytes().Id("RF64").U32(0xFFFFFFFF).Id("WAVE").Chunk("ds64", std::string(28, '\0')).Bytes()));
-    EXPECT_EQ(document.GetContainerKind(), 0);
+    EXPECT_EQ(document.GetContainerKind(), kContainerUnknown);
 }
 
 TEST_F(WaveDocumentOpen, RiffAtALaterAlignedOffset)
@@ -259,13 +259,13 @@ TEST_F(WaveDocumentOpen, RiffAtALaterAlignedOffset)
     // A RIFF id at an offset divisible by 4 turns the kind to 1 and the walk
     // goes on normally from there; at another offset it is never seen.
     EXPECT_FALSE(OpenBytes("junkjunk" + SoundWave()));
-    EXPECT_EQ(document.GetContainerKind(), 1);
+    EXPECT_EQ(document.GetContainerKind(), kContainerRiff);
     ASSERT_NE(document.GetDataChunk(), nullptr);
     EXPECT_EQ(document.GetDataChunk()->GetFrameCount(), 4);
 
     WaveDocument other;
     EXPECT_FALSE(other.Open(dir.Write("b.wav", "junkj" + SoundWave())));
-    EXPECT_EQ(other.GetContainerKind(), 0);
+    EXPECT_EQ(other.GetContainerKind(), kContainerUnknown);
 }
 
 TEST_F(WaveDocumentOpen, NonRiffScanMatchesAcrossBlockEdges)
@@ -277,7 +277,7 @@ TEST_F(WaveDocumentOpen, NonRiffScanMatchesAcrossBlockEdges)
         WaveDocument fresh;
         std::string bytes(junkWords * 4, 'j');
         EXPECT_FALSE(fresh.Open(dir.Write("scan.wav", bytes + SoundWave())));
-        EXPECT_EQ(fresh.GetContainerKind(), 1);
+        EXPECT_EQ(fresh.GetContainerKind(), kContainerRiff);
         ASSERT_NE(fresh.GetDataChunk(), nullptr);
         EXPECT_EQ(fresh.GetDataChunk()->GetFrameCount(), 4);
         EXPECT_LE(fresh.GetChunks().Count(), 2u) << "failed words are not kept";
@@ -304,6 +304,6 @@ TEST_F(WaveDocumentOpen, NestingBeyondTheBoundEndsTheWalk)
         bytes.Id("RIFF").U32(static_cast<std::uint32_t>(inner.size() + 4 + 12 * (levels - 1 - level))).Id("WAVE");
     bytes.Raw(inner);
     EXPECT_FALSE(OpenBytes(bytes.Bytes()));
-    EXPECT_EQ(document.GetContainerKind(), 1);
+    EXPECT_EQ(document.GetContainerKind(), kContainerRiff);
     EXPECT_EQ(document.GetDataChunk(), nullptr);
 }

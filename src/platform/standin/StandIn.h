@@ -44,8 +44,9 @@ struct platform::WindowObject {
 
 namespace platform::standin {
 
-// The resolution of the stand-in's screen unless a test sets another.
-constexpr int kDefaultScreenDpi = 96;
+// The resolution of the stand-in's screen, and of every device context and
+// bitmap.
+constexpr int kScreenDpi = 96;
 
 // The frame the stand-in draws around a dialog's client area.
 constexpr std::int32_t kFrameSide = 3;

@@ -23,7 +23,6 @@ struct RegistryValue {
 struct Settings {
     std::mutex mutex;
     std::map<int, std::uint32_t> colours;
-    int screenDpi = standin::kDefaultScreenDpi;
     std::map<std::pair<std::u16string, std::u16string>, RegistryValue> registry;
 };
 
@@ -52,9 +51,7 @@ std::uint32_t GetSystemColour(int index)
 
 int GetScreenDpiX()
 {
-    Settings& settings = TheSettings();
-    std::lock_guard lock(settings.mutex);
-    return settings.screenDpi;
+    return standin::kScreenDpi;
 }
 
 bool ReadUserRegistryValue(std::u16string_view keyPath, std::u16string_view valueName, std::uint32_t& type,
@@ -79,14 +76,6 @@ void standin::ResetSystemSettings()
     std::lock_guard lock(settings.mutex);
     settings.colours = DefaultColours();
     settings.registry.clear();
-    settings.screenDpi = standin::kDefaultScreenDpi;
-}
-
-void testing::SetScreenDpi(int dpi)
-{
-    Settings& settings = TheSettings();
-    std::lock_guard lock(settings.mutex);
-    settings.screenDpi = dpi;
 }
 
 void testing::SetSystemColour(int index, std::uint32_t colour)

@@ -63,12 +63,6 @@ std::uint64_t CurrentTime()
     return State().now;
 }
 
-void AdvanceTime(std::uint64_t milliseconds)
-{
-    std::lock_guard lock(State().mutex);
-    State().now += milliseconds;
-}
-
 void SetWorkArea(PixelRect area)
 {
     std::lock_guard lock(State().mutex);
@@ -108,13 +102,6 @@ bool DescribeWindow(WindowHandle window, WindowRecord& record)
         if (timer.window == window)
             record.timers.emplace_back(timer.id, timer.period);
     return true;
-}
-
-std::vector<Message> QueuedMessages()
-{
-    std::lock_guard lock(State().mutex);
-    const auto& posted = State().queues[CurrentThreadId()].posted;
-    return {posted.begin(), posted.end()};
 }
 
 std::vector<std::string> TakeCallLog()

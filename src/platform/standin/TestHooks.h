@@ -32,7 +32,6 @@ void FailNextDialogCreation();
 
 // The stand-in's clock in milliseconds; it starts at 0.
 std::uint64_t CurrentTime();
-void AdvanceTime(std::uint64_t milliseconds);
 void SetWorkArea(PixelRect area);
 
 // What a window of the stand-in looks like from outside.
@@ -53,8 +52,6 @@ std::vector<WindowHandle> LiveWindows();
 WindowHandle FindWindowByCaption(std::u16string_view caption);
 // false when window is not alive.
 bool DescribeWindow(WindowHandle window, WindowRecord& record);
-// The messages waiting in the calling thread's queue, oldest first.
-std::vector<Message> QueuedMessages();
 
 // The start-up, window and shutdown calls made so far, in their order, as
 // "InitializeCom", "CreateDialogWindow 129", "ShowWindowAs 1" and so on;
@@ -94,12 +91,10 @@ void CloseDesktopMessageBoxes();
 } // namespace platform::testing
 
 // What tests of the widgets' look set in the stand-in's system settings.
-// ResetStandIn puts the defaults back: the classic colour scheme, a screen
-// of 96 DPI and an empty registry.
+// ResetStandIn puts the defaults back: the classic colour scheme and an
+// empty registry.
 namespace platform::testing {
 
-// The resolution of the screen, and of every device context and bitmap.
-void SetScreenDpi(int dpi);
 void SetSystemColour(int index, std::uint32_t colour);
 void SetUserRegistryValue(std::u16string_view keyPath, std::u16string_view valueName, std::uint32_t type,
                           std::vector<std::uint8_t> data);

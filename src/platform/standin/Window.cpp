@@ -202,15 +202,6 @@ bool StartTimer(WindowHandle window, std::uintptr_t timerId, std::uint32_t perio
     return true;
 }
 
-bool StopTimer(WindowHandle window, std::uintptr_t timerId)
-{
-    standin::StandIn& state = State();
-    std::lock_guard lock(state.mutex);
-    return std::erase_if(state.timers, [&](const standin::Timer& timer) {
-               return timer.window == window && timer.id == timerId;
-           }) != 0;
-}
-
 void AcceptDroppedFiles(WindowHandle window, bool accept)
 {
     std::lock_guard lock(State().mutex);

@@ -141,11 +141,6 @@ bool StartTimer(WindowHandle window, std::uintptr_t timerId, std::uint32_t perio
     return SetTimer(win32::Hwnd(window), timerId, periodMs, nullptr) != 0;
 }
 
-bool StopTimer(WindowHandle window, std::uintptr_t timerId)
-{
-    return KillTimer(win32::Hwnd(window), timerId) != FALSE;
-}
-
 void AcceptDroppedFiles(WindowHandle window, bool accept)
 {
     DragAcceptFiles(win32::Hwnd(window), accept ? TRUE : FALSE);
