@@ -71,50 +71,48 @@ sondara_wine__alive()
     [[ ${stat:0:1} != Z ]]
 }
 
-# Starts Xvfb on the first free display number from 99 on. With "detached"
-# the server leaves the caller's session and ends by itself a while after its
-# last client; otherwise it is the caller's child, to be ended by
-# sondara_wine_end. Sets sondara_wine_xvfb_display and sondara_wine_xvfb_pid.
-# A number taken between the look and the start makes Xvfb exit at once, and
-# the next number is tried.
+# Starts Xvfb on a free display number, which the server picks itself and
+# reports through -displayfd once it accepts clients: two sessions that
+# start at the same moment (two test runs on one machine) can't end up on
+# one server, which the first to finish would take from the other. With
+# "detached" the server leaves the caller's session and ends by itself a
+# while after its last client; otherwise it is the caller's child, to be
+# ended by sondara_wine_end. Sets sondara_wine_xvfb_display and
+# sondara_wine_xvfb_pid.
 sondara_wine__start_xvfb()
 {
-    local mode="$1" number pid tries
-    local log="$SONDARA_WINE_HOME/xvfb.log"
-    local -a command=(Xvfb)
+    local mode="$1" number="" pid tries
+    local log="$SONDARA_WINE_HOME/xvfb.log" numbers
+    local -a command=(Xvfb) options=(-screen 0 1280x1024x24 -nolisten tcp)
     command -v Xvfb >/dev/null 2>&1 || { sondara_wine__fail "Xvfb is not installed"; return 1; }
+    numbers="$(mktemp "$SONDARA_WINE_HOME/xvfb-display.XXXXXX")"
     if [[ $mode == detached ]]; then
         # setsid keeps the server out of ctest's process group; --wait keeps
         # the pid ours to watch should setsid have to fork.
         command=(setsid --wait Xvfb)
+        options+=(-terminate "$sondara_wine_xvfb_linger")
+    else
+        options+=(-noreset)
     fi
-    for ((number = 99; number < 200; ++number)); do
-        [[ -e /tmp/.X$number-lock || -e /tmp/.X11-unix/X$number ]] && continue
-        if [[ $mode == detached ]]; then
-            (
-                sondara_wine__close_fds
-                exec "${command[@]}" ":$number" -screen 0 1280x1024x24 -nolisten tcp \
-                    -terminate "$sondara_wine_xvfb_linger"
-            ) </dev/null >"$log" 2>&1 &
-        else
-            (
-                sondara_wine__close_fds
-                exec "${command[@]}" ":$number" -screen 0 1280x1024x24 -nolisten tcp -noreset
-            ) </dev/null >"$log" 2>&1 &
-        fi
-        pid=$!
-        for ((tries = 0; tries < 100; ++tries)); do
-            sondara_wine__alive "$pid" || break
-            if [[ -S /tmp/.X11-unix/X$number ]] && sondara_wine__display_usable ":$number"; then
-                sondara_wine_xvfb_display=":$number"
-                sondara_wine_xvfb_pid=$pid
-                return 0
-            fi
-            sleep 0.1
-        done
-        kill "$pid" 2>/dev/null || true
-        wait "$pid" 2>/dev/null || true
+    (
+        sondara_wine__close_fds
+        exec "${command[@]}" -displayfd 3 "${options[@]}" 3>"$numbers"
+    ) </dev/null >"$log" 2>&1 &
+    pid=$!
+    for ((tries = 0; tries < 100; ++tries)); do
+        number="$(tr -dc '0-9' <"$numbers")"
+        [[ -n $number ]] && break
+        sondara_wine__alive "$pid" || break
+        sleep 0.1
     done
+    rm -f "$numbers"
+    if [[ -n $number ]] && sondara_wine__display_usable ":$number"; then
+        sondara_wine_xvfb_display=":$number"
+        sondara_wine_xvfb_pid=$pid
+        return 0
+    fi
+    kill "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
     sondara_wine__fail "could not start Xvfb (see $log)"
 }
 
