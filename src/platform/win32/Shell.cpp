@@ -7,18 +7,28 @@
 #include <commdlg.h>
 #include <shellapi.h>
 
+#include <cstddef>
 #include <vector>
 
 namespace platform {
 
 namespace {
 
-// The size of the dialog's record: the long form from Windows 2000 on, the
-// short one for older systems.
+// The dialog's record comes in two sizes: the long form from Windows 2000 on,
+// and the short form, without the fields after lpTemplateName, for older
+// systems. Both are the compiler's figures for this build: a 64-bit system
+// rejects the 32-bit ones.
+constexpr DWORD kLongForm = sizeof(OPENFILENAMEW);
+constexpr DWORD kShortForm = sizeof(OPENFILENAME_NT4W);
+static_assert(kShortForm == offsetof(OPENFILENAMEW, lpTemplateName) + sizeof(LPCWSTR),
+              "the short form ends after lpTemplateName");
+#if defined(_WIN32) && !defined(_WIN64)
+static_assert(kLongForm == 88, "the long form is 88 bytes on 32-bit Windows");
+static_assert(kShortForm == 76, "the short form is 76 bytes on 32-bit Windows");
+#endif
+
 DWORD OpenFileNameSize()
 {
-    constexpr DWORD kLongForm = 88;
-    constexpr DWORD kShortForm = 76;
     OSVERSIONINFOW version{};
     version.dwOSVersionInfoSize = sizeof version;
 #pragma GCC diagnostic push

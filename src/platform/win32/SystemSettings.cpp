@@ -6,6 +6,10 @@
 
 namespace platform {
 
+// The icon font value is read as one font description record. It holds no
+// pointer, so it is 92 bytes in every build, the size the value has on disk.
+static_assert(sizeof(LOGFONTW) == 92, "a LOGFONTW is 92 bytes");
+
 std::uint32_t GetSystemColour(int index)
 {
     return GetSysColor(index);
