@@ -1,12 +1,12 @@
 #pragma once
 
 #include "app/DialogWindow.h"
-#include "app/IdleHandler.h"
-#include "app/MessageFilter.h"
 #include "base/WideString.h"
 #include "check/CheckReport.h"
 #include "engine/Viewer.h"
 #include "engine/WidgetHost.h"
+#include "loop/IdleHandler.h"
+#include "loop/MessageFilter.h"
 #include "platform/ProgramResources.h"
 
 #include <cstdint>

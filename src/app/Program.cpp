@@ -1,8 +1,8 @@
 #include "app/Program.h"
 
 #include "app/MainDialog.h"
-#include "app/MessageLoop.h"
-#include "app/MessageLoopRegistry.h"
+#include "loop/MessageLoop.h"
+#include "loop/MessageLoopRegistry.h"
 #include "platform/SystemStartup.h"
 #include "platform/ThreadState.h"
 #include "platform/Window.h"

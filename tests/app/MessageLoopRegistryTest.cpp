@@ -1,5 +1,5 @@
-#include "app/MessageLoop.h"
-#include "app/MessageLoopRegistry.h"
+#include "loop/MessageLoop.h"
+#include "loop/MessageLoopRegistry.h"
 #include "platform/ThreadState.h"
 
 #include <gtest/gtest.h>

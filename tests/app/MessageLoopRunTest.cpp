@@ -1,4 +1,4 @@
-#include "app/MessageLoop.h"
+#include "loop/MessageLoop.h"
 #include "platform/MessageQueue.h"
 #include "platform/standin/TestHooks.h"
 #include "platform/Window.h"

@@ -1,4 +1,4 @@
-#include "app/MessageLoopRegistry.h"
+#include "loop/MessageLoopRegistry.h"
 
 #include <atomic>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/IdleHandler.h"
-#include "app/MessageFilter.h"
 #include "base/Array.h"
+#include "loop/IdleHandler.h"
+#include "loop/MessageFilter.h"
 #include "platform/MessageQueue.h"
 
 // The message pump of one thread, with its filters and idle handlers; in
