@@ -162,6 +162,12 @@ sondara_wine__settings()
     done
     printf '%s\t%s\t%s\t%s\n' 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' \
         Tahoma REG_MULTI_SZ 'NotoSansCJK-Regular.ttc,Noto Sans CJK JP'
+    # Debian's Wine looks for its own fonts in the system's font folder,
+    # while fonts-wine puts them in Wine's data folder. Without Marlett from
+    # there, the caption buttons that Wine draws show as the letters "0 1 r".
+    if [[ -f /usr/share/wine/fonts/marlett.ttf ]]; then
+        printf '%s\t%s\t%s\t%s\n' 'HKCU\Software\Wine\Fonts' Path REG_SZ 'Z:\usr\share\wine\fonts'
+    fi
 }
 
 # Creates the prefix when it is missing or was left half made, then writes
