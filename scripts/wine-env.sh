@@ -33,6 +33,8 @@ sondara_wine_persist=10
 # An Xvfb that attach starts for a plain ctest run ends this many seconds
 # after its last client, which is after the wineserver session has ended.
 sondara_wine_xvfb_linger=30
+# The caption buttons' symbol font, from Debian's fonts-wine.
+sondara_wine_marlett=/usr/share/wine/fonts/marlett.ttf
 
 sondara_wine__defaults()
 {
@@ -162,12 +164,30 @@ sondara_wine__settings()
     done
     printf '%s\t%s\t%s\t%s\n' 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' \
         Tahoma REG_MULTI_SZ 'NotoSansCJK-Regular.ttc,Noto Sans CJK JP'
-    # Debian's Wine looks for its own fonts in the system's font folder,
-    # while fonts-wine puts them in Wine's data folder. Without Marlett from
-    # there, the caption buttons that Wine draws show as the letters "0 1 r".
-    if [[ -f /usr/share/wine/fonts/marlett.ttf ]]; then
-        printf '%s\t%s\t%s\t%s\n' 'HKCU\Software\Wine\Fonts' Path REG_SZ 'Z:\usr\share\wine\fonts'
+    # In the Japanese code page Wine rewrites the substitute of "MS Shell Dlg"
+    # to "MS UI Gothic" at start-up, and substitutes don't chain: message
+    # boxes then fell back to a Latin font and showed Japanese as boxes. A
+    # replacement makes "MS UI Gothic" a name of Noto Sans CJK JP itself.
+    printf '%s\t%s\t%s\t%s\n' 'HKCU\Software\Wine\Fonts\Replacements' 'MS UI Gothic' REG_SZ 'Noto Sans CJK JP'
+    # Debian's Wine looks for the fonts it ships in the system's font folder,
+    # while fonts-wine puts them in Wine's data folder; without Marlett the
+    # caption buttons that Wine draws show as the letters "0 1 r". Marlett
+    # alone comes in, through a font folder of the prefix's own: Wine's
+    # Tahoma would stand in front of the substitute above, and Japanese text
+    # would show as boxes.
+    if [[ -f $sondara_wine_marlett ]]; then
+        local folder="$WINEPREFIX/sondara-fonts"
+        printf '%s\t%s\t%s\t%s\n' 'HKCU\Software\Wine\Fonts' Path REG_SZ "Z:${folder//\//\\}"
     fi
+}
+
+# The prefix's font folder of the settings above: Marlett and nothing else.
+sondara_wine__font_folder()
+{
+    local folder="$WINEPREFIX/sondara-fonts"
+    [[ -f $sondara_wine_marlett ]] || return 0
+    mkdir -p "$folder"
+    ln -sfn "$sondara_wine_marlett" "$folder/marlett.ttf"
 }
 
 # Creates the prefix when it is missing or was left half made, then writes
@@ -190,6 +210,7 @@ sondara_wine__prepare_prefix()
         touch "$ready"
         rm -f "$applied"
     fi
+    sondara_wine__font_folder
     wanted="$(sondara_wine__settings)"
     if [[ ! -f $applied || "$(<"$applied")" != "$wanted" ]]; then
         while IFS=$'\t' read -r key name type data; do
