@@ -1,9 +1,11 @@
 #pragma once
 
+#include "platform/ControlFont.h"
 #include "platform/MessageQueue.h"
 #include "platform/Paint.h"
 #include "platform/ThreadState.h"
 #include "platform/Window.h"
+#include "platform/WindowHook.h"
 
 #include <condition_variable>
 #include <cstdint>
@@ -11,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -27,6 +30,32 @@ struct platform::DeviceContextObject {
     WindowHandle window = nullptr;
 };
 
+// A window procedure of the stand-in: a function that answers a message.
+struct platform::WindowProcedureObject {
+    std::intptr_t (*call)(WindowHandle window, std::uint32_t id, std::uintptr_t wParam, std::intptr_t lParam);
+};
+
+// A font of the stand-in's controls: the height in pixels, negative for the
+// characters' own height, and the family.
+struct platform::ControlFontObject {
+    std::int32_t height = 0;
+    std::u16string face;
+};
+
+namespace platform::standin {
+
+// What an edit control of the stand-in holds (standin/EditControl.cpp).
+struct EditControl {
+    std::uint32_t style = 0;
+    std::u16string text;
+    std::int32_t selectionStart = 0;
+    std::int32_t selectionEnd = 0;
+    std::int32_t firstVisibleLine = 0;
+    ControlFontHandle font = nullptr;
+};
+
+} // namespace platform::standin
+
 struct platform::WindowObject {
     ThreadId owner = 0;
     DialogProcedure procedure = nullptr;
@@ -40,6 +69,14 @@ struct platform::WindowObject {
     bool acceptsDrops = false;
     bool inputEnabled = true;
     DeviceContextObject deviceContext{this};
+    // A child window lies in its parent's client area; its bounds are in
+    // the parent's client pixels.
+    WindowHandle parent = nullptr;
+    // What answers the window's messages instead of the dialog procedure
+    // and the default dialog processing, when set; and the link of a hook.
+    WindowProcedureHandle windowProcedure = nullptr;
+    const WindowHookLink* hookLink = nullptr;
+    std::optional<standin::EditControl> edit;
 };
 
 namespace platform::standin {
@@ -85,7 +122,9 @@ struct StandIn {
     std::int32_t cursorX = 0;
     std::int32_t cursorY = 0;
     bool shiftDown = false;
+    bool controlDown = false;
     WindowHandle capture = nullptr;
+    WindowHandle focus = nullptr;
 };
 
 StandIn& State();
@@ -103,10 +142,16 @@ void ResetVersions();
 
 // Adds one line to the record of start-up, window and shutdown calls.
 void RecordCall(std::string call);
-// Calls the procedure of window and, when it doesn't handle the message,
-// does what the system's default dialog processing does. The lock must not
-// be held.
+// Calls the window procedure of window. That of a dialog calls its dialog
+// procedure and, when that doesn't handle the message, does what the
+// system's default dialog processing does. The lock must not be held.
 std::intptr_t CallProcedure(WindowHandle window, std::uint32_t id, std::uintptr_t wParam, std::intptr_t lParam);
+// The window procedure of every dialog, which a hook may replace.
+WindowProcedureHandle DialogWindowProcedure();
+// Hides window and takes the keyboard out of it, sends it its two last
+// messages, and its children theirs between them, and forgets them all. The
+// lock must not be held.
+void DestroyWindowTree(WindowHandle window);
 // Queues a message for the thread that owns window, or for the calling
 // thread when window is null. Expects the lock held.
 bool PostLocked(WindowHandle window, std::uint32_t id, std::uintptr_t wParam, std::intptr_t lParam);

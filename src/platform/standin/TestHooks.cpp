@@ -25,7 +25,9 @@ void ResetStandIn()
     state.cursorX = 0;
     state.cursorY = 0;
     state.shiftDown = false;
+    state.controlDown = false;
     state.capture = nullptr;
+    state.focus = nullptr;
     standin::ResetSystemSettings();
     standin::ResetShell();
     standin::ResetFonts();

@@ -108,6 +108,7 @@ namespace platform::testing {
 
 void SetCursorScreenPosition(std::int32_t x, std::int32_t y);
 void SetShiftKeyDown(bool down);
+void SetControlKeyDown(bool down);
 
 } // namespace platform::testing
 
@@ -128,6 +129,28 @@ void SetProductVersion(std::u16string version);
 void SetOpenFileDialogAnswer(std::u16string path);
 // The message boxes of windows shown since the last call, oldest first.
 std::vector<DesktopMessageBoxRecord> TakeMessageBoxes();
+
+} // namespace platform::testing
+
+// The stand-in's edit controls, as they stand.
+namespace platform::testing {
+
+struct EditControlRecord {
+    WindowHandle parent = nullptr;
+    std::uint32_t style = 0;
+    std::u16string text;
+    std::int32_t selectionStart = 0;
+    std::int32_t selectionEnd = 0;
+    std::int32_t firstVisibleLine = 0;
+    // In the parent's client pixels.
+    PixelRect bounds;
+    // The height and family of the font set on it; 0 and empty for none.
+    std::int32_t fontHeight = 0;
+    std::u16string fontFace;
+};
+
+// false when window is no live edit control.
+bool DescribeEditControl(WindowHandle window, EditControlRecord& record);
 
 } // namespace platform::testing
 

@@ -45,6 +45,19 @@ bool IsLiveLocked(WindowHandle window)
     return window == standin::Desktop() || State().windows.count(window) != 0;
 }
 
+// A dialog's client area lies inside its frame and below its caption; a
+// child has no frame, and lies where it is placed in its parent's.
+PixelRect ClientBoundsLocked(WindowHandle window)
+{
+    const PixelRect bounds = window->bounds;
+    if (window->parent == nullptr)
+        return {bounds.left + standin::kFrameSide, bounds.top + standin::kFrameCaption,
+                bounds.right - standin::kFrameSide, bounds.bottom - standin::kFrameSide};
+    const PixelRect parent = ClientBoundsLocked(window->parent);
+    return {parent.left + bounds.left, parent.top + bounds.top, parent.left + bounds.right,
+            parent.top + bounds.bottom};
+}
+
 } // namespace
 
 WindowHandle CreateDialogWindow(InstanceHandle, int templateId, DialogProcedure procedure)
@@ -93,21 +106,7 @@ bool DestroyDialogWindow(WindowHandle window)
     if (!IsLiveWindow(window))
         return false;
     standin::RecordCall("DestroyDialogWindow");
-    standin::CallProcedure(window, kMessageDestroy, 0, 0);
-    standin::CallProcedure(window, kMessageNcDestroy, 0, 0);
-    standin::StandIn& state = State();
-    std::lock_guard lock(state.mutex);
-    if (!IsLiveLocked(window))
-        return true;
-    state.windows.erase(window);
-    if (state.capture == window)
-        state.capture = nullptr;
-    std::erase_if(state.timers, [window](const standin::Timer& timer) { return timer.window == window; });
-    // Messages still queued for the window go with it, so that a later
-    // window at the same address never receives them.
-    for (auto& [thread, queue] : state.queues)
-        std::erase_if(queue.posted, [window](const Message& message) { return message.window == window; });
-    delete window;
+    standin::DestroyWindowTree(window);
     return true;
 }
 
@@ -157,11 +156,7 @@ PixelRect GetWindowBounds(WindowHandle window)
 PixelRect GetClientBounds(WindowHandle window)
 {
     std::lock_guard lock(State().mutex);
-    if (!IsLiveLocked(window))
-        return {};
-    PixelRect bounds = window->bounds;
-    return {bounds.left + standin::kFrameSide, bounds.top + standin::kFrameCaption, bounds.right - standin::kFrameSide,
-            bounds.bottom - standin::kFrameSide};
+    return IsLiveLocked(window) ? ClientBoundsLocked(window) : PixelRect{};
 }
 
 PixelRect GetNearestWorkArea(WindowHandle)

@@ -32,6 +32,11 @@ bool IsShiftKeyDown()
     return (GetAsyncKeyState(VK_SHIFT) & 0x8000) != 0;
 }
 
+bool IsControlKeyDown()
+{
+    return (GetAsyncKeyState(VK_CONTROL) & 0x8000) != 0;
+}
+
 WindowHandle GetCaptureWindow()
 {
     return win32::Handle(GetCapture());
@@ -50,6 +55,16 @@ void ReleaseMouseCapture()
 bool ActivateWindow(WindowHandle window)
 {
     return SetActiveWindow(win32::Hwnd(window)) != nullptr;
+}
+
+WindowHandle GetKeyboardFocus()
+{
+    return win32::Handle(GetFocus());
+}
+
+void SetKeyboardFocus(WindowHandle window)
+{
+    SetFocus(win32::Hwnd(window));
 }
 
 } // namespace platform
