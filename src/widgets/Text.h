@@ -22,6 +22,9 @@ public:
     // Operations
     // For the widgets that own a caption: the fields set directly.
     void SetCaptionText(const WideString& text) { TextValue = text; }
+    const WideString& GetCaptionText() const { return TextValue; }
+    void SetNoWrap(bool noWrap) { NoWrap = noWrap; }
+    bool IsNoWrap() const { return NoWrap; }
     void SetColor(std::uint32_t color) { Color = color; }
     void SetFontSize(double size) { FontSize = size; }
     void SetFontName(const WideString& name) { FontName = name; }

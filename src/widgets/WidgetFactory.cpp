@@ -2,6 +2,7 @@
 
 #include "widgets/Brush.h"
 #include "widgets/Button.h"
+#include "widgets/EditableText.h"
 #include "widgets/Text.h"
 
 #include <new>
@@ -16,6 +17,10 @@ bool WidgetFactory(const WideString& sectionName, Viewer* viewer, std::unique_pt
     }
     if (sectionName == u"Button") {
         widget.reset(new (std::nothrow) Button(viewer));
+        return true;
+    }
+    if (sectionName == u"EditableText") {
+        widget.reset(new (std::nothrow) EditableText(viewer));
         return true;
     }
     if (sectionName == u"Text") {

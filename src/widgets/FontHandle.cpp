@@ -1,0 +1,7 @@
+#include "widgets/FontHandle.h"
+
+FontHandle::~FontHandle()
+{
+    if (Font != nullptr)
+        platform::DeleteControlFont(Font);
+}
