@@ -10,6 +10,9 @@ packages=(
     g++-mingw-w64-x86-64 g++-mingw-w64-i686 mingw-w64-tools
     wine wine64 xvfb xdotool imagemagick fonts-noto-cjk fonts-wine
     googletest clang libclang-rt-14-dev
+    # The end-to-end tests of the window: the X clipboard, their driver, and
+    # the Japanese locale they make for the program.
+    xclip python3 locales
 )
 
 is_installed()

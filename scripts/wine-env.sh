@@ -14,6 +14,14 @@
 #                        so that a plain `ctest --preset windows` works too
 #                        (its Xvfb ends by itself once unused; it has no
 #                        keeper, so a test's first window costs a little more).
+#   sondara_wine_japanese_locale
+#                        For running the program as a Japanese user: makes
+#                        sure a ja_JP.UTF-8 locale exists and exports
+#                        SONDARA_JAPANESE_LOCPATH, the LOCPATH that finds it
+#                        (empty when the system has one). Wine takes the code
+#                        page of LC_ALL=ja_JP.UTF-8 even without the locale,
+#                        but then maps no Japanese file name: a path with
+#                        Japanese in it reads as missing.
 #   sondara_wine_refuse_i686 FILE
 #                        Fails for a 32-bit x86 executable: 64-bit Wine runs
 #                        one as a silent success.
@@ -345,6 +353,28 @@ sondara_wine__attach_locked()
     elif [[ ! -f $WINEPREFIX/.sondara-ready ]]; then
         sondara_wine__prepare_prefix || return 1
     fi
+}
+
+sondara_wine_japanese_locale()
+{
+    sondara_wine__defaults
+    local folder="$SONDARA_WINE_HOME/locale"
+    SONDARA_JAPANESE_LOCPATH=""
+    if locale -a 2>/dev/null | grep -qix 'ja_JP\.utf-\?8'; then
+        export SONDARA_JAPANESE_LOCPATH
+        return 0
+    fi
+    if [[ ! -f $folder/ja_JP.UTF-8/LC_CTYPE ]]; then
+        mkdir -p "$folder"
+        # localedef warns about the definition's small faults and still
+        # writes the locale; only a missing result counts.
+        localedef -i ja_JP -f UTF-8 "$folder/ja_JP.UTF-8" >"$SONDARA_WINE_HOME/localedef.log" 2>&1 || true
+        if [[ ! -f $folder/ja_JP.UTF-8/LC_CTYPE ]]; then
+            sondara_wine__fail "could not make a ja_JP.UTF-8 locale (see $SONDARA_WINE_HOME/localedef.log)"
+            return 1
+        fi
+    fi
+    export SONDARA_JAPANESE_LOCPATH="$folder"
 }
 
 sondara_wine_refuse_i686()

@@ -1,0 +1,79 @@
+// window-probe X Y: where the top-level window at screen point X, Y has its
+// client area, for the end-to-end tests that drive Sondara.exe with real X
+// input and must know where its widgets are, and what the controls of a
+// native window such as a message box say. It only looks: it sends and
+// posts nothing. Prints, one item a line:
+//
+//   client LEFT TOP WIDTH HEIGHT   (screen pixels)
+//   dpi N                           (the screen's horizontal DPI)
+//   class NAME
+//   title TEXT                      (UTF-8)
+//   child CLASS TEXT                (each child window, in Z order)
+//
+// Exit status 0, or 1 when no window is at that point, 2 for bad usage.
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+std::string Utf8(const wchar_t* text)
+{
+    const int length = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    if (length <= 1)
+        return {};
+    std::string bytes(static_cast<std::size_t>(length), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text, -1, bytes.data(), length, nullptr, nullptr);
+    bytes.resize(static_cast<std::size_t>(length - 1));
+    return bytes;
+}
+
+BOOL CALLBACK PrintChild(HWND child, LPARAM)
+{
+    wchar_t className[256] = {};
+    GetClassNameW(child, className, 256);
+    wchar_t text[1024] = {};
+    GetWindowTextW(child, text, 1024);
+    std::printf("child %s %s\n", Utf8(className).c_str(), Utf8(text).c_str());
+    return TRUE;
+}
+
+} // namespace
+
+int wmain(int argc, wchar_t** argv)
+{
+    if (argc != 3) {
+        std::fputs("usage: window-probe X Y\n", stderr);
+        return 2;
+    }
+    const POINT point{std::wcstol(argv[1], nullptr, 10), std::wcstol(argv[2], nullptr, 10)};
+    HWND window = WindowFromPoint(point);
+    if (window != nullptr)
+        window = GetAncestor(window, GA_ROOT);
+    if (window == nullptr) {
+        std::fprintf(stderr, "window-probe: no window at %ld, %ld\n", point.x, point.y);
+        return 1;
+    }
+
+    RECT client{};
+    GetClientRect(window, &client);
+    POINT origin{0, 0};
+    ClientToScreen(window, &origin);
+    HDC screen = GetDC(nullptr);
+    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
+    ReleaseDC(nullptr, screen);
+    wchar_t className[256] = {};
+    GetClassNameW(window, className, 256);
+    wchar_t title[512] = {};
+    GetWindowTextW(window, title, 512);
+
+    std::printf("client %ld %ld %ld %ld\n", origin.x, origin.y, client.right - client.left,
+                client.bottom - client.top);
+    std::printf("dpi %d\n", dpi);
+    std::printf("class %s\n", Utf8(className).c_str());
+    std::printf("title %s\n", Utf8(title).c_str());
+    EnumChildWindows(window, PrintChild, 0);
+    return 0;
+}
