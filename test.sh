@@ -106,13 +106,28 @@ wine_tests()
     return "$status"
 }
 
+# The end-to-end scenarios of the real Sondara.exe, driven with X input in a
+# Wine session of their own; their summary line joins the ctest summaries.
+e2e_tests()
+{
+    local log=build/e2e/e2e.log status=0 summary
+    mkdir -p build/e2e
+    tests/e2e/run.sh 2>&1 | tee "$log" || status=$?
+    summary="$(grep -E '^[0-9]+ scenarios: ' "$log" | tail -n 1 || true)"
+    summaries+=("windows end to end: ${summary:-no summary}")
+    return "$status"
+}
+
 step "install packages" scripts/install-deps.sh || exit 1
 
 for preset in native native-asan native-tsan windows windows32 fuzz; do
     step "$preset configure" cmake --preset "$preset" || continue
     step "$preset build" cmake --build --preset "$preset" -j "$jobs" || continue
     case "$preset" in
-        windows) step "$preset test (Wine)" wine_tests || true ;;
+        windows)
+            step "$preset test (Wine)" wine_tests || true
+            step "$preset end to end (Wine)" e2e_tests || true
+            ;;
         windows32) ;;
         fuzz) step "fuzz smoke runs" scripts/fuzz-smoke.sh 30 || true ;;
         *) step "$preset test" run_ctest "$preset" || true ;;
