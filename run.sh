@@ -5,9 +5,10 @@
 #
 # With a display of the user's (DISPLAY set and answering), the window stays
 # until the user closes it. Without one, the window opens on a virtual
-# display, is photographed into build/run/sondara-window.png (the path is
-# printed), and is closed by its close box, which has to end the program
-# with exit code 2.
+# display and is driven as a user would: the path of the first file checked
+# is typed in, the check started, and the window with its report is
+# photographed into build/run/sondara-window.png (the path is printed); then
+# its close box has to end the program with exit code 2.
 #
 # Exit status: 0 when both steps ran as they should; a report with findings
 # is a result, not a failure of the run.
@@ -51,15 +52,8 @@ check_status=0
 echo
 echo "== Sondara.exe under Wine"
 cmake --preset windows </dev/null >/dev/null
-cmake --build --preset windows --target Sondara -j "$jobs" </dev/null
+cmake --build --preset windows --target Sondara window-probe -j "$jobs" </dev/null
 program="$PWD/build/windows/Sondara.exe"
-
-# True while process $1 runs; a child that has ended but was not yet waited
-# for does not count.
-running()
-{
-    [[ -r /proc/$1/status ]] && ! grep -q '^State:[[:space:]]*Z' "/proc/$1/status" 2>/dev/null
-}
 
 # shellcheck source=scripts/wine-env.sh
 source scripts/wine-env.sh
@@ -84,58 +78,18 @@ fi
 mkdir -p build/run
 screenshot=build/run/sondara-window.png
 rm -f "$screenshot"
-# The layout is written in the Japanese code page, which a Japanese locale
-# gives the program.
-LC_ALL=ja_JP.UTF-8 wine "$program" </dev/null >build/run/sondara.log 2>&1 &
-pid=$!
-
-# The window appears within a second or so once the server is warm.
-window=""
-for ((tries = 0; tries < 300; ++tries)); do
-    window="$(xdotool search --onlyvisible --name '^Sondara$' 2>/dev/null | head -n 1 || true)"
-    [[ -n $window ]] && break
-    running "$pid" || break
-    sleep 0.1
-done
-if [[ -z $window ]]; then
-    echo "run.sh: the Sondara window did not appear (see build/run/sondara.log)" >&2
-    kill "$pid" 2>/dev/null || true
+sondara_wine_japanese_locale </dev/null
+# The window at work, driven with real X input by the end-to-end tests'
+# helpers: the first file checked above typed into the path field, the start
+# button pressed, the report waited for, the window photographed, and then
+# the close box, which has to end the program with exit code 2.
+show_status=0
+python3 -B tests/e2e/show.py --build build/windows --out build/run --screenshot "$screenshot" \
+    "$(realpath -m -- "${files[0]}")" </dev/null || show_status=$?
+if ((show_status != 0)) || [[ ! -f $screenshot ]]; then
+    echo "run.sh: the window did not show the check as it should (see build/run/program.log)" >&2
     exit 1
 fi
-
-# Give it a moment to paint, then photograph just this window.
-sleep 1
-eval "$(xdotool getwindowgeometry --shell "$window")"
-import -window "$window" "$screenshot"
-echo "run.sh: Sondara window ${WIDTH}x${HEIGHT} at ${X},${Y}; screenshot: $screenshot"
-
-# Close it as a user would: a click on the close box at the right end of the
-# caption that Wine draws. Esc is the second way; killing is the last.
-xdotool mousemove --window "$window" $((WIDTH - 10)) 10 click 1
-ended()
-{
-    local tries
-    for ((tries = 0; tries < 50; ++tries)); do
-        running "$pid" || return 0
-        sleep 0.1
-    done
-    return 1
-}
-how="close box"
-if ! ended; then
-    how="Esc"
-    xdotool windowfocus --sync "$window" 2>/dev/null || true
-    xdotool key --window "$window" Escape
-fi
-if ! ended; then
-    how="killed"
-    xdotool windowkill "$window" 2>/dev/null || kill "$pid" 2>/dev/null || true
-fi
-window_status=0
-wait "$pid" || window_status=$?
-echo "run.sh: Sondara closed by $how, exit code $window_status (2 is a normal close)"
-if ((window_status != 2)); then
-    exit 1
-fi
+echo "run.sh: screenshot of the window with its report: $screenshot"
 # The checker says 1 when a report has a finding and 2 when it was misused.
 ((check_status <= 1))
