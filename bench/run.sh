@@ -12,9 +12,8 @@ cd "$(dirname "$0")/.."
 
 out="${1:-bench/out}"
 mkdir -p "$out"
-if [ ! -x /usr/bin/time ]; then
-  DEBIAN_FRONTEND=noninteractive apt-get install -y -qq time >/dev/null
-fi
+# /usr/bin/time and everything the build needs.
+scripts/install-deps.sh </dev/null
 if [ ! -x build/native/sondara-check ]; then
   cmake --preset native >/dev/null
   cmake --build --preset native --target sondara-check >/dev/null
