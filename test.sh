@@ -100,7 +100,7 @@ wine_tests()
     run_ctest windows || status=$?
     check_wine_discovery || status=1
     # Both builds must give the same bytes for the same files.
-    tests/compare-builds.sh build/native build/windows || status=1
+    scripts/compare-builds.sh build/native build/windows || status=1
     sondara_wine_end
     trap - EXIT
     return "$status"
@@ -119,6 +119,7 @@ e2e_tests()
 }
 
 step "install packages" scripts/install-deps.sh || exit 1
+step "compare-builds self-test" scripts/compare-builds.sh --self-test || true
 
 for preset in native native-asan native-tsan windows windows32 fuzz; do
     step "$preset configure" cmake --preset "$preset" || continue

@@ -1,0 +1,173 @@
+#!/usr/bin/env bash
+# Checks the same files with the native sondara-check and with the Windows
+# one under Wine, and fails unless both print the very same JSON. The files
+# are the samples, the fuzzing corpora in the tree, and every file that the
+# native build's tests write.
+#
+# Each run of either build must also stand on its own: exit 0 when no report
+# has a finding, 1 when one has (anything else, a crash included, is a
+# failure, and so is 2, which would mean this script misused the checker),
+# and print one JSON entry for each file it was given. Otherwise two builds
+# that both crashed, or both dropped a file, would agree.
+#
+# Usage: scripts/compare-builds.sh NATIVE-BUILD-DIR WINDOWS-BUILD-DIR
+#        scripts/compare-builds.sh --self-test
+#   (the self-test runs the comparison on stand-ins for the two checkers, and
+#   fails unless a crash, a lost entry or a different report is caught)
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+# check_run LABEL STATUS OUTPUT FILE...: fails, saying why, unless one run
+# that checked FILE... into OUTPUT ended well.
+check_run()
+{
+    local label="$1" status="$2" output="$3" entries findings
+    shift 3
+    entries="$( { grep -o '{"path": ' "$output" || true; } | wc -l)"
+    findings="$( { grep -o '"hasError": true' "$output" || true; } | wc -l)"
+    if ((status != 0 && status != 1)); then
+        echo "compare-builds: the $label build exited with $status on $# files (from $1 on)" >&2
+        return 1
+    fi
+    if ((entries != $#)); then
+        echo "compare-builds: the $label build printed $entries entries for $# files (from $1 on)" >&2
+        return 1
+    fi
+    if (((status == 1) != (findings > 0))); then
+        echo "compare-builds: the $label build exited with $status beside $findings reports with findings (from $1 on)" >&2
+        return 1
+    fi
+}
+
+# compare WORK FILE...: runs both checkers (the commands in native_run and
+# windows_run) on the files, 100 at a time, and fails unless every run ended
+# well and both wrote the same bytes.
+compare()
+{
+    local work="$1" i status batch_status=0
+    shift
+    local files=("$@") batch
+    : >"$work/native.json"
+    : >"$work/windows.json"
+    for ((i = 0; i < ${#files[@]}; i += 100)); do
+        batch=("${files[@]:i:100}")
+        status=0
+        "${native_run[@]}" --json -- "${batch[@]}" >"$work/batch.json" || status=$?
+        check_run native "$status" "$work/batch.json" "${batch[@]}" || batch_status=1
+        cat "$work/batch.json" >>"$work/native.json"
+        status=0
+        "${windows_run[@]}" --json -- "${batch[@]}" >"$work/batch.json" || status=$?
+        check_run Windows "$status" "$work/batch.json" "${batch[@]}" || batch_status=1
+        cat "$work/batch.json" >>"$work/windows.json"
+    done
+    rm -f "$work/batch.json"
+    if ((batch_status != 0)); then
+        return 1
+    fi
+    if ! cmp -s "$work/native.json" "$work/windows.json"; then
+        echo "compare-builds: the Windows build's reports differ from the native ones:" >&2
+        diff "$work/native.json" "$work/windows.json" | head -40 >&2
+        return 1
+    fi
+}
+
+self_test()
+{
+    local native windows expected status failed=0 kind i files=()
+    self_test_work="$(mktemp -d)"
+    trap 'rm -rf "$self_test_work"' EXIT
+    local work="$self_test_work"
+    # A stand-in for sondara-check --json: every file is sound but those
+    # named bad, and each name of the stand-in is one way of going wrong.
+    cat >"$work/checker" <<'EOF'
+#!/usr/bin/env bash
+kind="${0##*/}"
+[[ $1 == --json ]] && shift
+[[ $1 == -- ]] && shift
+[[ $kind == usage ]] && exit 2
+[[ $kind == drop ]] && set -- "${@:1:$#-1}"
+finding=false separator=""
+printf '['
+for ((i = 1; i <= $#; ++i)); do
+    error=false
+    [[ ${!i} == *bad* ]] && error=true && finding=true
+    report=ok
+    [[ $kind == differ && $i == 1 ]] && report="not ok"
+    printf '%s\n  {"path": "%s", "report": "%s", "hasError": %s}' "$separator" "${!i}" "$report" "$error"
+    separator=,
+done
+printf '\n]\n'
+[[ $kind == crash ]] && kill -SEGV $$
+[[ $kind == lose-status ]] && exit 0
+[[ $finding == true ]] && exit 1
+exit 0
+EOF
+    chmod +x "$work/checker"
+    for kind in good crash drop differ usage lose-status; do
+        ln -s checker "$work/$kind"
+    done
+    # More than one batch, and a finding in the last.
+    for ((i = 0; i < 100; ++i)); do
+        files+=("files/$i.wav")
+    done
+    files+=(files/bad.wav)
+    while read -r native windows expected; do
+        native_run=("$work/$native")
+        windows_run=("$work/$windows")
+        status=0
+        compare "$work" "${files[@]}" 2>"$work/messages" || status=$?
+        if [[ $expected == pass && $status == 0 ]]; then
+            echo "compare-builds self-test: $native against $windows passes"
+        elif [[ $expected == fail && $status != 0 ]]; then
+            echo "compare-builds self-test: $native against $windows fails: $(grep -m 1 '^compare-builds:' "$work/messages")"
+        else
+            echo "compare-builds self-test: $native against $windows should $expected but did not (exit $status)" >&2
+            cat "$work/messages" >&2
+            failed=1
+        fi
+    done <<'EOF'
+good good pass
+good crash fail
+crash crash fail
+drop good fail
+drop drop fail
+good differ fail
+usage usage fail
+lose-status lose-status fail
+EOF
+    return "$failed"
+}
+
+if [[ ${1:-} == --self-test ]]; then
+    self_test
+    exit
+fi
+
+if (($# != 2)); then
+    echo "usage: scripts/compare-builds.sh NATIVE-BUILD-DIR WINDOWS-BUILD-DIR | --self-test" >&2
+    exit 2
+fi
+native_run=("$1/sondara-check")
+windows_run=(cmake/wine-run.sh "$2/sondara-check.exe")
+work=build/compare
+rm -rf "$work"
+mkdir -p "$work/files"
+
+# The files that the native tests write, for every test executable that
+# writes some (all but the test of gigabytes).
+collected=0
+for tests in tests/wave/wave_tests tests/app/app_tests tests/check/check_tests; do
+    if [[ -x $1/$tests ]]; then
+        SONDARA_COLLECT_TEST_FILES="$PWD/$work/files" "$1/$tests" --gtest_filter=-*Gigabytes* >/dev/null
+        collected=$((collected + 1))
+    fi
+done
+if ((collected == 0)); then
+    echo "compare-builds: no test executable in $1 to write test files" >&2
+    exit 1
+fi
+
+# Relative paths, so that both builds print the same path strings.
+mapfile -t files < <( (ls samples/*.wav fuzz/seeds/wave/* fuzz/regressions/wave/*; ls -d "$work"/files/*) | sort)
+compare "$work" "${files[@]}"
+echo "compare-builds: ${#files[@]} files, the same JSON from both builds ($(wc -c <"$work/native.json") bytes)"
