@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
 #include <vector>
 
 namespace {
@@ -42,7 +41,7 @@ protected:
 
 TEST_F(DialogWindowBinding, BindsAtTheFirstMessageAndDispatchesEveryLaterOne)
 {
-    RecordingDialog dialog;
+    RecordingDialog dialog, second;
     platform::WindowHandle window = dialog.Create(nullptr, 129);
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(dialog.GetWindow(), window);
@@ -50,27 +49,18 @@ TEST_F(DialogWindowBinding, BindsAtTheFirstMessageAndDispatchesEveryLaterOne)
     EXPECT_EQ(dialog.boundAtMessage, (std::vector<bool>{true, true}));
     EXPECT_EQ(PendingWindowList::Process().Take(platform::CurrentThreadId()), nullptr);
 
+    // A second dialog gets its own messages.
+    platform::WindowHandle secondWindow = second.Create(nullptr, 129);
+    ASSERT_NE(secondWindow, nullptr);
+    platform::SendToWindow(secondWindow, platform::kMessageUser + 2, 0, 0);
     platform::SendToWindow(window, platform::kMessageUser, 0, 0);
     EXPECT_EQ(dialog.messages.back(), platform::kMessageUser);
+    EXPECT_EQ(second.messages.back(), platform::kMessageUser + 2);
 
     ASSERT_TRUE(platform::DestroyDialogWindow(window));
     EXPECT_EQ(dialog.messages.back(), platform::kMessageNcDestroy);
     EXPECT_EQ(dialog.GetWindow(), nullptr);
     EXPECT_EQ(dialog.finalWindow, window);
-}
-
-TEST_F(DialogWindowBinding, TwoDialogsEachGetTheirOwnMessages)
-{
-    RecordingDialog first, second;
-    platform::WindowHandle firstWindow = first.Create(nullptr, 129);
-    platform::WindowHandle secondWindow = second.Create(nullptr, 129);
-    ASSERT_NE(firstWindow, nullptr);
-    ASSERT_NE(secondWindow, nullptr);
-    EXPECT_NE(firstWindow, secondWindow);
-    platform::SendToWindow(secondWindow, platform::kMessageUser + 2, 0, 0);
-    platform::SendToWindow(firstWindow, platform::kMessageUser + 1, 0, 0);
-    EXPECT_EQ(first.messages.back(), platform::kMessageUser + 1);
-    EXPECT_EQ(second.messages.back(), platform::kMessageUser + 2);
 }
 
 TEST_F(DialogWindowBinding, FailedCreationLeavesNothingPending)

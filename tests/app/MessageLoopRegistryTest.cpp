@@ -6,47 +6,32 @@
 
 #include <thread>
 
-TEST(MessageLoopRegistry, FindsTheLoopOfAThreadFromAnotherThread)
-{
-    MessageLoopRegistry registry;
-    MessageLoop loop;
-    platform::ThreadId mainThread = platform::CurrentThreadId();
-    ASSERT_TRUE(registry.Add(mainThread, &loop));
-
-    MessageLoop* foundFromWorker = nullptr;
-    MessageLoop* ownOfWorker = &loop;
-    bool workerRemoved = true;
-    std::thread worker([&] {
-        foundFromWorker = registry.Find(mainThread);
-        ownOfWorker = registry.Find(platform::CurrentThreadId());
-        // Remove takes out the caller's entry only, and the worker has none.
-        workerRemoved = registry.Remove();
-    });
-    worker.join();
-
-    EXPECT_EQ(foundFromWorker, &loop);
-    EXPECT_EQ(ownOfWorker, nullptr);
-    EXPECT_FALSE(workerRemoved);
-    EXPECT_EQ(registry.Find(mainThread), &loop);
-}
-
-TEST(MessageLoopRegistry, EachThreadHasItsOwnEntry)
+TEST(MessageLoopRegistry, OneEntryPerThreadFoundFromAnyThread)
 {
     MessageLoopRegistry registry;
     MessageLoop mainLoop, workerLoop;
-    platform::ThreadId mainThread = platform::CurrentThreadId();
-    platform::ThreadId workerThread = 0;
+    const platform::ThreadId mainThread = platform::CurrentThreadId();
     ASSERT_TRUE(registry.Add(mainThread, &mainLoop));
     EXPECT_FALSE(registry.Add(mainThread, &workerLoop));
 
+    platform::ThreadId workerThread = mainThread;
+    MessageLoop* foundFromWorker = nullptr;
+    MessageLoop* ownBeforeAdding = &mainLoop;
+    bool removedBeforeAdding = true;
     std::thread worker([&] {
         workerThread = platform::CurrentThreadId();
+        foundFromWorker = registry.Find(mainThread);
+        ownBeforeAdding = registry.Find(workerThread);
+        // Remove takes out the caller's entry only, and the worker has none.
+        removedBeforeAdding = registry.Remove();
         registry.Add(workerThread, &workerLoop);
     });
     worker.join();
     EXPECT_NE(workerThread, mainThread);
+    EXPECT_EQ(foundFromWorker, &mainLoop);
+    EXPECT_EQ(ownBeforeAdding, nullptr);
+    EXPECT_FALSE(removedBeforeAdding);
     EXPECT_EQ(registry.Find(workerThread), &workerLoop);
-    EXPECT_EQ(registry.Find(mainThread), &mainLoop);
 
     EXPECT_TRUE(registry.Remove());
     EXPECT_FALSE(registry.Remove());

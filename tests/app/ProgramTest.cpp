@@ -53,24 +53,12 @@ void PostCancel(platform::WindowHandle window)
 
 } // namespace
 
-TEST_F(ProgramTest, CancelCommandClosesWithExitCodeTwo)
-{
-    EXPECT_EQ(RunAndThen(PostCancel), 2);
-    EXPECT_TRUE(platform::testing::LiveWindows().empty());
-}
-
 TEST_F(ProgramTest, StartsAndStopsInOrder)
 {
     RunAndThen(PostCancel);
     std::vector<std::string> expected = {
-        "InitializeCom",
-        "InitializeCommonControls 4",
-        "StartGdiplus",
-        "CreateDialogWindow 129",
-        "ShowWindowAs 1",
-        "DestroyDialogWindow",
-        "StopGdiplus 1",
-        "UninitializeCom",
+        "InitializeCom", "InitializeCommonControls 4", "StartGdiplus", "CreateDialogWindow 129",
+        "ShowWindowAs 1", "DestroyDialogWindow", "StopGdiplus 1", "UninitializeCom",
     };
     EXPECT_EQ(platform::testing::TakeCallLog(), expected);
     EXPECT_EQ(platform::testing::OpenComInitializations(), 0);
@@ -78,31 +66,42 @@ TEST_F(ProgramTest, StartsAndStopsInOrder)
     EXPECT_EQ(MessageLoopRegistry::Process(), nullptr);
 }
 
+TEST_F(ProgramTest, NoWindowGivesExitCodeZeroAndStillStopsEverything)
+{
+    platform::testing::FailNextDialogCreation();
+    EXPECT_EQ(ProgramMain(nullptr, nullptr, u"", platform::kShowNormal), 0);
+    std::vector<std::string> expected = {
+        "InitializeCom", "InitializeCommonControls 4", "StartGdiplus", "CreateDialogWindow 129",
+        "StopGdiplus 1", "UninitializeCom",
+    };
+    EXPECT_EQ(platform::testing::TakeCallLog(), expected);
+    EXPECT_EQ(platform::testing::OpenGdiplusSessions(), 0);
+}
+
 TEST_F(ProgramTest, WindowIsShownCentredWithItsTimerAndDropsAccepted)
 {
     platform::testing::SetWorkArea({0, 0, 1280, 1000});
     RunAndThen(PostCancel);
     ASSERT_TRUE(shownWhileRunning);
-    EXPECT_EQ(whileRunning.templateId, 129);
     EXPECT_TRUE(whileRunning.shown);
     EXPECT_EQ(whileRunning.lastShowCommand, platform::kShowNormal);
-    EXPECT_EQ(whileRunning.lastPositionFlags, 0x15u);
     platform::PixelRect bounds = whileRunning.bounds;
     EXPECT_EQ(bounds.left, 640 - bounds.Width() / 2);
     EXPECT_EQ(bounds.top, 500 - bounds.Height() / 2);
-    using Timer = std::pair<std::uintptr_t, std::uint32_t>;
-    EXPECT_EQ(whileRunning.timers, (std::vector<Timer>{{0, 250}}));
+    // The timer keeps idle passes coming while nothing else happens.
+    EXPECT_EQ(whileRunning.timers.size(), 1u);
     EXPECT_TRUE(whileRunning.acceptsDrops);
     EXPECT_NE(loopWhileRunning, nullptr);
 }
 
-TEST_F(ProgramTest, CloseBoxEscAndTheWindowMenuAllLeadToExitCodeTwo)
+TEST_F(ProgramTest, EveryWayOutEndsWithExitCodeTwo)
 {
     struct Way {
         const char* name;
         std::function<void(platform::WindowHandle)> act;
     };
     const Way ways[] = {
+        {"cancel command", PostCancel},
         {"close box", [](platform::WindowHandle w) { platform::PostToWindow(w, platform::kMessageClose, 0, 0); }},
         {"Esc", [](platform::WindowHandle w) {
              platform::PostToWindow(w, platform::kMessageKeyDown, platform::kKeyEscape, 0);
@@ -114,7 +113,9 @@ TEST_F(ProgramTest, CloseBoxEscAndTheWindowMenuAllLeadToExitCodeTwo)
     for (const Way& way : ways) {
         SCOPED_TRACE(way.name);
         platform::testing::ResetStandIn();
-        EXPECT_EQ(RunAndThen(way.act), 2);
+        // The command line is never read.
+        EXPECT_EQ(RunAndThen(way.act, u"C:\\sounds\\a.wav /x"), 2);
+        EXPECT_TRUE(platform::testing::LiveWindows().empty());
     }
 }
 
@@ -133,37 +134,6 @@ TEST_F(ProgramTest, OtherCommandsAndMessagesDoNotClose)
     EXPECT_EQ(exitCode, 99);
 }
 
-TEST_F(ProgramTest, CommandLineHasNoEffect)
-{
-    EXPECT_EQ(RunAndThen(PostCancel, u"C:\\sounds\\a.wav /x"), 2);
-}
-
-TEST_F(ProgramTest, NoWindowGivesExitCodeZeroAndStillStopsEverything)
-{
-    platform::testing::FailNextDialogCreation();
-    EXPECT_EQ(ProgramMain(nullptr, nullptr, u"", platform::kShowNormal), 0);
-    std::vector<std::string> expected = {
-        "InitializeCom", "InitializeCommonControls 4", "StartGdiplus", "CreateDialogWindow 129",
-        "StopGdiplus 1", "UninitializeCom",
-    };
-    EXPECT_EQ(platform::testing::TakeCallLog(), expected);
-    EXPECT_EQ(platform::testing::OpenGdiplusSessions(), 0);
-}
-
-TEST_F(ProgramTest, TimerKeepsIdlePassesComingWhileTheWindowIsUp)
-{
-    int waits = 0;
-    platform::WindowHandle window = nullptr;
-    platform::testing::SetQueueWaitHook([&] {
-        if (++waits == 1)
-            window = platform::testing::FindWindowByCaption(u"Sondara");
-        if (waits == 9)
-            PostCancel(window);
-    });
-    EXPECT_EQ(ProgramMain(nullptr, nullptr, u"", platform::kShowNormal), 2);
-    EXPECT_EQ(platform::testing::CurrentTime(), 8u * 250u);
-}
-
 TEST(MainDialog, LeavesTheLoopWhenItsWindowGoes)
 {
     platform::testing::ResetStandIn();
@@ -175,6 +145,8 @@ TEST(MainDialog, LeavesTheLoopWhenItsWindowGoes)
         MainDialog dialog;
         platform::WindowHandle window = dialog.Create(nullptr, MainDialog::kTemplateId);
         ASSERT_NE(window, nullptr);
+        // The backing bitmap covers the whole window: erasing would flicker.
+        EXPECT_EQ(platform::SendToWindow(window, platform::kMessageEraseBackground, 0, 0), 1);
         platform::Message message;
         message.window = window;
         message.id = platform::kMessageUser;
@@ -190,21 +162,5 @@ TEST(MainDialog, LeavesTheLoopWhenItsWindowGoes)
     EXPECT_EQ(quit.wParam, 2u);
     registry.Remove();
     MessageLoopRegistry::SetProcess(nullptr);
-    platform::testing::ResetStandIn();
-}
-
-TEST(MainDialog, AnswersEraseBackgroundAsHandled)
-{
-    platform::testing::ResetStandIn();
-    MainDialog dialog;
-    platform::WindowHandle window = dialog.Create(nullptr, MainDialog::kTemplateId);
-    ASSERT_NE(window, nullptr);
-    EXPECT_EQ(platform::SendToWindow(window, platform::kMessageEraseBackground, 0, 0), 1);
-    std::intptr_t result = -1;
-    EXPECT_TRUE(dialog.ProcessWindowMessage(window, platform::kMessageInitDialog, 0, 0, result));
-    EXPECT_EQ(result, 1);
-    EXPECT_FALSE(dialog.ProcessWindowMessage(window, platform::kMessageTimer, 0, 0, result));
-    EXPECT_FALSE(dialog.ProcessWindowMessage(window, platform::kMessageCommand, 1, 0, result));
-    platform::DestroyDialogWindow(window);
     platform::testing::ResetStandIn();
 }

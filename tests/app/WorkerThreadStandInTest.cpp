@@ -1,6 +1,6 @@
-// The worker on the posix stand-in, where tests can count sleeps, make a
-// resume fail, and see the box's type and the faults that only this
-// platform raises on demand.
+// The worker on the posix stand-in, where tests can make a resume fail and
+// see the box's type and the faults that only this platform raises on
+// demand.
 #include "app/ExceptionTranslator.h"
 #include "app/WorkerThread.h"
 #include "platform/FaultTranslation.h"
@@ -12,7 +12,6 @@
 #include <gtest/gtest.h>
 
 #include <cfenv>
-#include <cstdint>
 
 using namespace worker_test;
 
@@ -45,26 +44,13 @@ public:
 
 } // namespace
 
-TEST(WorkerThreadStandIn, StopAndDestroyAfterTheEndDoesNotSleep)
-{
-    Recorder target;
-    WorkerThread* worker = new WorkerThread(&target, &Recorder::Run);
-    ASSERT_TRUE(WaitUntilEnded(*worker));
-    const std::uint64_t sleeps = platform::testing::SleepCount();
-    worker->StopAndDestroy();
-    EXPECT_EQ(platform::testing::SleepCount(), sleeps);
-    EXPECT_EQ(target.runs, 1);
-}
-
 TEST(WorkerThreadStandIn, FailedResumeLeavesItNotRunningAtOnce)
 {
     Recorder target;
     platform::testing::FailNextThreadResume();
     WorkerThread* worker = new WorkerThread(&target, &Recorder::Run);
     EXPECT_FALSE(worker->IsRunning());
-    const std::uint64_t sleeps = platform::testing::SleepCount();
     worker->StopAndDestroy();
-    EXPECT_EQ(platform::testing::SleepCount(), sleeps);
     EXPECT_EQ(target.runs, 0);
 }
 
@@ -96,18 +82,4 @@ TEST(WorkerThreadStandIn, FaultOutsideTheTableGoesToTheCatchAll)
     ASSERT_TRUE(GetLastStructuredException(fault));
     EXPECT_EQ(fault.code, platform::kFaultFloatUnderflow);
     EXPECT_EQ(box.text, FailureText(kCancelled, kTargetLastError, ExceptionDataLine(fault)));
-}
-
-TEST(WorkerThreadStandInDeathTest, FaultWithoutTranslatorTakesTheSystemsWay)
-{
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(
-        {
-            // The handler is in place, but this thread has no translator.
-            platform::SetThreadFaultTranslator(TranslateStructuredException);
-            platform::SetThreadFaultTranslator(nullptr);
-            volatile int* volatile pointer = nullptr;
-            *pointer = 1;
-        },
-        "");
 }

@@ -59,12 +59,6 @@ void FailNextDialogCreation()
     ++State().failingDialogCreations;
 }
 
-std::uint64_t CurrentTime()
-{
-    std::lock_guard lock(State().mutex);
-    return State().now;
-}
-
 void SetWorkArea(PixelRect area)
 {
     std::lock_guard lock(State().mutex);
@@ -92,12 +86,9 @@ bool DescribeWindow(WindowHandle window, WindowRecord& record)
     std::lock_guard lock(state.mutex);
     if (state.windows.count(window) == 0)
         return false;
-    record.templateId = window->templateId;
-    record.caption = window->caption;
     record.bounds = window->bounds;
     record.shown = window->shown;
     record.lastShowCommand = window->lastShowCommand;
-    record.lastPositionFlags = window->lastPositionFlags;
     record.acceptsDrops = window->acceptsDrops;
     record.timers.clear();
     for (const standin::Timer& timer : state.timers)

@@ -30,18 +30,13 @@ void FailNextWaits(int count);
 // The next dialog creation fails before any message reaches the procedure.
 void FailNextDialogCreation();
 
-// The stand-in's clock in milliseconds; it starts at 0.
-std::uint64_t CurrentTime();
 void SetWorkArea(PixelRect area);
 
 // What a window of the stand-in looks like from outside.
 struct WindowRecord {
-    int templateId = 0;
-    std::u16string caption;
     PixelRect bounds;
     bool shown = false;
     int lastShowCommand = -1;
-    std::uint32_t lastPositionFlags = 0;
     bool acceptsDrops = false;
     // Timer id and period in milliseconds, in the order they were set.
     std::vector<std::pair<std::uintptr_t, std::uint32_t>> timers;
@@ -69,8 +64,6 @@ namespace platform::testing {
 
 // The next ResumeSuspendedThread fails and the thread stays suspended.
 void FailNextThreadResume();
-// Calls of SleepMilliseconds so far, on any thread.
-std::uint64_t SleepCount();
 
 struct DesktopMessageBoxRecord {
     std::u16string text;

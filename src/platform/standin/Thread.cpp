@@ -31,7 +31,6 @@ namespace platform {
 namespace {
 
 std::atomic<bool> failNextResume{false};
-std::atomic<std::uint64_t> sleepCount{0};
 
 void LetGo(ThreadObject* thread)
 {
@@ -146,7 +145,6 @@ void CloseThreadHandle(ThreadHandle thread)
 
 void SleepMilliseconds(std::uint32_t milliseconds)
 {
-    ++sleepCount;
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
@@ -155,11 +153,6 @@ namespace testing {
 void FailNextThreadResume()
 {
     failNextResume = true;
-}
-
-std::uint64_t SleepCount()
-{
-    return sleepCount;
 }
 
 } // namespace testing
