@@ -9,12 +9,70 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
 
 using platform::testing::DrawnPath;
+
+struct Point {
+    float x, y;
+};
+
+// A recorded path as numbers: all its points in order, and each line's and
+// each curve's points apart.
+struct Shape {
+    std::vector<Point> points;
+    std::vector<std::vector<Point>> lines;
+    std::vector<std::vector<Point>> curves;
+    float left = 1e9f, top = 1e9f, right = -1e9f, bottom = -1e9f;
+};
+
+Shape ShapeOf(const DrawnPath& path)
+{
+    Shape shape;
+    for (const std::string& element : path.elements) {
+        std::istringstream in(element);
+        std::string kind;
+        in >> kind;
+        std::vector<Point> points;
+        Point p{};
+        char comma = 0;
+        while (in >> p.x >> comma >> p.y) {
+            points.push_back(p);
+            shape.left = std::min(shape.left, p.x);
+            shape.top = std::min(shape.top, p.y);
+            shape.right = std::max(shape.right, p.x);
+            shape.bottom = std::max(shape.bottom, p.y);
+        }
+        shape.points.insert(shape.points.end(), points.begin(), points.end());
+        (kind == "curve" ? shape.curves : shape.lines).push_back(points);
+    }
+    return shape;
+}
+
+// The frame stands at 10,20 and is 30 by 40 units. Radii in reading order:
+// top-left, top-right, bottom-left, bottom-right.
+constexpr float kL = 10, kT = 20, kR = 40, kB = 60;
+
+// Every curve lies on the circle of its corner's radius, whose centre is
+// the radius (and the inset) in from both edges of that corner.
+void ExpectCornersOnTheirCircles(const Shape& shape, const float radii[4], float inset)
+{
+    for (const std::vector<Point>& curve : shape.curves) {
+        const bool right = curve[1].x > (kL + kR) / 2;
+        const bool bottom = curve[1].y > (kT + kB) / 2;
+        const float radius = radii[(bottom ? 2 : 0) + (right ? 1 : 0)];
+        const float cx = right ? kR - 1 - inset - radius : kL + inset + radius;
+        const float cy = bottom ? kB - 1 - inset - radius : kT + inset + radius;
+        for (const Point& p : curve)
+            EXPECT_NEAR(std::hypot(p.x - cx, p.y - cy), radius, 1e-3) << p.x << "," << p.y;
+    }
+}
 
 // What Frame strokes and outlines, as the stand-in records it.
 class FrameStandIn : public ViewerFixture {
@@ -38,7 +96,7 @@ protected:
             map.Set(key, value);
         frame = std::make_unique<Frame>(&viewer);
         frame->Load(map);
-        frame->SetBounds({10, 20, 30, 40});
+        frame->SetBounds({kL, kT, kR - kL, kB - kT});
         return *frame;
     }
 
@@ -59,32 +117,57 @@ TEST_F(FrameStandIn, SquareFrameIsFourEdgesRightFirstTopLast)
                           {u"BColor", u"FF000004"}});
     const std::vector<DrawnPath> drawn = Draw(square);
     ASSERT_EQ(drawn.size(), 4u);
-    EXPECT_EQ(drawn[0].elements, std::vector<std::string>{"line 39,20 39,59"});
-    EXPECT_EQ(drawn[0].colour, 0xFF000003u);
-    EXPECT_EQ(drawn[1].elements, std::vector<std::string>{"line 10,59 39,59"});
-    EXPECT_EQ(drawn[1].colour, 0xFF000004u);
-    EXPECT_EQ(drawn[2].elements, std::vector<std::string>{"line 10,20 10,59"});
-    EXPECT_EQ(drawn[2].colour, 0xFF000002u);
-    EXPECT_EQ(drawn[3].elements, std::vector<std::string>{"line 10,20 39,20"});
-    EXPECT_EQ(drawn[3].colour, 0xFF000001u);
-    EXPECT_FLOAT_EQ(drawn[3].penWidth, 1);
-    EXPECT_EQ(drawn[3].smoothingMode, platform::kSmoothingModeAntiAlias);
+    // Each edge on the rectangle's own pixels, right and bottom one unit in.
+    const struct {
+        std::uint32_t colour;
+        float left, top, right, bottom;
+    } edges[] = {
+        {0xFF000003, kR - 1, kT, kR - 1, kB - 1},
+        {0xFF000004, kL, kB - 1, kR - 1, kB - 1},
+        {0xFF000002, kL, kT, kL, kB - 1},
+        {0xFF000001, kL, kT, kR - 1, kT},
+    };
+    for (int i = 0; i < 4; ++i) {
+        SCOPED_TRACE(i);
+        const Shape shape = ShapeOf(drawn[i]);
+        EXPECT_EQ(drawn[i].colour, edges[i].colour);
+        EXPECT_FLOAT_EQ(drawn[i].penWidth, 1);
+        EXPECT_EQ(drawn[i].smoothingMode, platform::kSmoothingModeAntiAlias);
+        EXPECT_TRUE(shape.curves.empty());
+        EXPECT_FLOAT_EQ(shape.left, edges[i].left);
+        EXPECT_FLOAT_EQ(shape.top, edges[i].top);
+        EXPECT_FLOAT_EQ(shape.right, edges[i].right);
+        EXPECT_FLOAT_EQ(shape.bottom, edges[i].bottom);
+    }
 }
 
-TEST_F(FrameStandIn, WidePensStayInsideAndCornersSplitAtTheDiagonal)
+TEST_F(FrameStandIn, WidePensStayInsideAndRoundCornersSplitAtTheirDiagonals)
 {
-    Frame& round = Make({{u"Width", u"2"}, {u"Round", u"4"}});
-    const std::vector<DrawnPath> drawn = Draw(round);
+    const float radii[4] = {4, 6, 8, 3};
+    const std::vector<DrawnPath> drawn = Draw(Make({{u"Width", u"2"}, {u"Round", u"4,6,8,3"}}));
     ASSERT_EQ(drawn.size(), 4u);
-    // Only the top-left corner is round: the left edge ends in its lower
-    // half and the top edge begins with its upper half.
-    EXPECT_EQ(drawn[0].elements, std::vector<std::string>{"line 38,20 38,58"});
-    ASSERT_EQ(drawn[2].elements.size(), 2u);
-    EXPECT_EQ(drawn[2].elements[0], "line 11,24 11,59");
-    EXPECT_EQ(drawn[2].elements[1], "curve 11,25 11.3045,23.4693 12.1716,22.1716");
-    ASSERT_EQ(drawn[3].elements.size(), 2u);
-    EXPECT_EQ(drawn[3].elements[0], "curve 12.1716,22.1716 13.4693,21.3045 15,21");
-    EXPECT_FLOAT_EQ(drawn[3].penWidth, 2);
+    std::vector<Shape> edges;
+    for (const DrawnPath& path : drawn) {
+        edges.push_back(ShapeOf(path));
+        const Shape& edge = edges.back();
+        EXPECT_FLOAT_EQ(path.penWidth, 2);
+        // The pen's middle runs half a pen in, so that it stays inside.
+        EXPECT_GE(edge.left, kL + 1);
+        EXPECT_GE(edge.top, kT + 1);
+        EXPECT_LE(edge.right, kR - 2);
+        EXPECT_LE(edge.bottom, kB - 2);
+        EXPECT_EQ(edge.curves.size(), 2u);
+        ExpectCornersOnTheirCircles(edge, radii, 1);
+    }
+    // Each edge ends where the next begins: at its corner's diagonal, where
+    // the colours change.
+    for (int i = 0; i < 4; ++i) {
+        SCOPED_TRACE(i);
+        const Point end = edges[i].points.back();
+        const Point start = edges[(i + 1) % 4].points.front();
+        EXPECT_NEAR(end.x, start.x, 1e-3);
+        EXPECT_NEAR(end.y, start.y, 1e-3);
+    }
 }
 
 TEST_F(FrameStandIn, OptionsOverrideColourKeysAndSettersTellOfChange)
@@ -108,18 +191,36 @@ TEST_F(FrameStandIn, OptionsOverrideColourKeysAndSettersTellOfChange)
 
 TEST_F(FrameStandIn, TheClippingOutlineMovesLeftAndTopInByHalfAWidePen)
 {
-    Frame& outline = Make({{u"Width", u"1.5"}});
-    platform::GraphicsPath path;
-    EXPECT_TRUE(outline.BuildPath(path));
-    platform::Graphics graphics(*viewer.GetBackingBitmap());
-    platform::Pen pen(0xFF000000, 1);
-    platform::testing::TakeDrawnPaths();
-    graphics.DrawPath(pen, path);
-    const std::vector<DrawnPath> drawn = platform::testing::TakeDrawnPaths();
-    ASSERT_EQ(drawn.size(), 1u);
-    const std::vector<std::string> expected = {"line 39,20 39,59", "line 40,59 10,59", "line 10.75,20 10.75,59",
-                                               "line 10,20.75 39,20.75"};
-    EXPECT_EQ(drawn[0].elements, expected);
+    const float radii[4] = {4, 6, 8, 3};
+    for (const bool square : {true, false}) {
+        SCOPED_TRACE(square ? "square" : "round");
+        Frame& outline = Make({{u"Width", u"1.5"}, {u"Round", square ? u"0" : u"4,6,8,3"}});
+        platform::GraphicsPath path;
+        EXPECT_TRUE(outline.BuildPath(path));
+        platform::Graphics graphics(*viewer.GetBackingBitmap());
+        platform::Pen pen(0xFF000000, 1);
+        platform::testing::TakeDrawnPaths();
+        graphics.DrawPath(pen, path);
+        const std::vector<DrawnPath> drawn = platform::testing::TakeDrawnPaths();
+        ASSERT_EQ(drawn.size(), 1u);
+        const Shape shape = ShapeOf(drawn[0]);
+        EXPECT_GE(shape.left, kL);
+        EXPECT_GE(shape.top, kT);
+        EXPECT_LE(shape.right, kR);
+        EXPECT_LE(shape.bottom, kB - 1);
+        // The right, bottom, left and top lines, in this order.
+        ASSERT_EQ(shape.lines.size(), 4u);
+        EXPECT_FLOAT_EQ(shape.lines[0][0].x, kR - 1);
+        EXPECT_FLOAT_EQ(shape.lines[0][1].x, kR - 1);
+        EXPECT_FLOAT_EQ(shape.lines[1][0].y, kB - 1);
+        EXPECT_FLOAT_EQ(shape.lines[1][1].y, kB - 1);
+        EXPECT_FLOAT_EQ(shape.lines[2][0].x, kL + 0.75f);
+        EXPECT_FLOAT_EQ(shape.lines[2][1].x, kL + 0.75f);
+        EXPECT_FLOAT_EQ(shape.lines[3][0].y, kT + 0.75f);
+        EXPECT_FLOAT_EQ(shape.lines[3][1].y, kT + 0.75f);
+        EXPECT_EQ(shape.curves.size(), square ? 0u : 8u);
+        ExpectCornersOnTheirCircles(shape, radii, 0);
+    }
 }
 
 } // namespace
