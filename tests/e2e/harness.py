@@ -149,6 +149,17 @@ class Desktop:
     def screenshot(self, path, window="root"):
         run(["import", "-window", str(window), path], timeout=30, env=X_ENV)
 
+    def darkest(self, window, x, y, width, height):
+        """The darkest grey of a rectangle of a window's picture, from 0
+        (black) to 1 (white)."""
+        picture = run(["import", "-window", str(window), "-crop", "%dx%d+%d+%d" % (width, height, x, y), "miff:-"],
+                      timeout=30, env=X_ENV).stdout
+        result = subprocess.run(["convert", "miff:-", "-colorspace", "Gray", "-format", "%[fx:minima]", "info:"],
+                                input=picture, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=30, env=X_ENV)
+        if result.returncode != 0:
+            raise Failure("convert could not read the picture: %s" % result.stderr.decode("utf-8", "replace"))
+        return float(result.stdout.decode("ascii"))
+
 
 # ---------------------------------------------------------------------------
 # The layout: where the named widgets lie in the client area
@@ -230,6 +241,10 @@ class Layout:
 class Program:
     """One run of Sondara.exe with its window, driven by X input."""
 
+    # An enabled button's caption is near black, a disabled one's a light
+    # grey (about 0.66).
+    ENABLED_DARKNESS = 0.4
+
     def __init__(self, harness):
         self.h = harness
         self.desktop = harness.desktop
@@ -289,6 +304,17 @@ class Program:
         caption = self.client[1] - y - border
         return x + width - border - caption / 2, y + border + caption / 2
 
+    def settle(self):
+        """Waits until the program has handled all input sent so far, as a
+        user waits to see the typed text before pressing Ctrl or Shift:
+        the program reads those two from the keyboard's state of the moment,
+        so a key still queued would take a Ctrl pressed after it as its own
+        (a typed "a" would select all). Gives the probe's answer."""
+        info = self.h.probe_window(self.window)
+        if info.get("idle") != "yes":
+            raise Failure("Sondara.exe did not catch up with its input within 10s")
+        return info
+
     # -- what a user does
 
     def click(self, name):
@@ -301,6 +327,7 @@ class Program:
     def type_into(self, name, text, end=None):
         """Clicks into a field, selects what it holds and types text over it."""
         self.click(name)
+        self.settle()
         self.desktop.key("ctrl+a")
         self.desktop.type(text)
         if end:
@@ -311,6 +338,7 @@ class Program:
         holds and pastes over it with Ctrl+V."""
         self.desktop.set_clipboard(text)
         self.click(name)
+        self.settle()
         self.desktop.key("ctrl+a", "ctrl+v")
         if end:
             self.desktop.key(end)
@@ -325,7 +353,10 @@ class Program:
 
     def copy_focused(self):
         """What Ctrl+A, Ctrl+C copies from the field that has the keyboard,
-        or None when it copies nothing (an empty field copies nothing)."""
+        or None when it copies nothing (an empty field copies nothing, and
+        nothing is copied where no edit control has the keyboard)."""
+        if self.settle().get("focus", "").lower() != "edit":
+            return None
         sentinel = "sondara-e2e-nothing-copied-%d" % time.monotonic_ns()
         self.desktop.set_clipboard(sentinel)
         self.desktop.key("ctrl+a", "ctrl+c")
@@ -335,7 +366,7 @@ class Program:
             return text if text not in (None, sentinel) else None
 
         try:
-            return wait_for("the copy", copied, 2)
+            return wait_for("the copy", copied, 5)
         except Failure:
             return None
 
@@ -345,22 +376,40 @@ class Program:
         self.click(name)
         return self.copy_focused()
 
+    def looks_enabled(self, name):
+        """True when a button's caption is drawn dark, as an enabled
+        button's is; a disabled one draws it grey."""
+        left, top, right, bottom = self.widget_rect(name)
+        inset = 4 * self.scale
+        x, y = self.frame[0], self.frame[1]
+        darkest = self.desktop.darkest(self.window, left + inset - x, top + inset - y, right - left - 2 * inset,
+                                       bottom - top - 2 * inset)
+        return darkest < self.ENABLED_DARKNESS
+
     def start_check(self):
+        """Presses start once the button shows that it can be pressed: the
+        program enables it in an idle moment after the path came, and a
+        program that lags behind the input has not had one yet."""
+        wait_for("CheckStart to look enabled", lambda: self.looks_enabled("CheckStart"), 10, interval=0.2)
         self.click("CheckStart")
 
+    def wait_message(self, what, accept, timeout=20):
+        """The text of the Message field once accept(text) holds. Reading
+        puts the caret in the field, which holds a new report back, so
+        between reads a click beside the fields ends the editing."""
+
+        def text():
+            value = self.read("Message")
+            if value is not None and accept(value):
+                return value
+            self.click_background()
+            return None
+
+        return wait_for(what, text, timeout, interval=0.3)
+
     def wait_report(self, timeout=20):
-        """The report that the Message field shows once the check ended.
-        Reading it puts the caret in the field, which holds the report back,
-        so between reads a click beside the fields ends the editing."""
-
-        def report():
-            text = self.read("Message")
-            if text is None or text == RUNNING_TEXT:
-                self.click_background()
-                return None
-            return text
-
-        return wait_for("a report in Message", report, timeout, interval=0.3)
+        """The report that the Message field shows once the check ended."""
+        return self.wait_message("a report in Message", lambda text: text != RUNNING_TEXT, timeout)
 
     # -- the end
 
@@ -435,7 +484,7 @@ class Harness:
                 info["client"] = tuple(int(v) for v in rest.split())
             elif key == "dpi":
                 info["dpi"] = float(rest)
-            elif key in ("class", "title"):
+            elif key in ("class", "title", "focus", "idle"):
                 info[key] = rest
             elif key == "child":
                 kind, _, text = rest.partition(" ")

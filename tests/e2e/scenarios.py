@@ -25,7 +25,7 @@ import wave
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
-from harness import RUNNING_TEXT, Failure, Harness, wine_path  # noqa: E402
+from harness import RUNNING_TEXT, Failure, Harness, wait_for, wine_path  # noqa: E402
 from xdnd_drop import drop_files  # noqa: E402
 
 ALL_CLEAR = "チェック完了しました。\r\n"
@@ -195,8 +195,15 @@ def file_dialog(h):
     before = h.desktop.windows()
     program.click("SelectWaveFile")
     dialog = h.desktop.new_window(before, "the file dialog")
-    time.sleep(0.5)
-    expect("title of the new window", h.probe_window(dialog).get("title"), FILE_DIALOG_TITLE)
+
+    def ready():
+        # Typing begins once the dialog has put the keyboard in its name
+        # field and handled what came before.
+        info = h.probe_window(dialog)
+        return info if info.get("focus", "").lower() == "edit" and info.get("idle") == "yes" else None
+
+    info = wait_for("the file dialog to give its name field the keyboard", ready, 15)
+    expect("title of the new window", info.get("title"), FILE_DIALOG_TITLE)
     h.shot("dialog-open")
     h.desktop.type(wine_path(path))
     h.shot("name-typed")
@@ -285,8 +292,7 @@ def end_during_check(h, close):
         program = h.start()
         program.type_into("WaveFilePath", wine_path(path))
         program.start_check()
-        time.sleep(0.5)
-        expect("Message while the check runs", program.read("Message"), RUNNING_TEXT)
+        program.wait_message("Message to show that the check runs", lambda text: text == RUNNING_TEXT)
         program.click_background()
         h.shot("running", program.window)
         close(program)

@@ -9,6 +9,11 @@
 //   class NAME
 //   title TEXT                      (UTF-8)
 //   child CLASS TEXT                (each child window, in Z order)
+//   focus CLASS                     (the window of its thread that has the
+//                                    keyboard; "-" for none)
+//   idle yes|no                     (whether the window's process has
+//                                    handled all input sent to it before:
+//                                    the probe waits up to 10 s for that)
 //
 // Exit status 0, or 1 when no window is at that point, 2 for bad usage.
 #include <windows.h>
@@ -28,6 +33,15 @@ std::string Utf8(const wchar_t* text)
     WideCharToMultiByte(CP_UTF8, 0, text, -1, bytes.data(), length, nullptr, nullptr);
     bytes.resize(static_cast<std::size_t>(length - 1));
     return bytes;
+}
+
+std::string ClassOf(HWND window)
+{
+    if (window == nullptr)
+        return "-";
+    wchar_t className[256] = {};
+    GetClassNameW(window, className, 256);
+    return Utf8(className);
 }
 
 BOOL CALLBACK PrintChild(HWND child, LPARAM)
@@ -75,5 +89,19 @@ int wmain(int argc, wchar_t** argv)
     std::printf("class %s\n", Utf8(className).c_str());
     std::printf("title %s\n", Utf8(title).c_str());
     EnumChildWindows(window, PrintChild, 0);
+    // A program that lags behind its input still has keys to handle, and a
+    // test must not press the next ones (Ctrl, Shift) before it has.
+    DWORD processId = 0;
+    const DWORD threadId = GetWindowThreadProcessId(window, &processId);
+    bool idle = false;
+    if (HANDLE process = OpenProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, FALSE, processId)) {
+        idle = WaitForInputIdle(process, 10000) == 0;
+        CloseHandle(process);
+    }
+    GUITHREADINFO thread{};
+    thread.cbSize = sizeof(thread);
+    if (GetGUIThreadInfo(threadId, &thread))
+        std::printf("focus %s\n", ClassOf(thread.hwndFocus).c_str());
+    std::printf("idle %s\n", idle ? "yes" : "no");
     return 0;
 }
