@@ -1,6 +1,17 @@
 #include "check/CheckCommand.h"
+#include "support/RiffBytes.h"
+#include "support/TempDir.h"
 
 #include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#ifdef SONDARA_CHECK_PROGRAM
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 TEST(CheckCommandOutput, JsonIsAsciiWithEscapes)
 {
@@ -30,3 +41,98 @@ TEST(CheckCommandOutput, TextTakesThePlatformLineEnd)
               "== a.wav\r\nx\r\ny\r\n== b.wav\r\n\xE3\x83\x95\xE3\x82\xA1\xE3\x82\xA4\xE3\x83\xAB\xE3\x81\x8C\xE3\x81\x82"
               "\xE3\x82\x8A\xE3\x81\xBE\xE3\x81\x9B\xE3\x82\x93\xE3\x80\x82\r\n");
 }
+
+#ifdef SONDARA_CHECK_PROGRAM
+// sondara-check itself, started as its own process in a folder of sample
+// files: what it prints on each stream and its exit status.
+namespace {
+
+struct Outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+std::string Contents(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// Runs the checker with these arguments in dir; the streams go to files
+// beside the samples. A checker that doesn't end normally gives -1.
+Outcome RunChecker(const TempDir& dir, std::vector<std::string> arguments)
+{
+    std::string program = SONDARA_CHECK_PROGRAM;
+    std::vector<char*> argv{program.data()};
+    for (std::string& argument : arguments)
+        argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    const std::string out = dir.Native() + "/stdout.txt";
+    const std::string err = dir.Native() + "/stderr.txt";
+    const pid_t child = fork();
+    if (child == 0) {
+        if (chdir(dir.Native().c_str()) != 0)
+            _exit(126);
+        dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
+        dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+        execv(argv[0], argv.data());
+        _exit(127);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
+        return {-1, {}, {}};
+    return {WEXITSTATUS(status), Contents(out), Contents(err)};
+}
+
+} // namespace
+
+TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
+{
+    TempDir dir;
+    dir.Write("sound.wav", SoundWave());
+    dir.Write("--json", SoundWave());
+    dir.Write("-x", "not a wave file");
+    const std::string usage = "usage: sondara-check [--json] FILE...\n";
+    const std::string clear = "チェック完了しました。\n";
+    const std::string notRiff = "RIFF形式ではありません。\n";
+    const std::string noFile = "ファイルがありません。\n";
+    const std::string clearJson = "\\u30c1\\u30a7\\u30c3\\u30af\\u5b8c\\u4e86\\u3057\\u307e\\u3057\\u305f\\u3002\\r\\n";
+    const std::string notRiffJson = "RIFF\\u5f62\\u5f0f\\u3067\\u306f\\u3042\\u308a\\u307e\\u305b\\u3093\\u3002\\r\\n";
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::string out, err;
+    } cases[] = {
+        {{"--help"}, 0, usage, ""},
+        // Help goes before any check, wherever it stands among the options.
+        {{"sound.wav", "--help", "-x"}, 0, usage, ""},
+        {{}, 2, "", usage},
+        {{"--json"}, 2, "", usage},
+        {{"-x"}, 2, "", "sondara-check: unknown option -x\n" + usage},
+        {{"sound.wav"}, 0, clear, ""},
+        {{"missing.wav"}, 1, noFile, ""},
+        // A lone "-" is no option but a path.
+        {{"-"}, 1, noFile, ""},
+        {{"sound.wav", "missing.wav"}, 1, "== sound.wav\n" + clear + "== missing.wav\n" + noFile, ""},
+        {{"--json", "sound.wav"}, 0,
+         "[\n  {\"path\": \"sound.wav\", \"report\": \"" + clearJson + "\", \"hasError\": false}\n]\n", ""},
+        // After "--" everything is a path, options and help included.
+        {{"--", "--help"}, 1, noFile, ""},
+        {{"--json", "--", "--json", "-x"}, 1,
+         "[\n  {\"path\": \"--json\", \"report\": \"" + clearJson + "\", \"hasError\": false},\n"
+         "  {\"path\": \"-x\", \"report\": \"" + notRiffJson + "\", \"hasError\": true}\n]\n", ""},
+        {{"--", "-x", "sound.wav"}, 1, "== -x\n" + notRiff + "== sound.wav\n" + clear, ""},
+    };
+    for (const auto& c : cases) {
+        std::string line;
+        for (const std::string& argument : c.arguments)
+            line += " " + argument;
+        SCOPED_TRACE("sondara-check" + line);
+        const Outcome outcome = RunChecker(dir, c.arguments);
+        EXPECT_EQ(outcome.status, c.status);
+        EXPECT_EQ(outcome.out, c.out);
+        EXPECT_EQ(outcome.err, c.err);
+    }
+}
+#endif
