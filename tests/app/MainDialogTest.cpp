@@ -5,9 +5,14 @@
 #include "platform/MessageQueue.h"
 #include "platform/standin/TestHooks.h"
 #include "platform/Thread.h"
+#include "support/RiffBytes.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <map>
 #include <memory>
@@ -112,6 +117,25 @@ protected:
         dialog->OnIdle();
     }
 
+    // Starts a check that stays running until the returned descriptor is
+    // closed: its path is a FIFO, which the check blocks reading from. The
+    // write end opens once the check has the FIFO open.
+    int StartHeldCheck()
+    {
+        const std::string fifo = dir.Native() + "/held.wav";
+        EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+        fields[u"WaveFilePath"].text = dir.PathOf("held.wav").ToU16String();
+        Command(u"CheckStart");
+        for (int i = 0; i < 2000; ++i) {
+            const int writer = open(fifo.c_str(), O_WRONLY | O_NONBLOCK);
+            if (writer >= 0)
+                return writer;
+            platform::SleepMilliseconds(5);
+        }
+        ADD_FAILURE() << "the check never opened its file";
+        return -1;
+    }
+
     TempDir dir;
     std::unique_ptr<MainDialog> dialog;
     // The Viewer that commands name as theirs; the dialog doesn't look at it.
@@ -204,6 +228,58 @@ TEST_F(MainDialogTest, TheReleaseNoteOpensTheRunningVersionsPage)
               (std::vector<std::string>{
                   "OpenWithShell open http://www.sondara.example/press_release.php?file_name=sondara_100",
                   "EnableWindowInput 1"}));
+}
+
+// While a check runs, its report and result flag are the worker's: the
+// idle passes show that it runs and offer neither a start nor a search,
+// whatever the path. Run under ThreadSanitizer, this shows the dialog
+// keeps its hands off them until the worker has ended.
+using CheckHandOverDialog = MainDialogTest;
+
+TEST_F(CheckHandOverDialog, APathChosenWhileACheckRunsDropsItsResult)
+{
+    const int writer = StartHeldCheck();
+    dialog->OnIdle();
+    EXPECT_EQ(fields[u"Message"].text, u"処理中...");
+    EXPECT_FALSE(fields[u"CheckStart"].enabled);
+    EXPECT_FALSE(fields[u"SearchError"].enabled);
+
+    Drop({u"C:\\music\\next.wav"});
+    EXPECT_EQ(fields[u"WaveFilePath"].text, u"C:\\music\\next.wav");
+    dialog->OnIdle();
+    EXPECT_EQ(fields[u"Message"].text, u"処理中...");
+    EXPECT_FALSE(fields[u"CheckStart"].enabled);
+
+    // The held file ends empty, which is a finding; but the check was of
+    // the old path, so the first pass after its end shows no report, and
+    // the start follows the new path.
+    close(writer);
+    WaitForCheck();
+    EXPECT_EQ(fields[u"Message"].text, u"");
+    EXPECT_TRUE(fields[u"CheckStart"].enabled);
+    EXPECT_FALSE(fields[u"SearchError"].enabled);
+    EXPECT_TRUE(dialog->GetReport().IsEmpty());
+    EXPECT_FALSE(dialog->ReportHasError());
+}
+
+TEST_F(CheckHandOverDialog, ASecondStartWaitsForTheRunningCheck)
+{
+    const int writer = StartHeldCheck();
+    const std::u16string sound = dir.Write("sound.wav", SoundWave()).ToU16String();
+    fields[u"WaveFilePath"].text = sound;
+    dialog->OnIdle();
+    EXPECT_FALSE(fields[u"CheckStart"].enabled);
+
+    // A start that comes all the same, as a command from elsewhere, waits
+    // for the running check to end before it starts one on the path as it
+    // stands: never two workers, and the report is the new path's.
+    close(writer);
+    Command(u"CheckStart");
+    WaitForCheck();
+    EXPECT_EQ(fields[u"Message"].text, u"チェック完了しました。\r\n");
+    EXPECT_FALSE(dialog->ReportHasError());
+    EXPECT_TRUE(fields[u"CheckStart"].enabled);
+    EXPECT_FALSE(fields[u"SearchError"].enabled);
 }
 
 } // namespace
