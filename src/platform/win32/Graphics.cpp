@@ -3,6 +3,7 @@
 #include "platform/Bitmap.h"
 #include "platform/win32/GdiplusFlat.h"
 #include "platform/win32/WinHandles.h"
+#include "platform/win32/WinText.h"
 
 namespace platform {
 
@@ -92,12 +93,10 @@ bool Graphics::FillRectangle(SolidBrush& brush, float x, float y, float width, f
                                                                x, y, width, height));
 }
 
-// The text is copied so that it ends in a zero unit; its length is passed
-// as well.
 bool Graphics::DrawString(std::u16string_view text, Font& font, float x, float y, float width, float height,
                           StringFormat& format, SolidBrush& brush)
 {
-    const std::u16string terminated(text);
+    const std::u16string terminated = win32::LayoutText(text);
     const Gdiplus::RectF layout(x, y, width, height);
     return Keep(status, Gdiplus::DllExports::GdipDrawString(
                             win32::Native(native), win32::Text(terminated), static_cast<INT>(terminated.size()),

@@ -2,6 +2,7 @@
 
 #include "platform/Font.h"
 #include "platform/win32/GdiplusFlat.h"
+#include "platform/win32/WinText.h"
 
 #include <string>
 
@@ -65,7 +66,7 @@ bool GraphicsPath::AddCurve(const float (&points)[6])
 bool GraphicsPath::AddString(std::u16string_view text, FontFamily& family, std::int32_t style, float emSize, float x,
                              float y, float width, float height, StringFormat& format)
 {
-    const std::u16string terminated(text);
+    const std::u16string terminated = win32::LayoutText(text);
     const Gdiplus::RectF layout(x, y, width, height);
     return Keep(status, Gdiplus::DllExports::GdipAddPathString(
                             win32::Native(native), win32::Text(terminated), static_cast<INT>(terminated.size()),

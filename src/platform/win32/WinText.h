@@ -13,4 +13,19 @@ inline std::u16string FromWide(const wchar_t* text, std::size_t length)
     return std::u16string(reinterpret_cast<const char16_t*>(text), length);
 }
 
+// Text for GDI+ to lay out, ending in a zero unit: a CR LF goes as a lone
+// LF. GDI+ breaks lines at the LF either way, but Wine's draws the CR as a
+// missing glyph at the end of every line of a report.
+inline std::u16string LayoutText(std::u16string_view text)
+{
+    std::u16string result;
+    result.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n')
+            continue;
+        result.push_back(text[i]);
+    }
+    return result;
+}
+
 } // namespace platform::win32
