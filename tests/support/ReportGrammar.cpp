@@ -1,137 +1,73 @@
 #include "support/ReportGrammar.h"
 
-#include <cstddef>
-#include <string_view>
+#include "base/Utf8.h"
+
+#include <iterator>
+#include <regex>
 #include <vector>
 
 namespace {
 
-// The lines of a report in the order of the steps that write them.
-enum Step {
-    kNoFile,
-    kNotRiff,
-    kRiffError,
-    kNoFormat,
-    kNotPcm,
-    kBadRate,
-    kBadBits,
-    kBadChannels,
-    kNoData,
-    kBadDataSize,
-    kBadFrameCount,
-    kAllClear,
-    kStepCount
+// The lines of a report in the order of the steps that write them; the
+// value of a finding is upper-case hex of at least four digits for the
+// format tag, a decimal without leading zeros for the others.
+const char* const kSteps[] = {
+    "ファイルがありません。",
+    "RIFF形式ではありません。",
+    "RIFF構造にエラーがあります。",
+    "フォーマット構造がありません。",
+    "PCMではありません。 \\[[0-9A-F]{4,}\\]",
+    "サンプリング周波数が0～19200Hzではありません。 \\[-?(0|[1-9][0-9]*)\\]",
+    "ビット数が8/16/24Bitではありません。 \\[-?(0|[1-9][0-9]*)\\]",
+    "チャンネル数が1/2チャンネルではありません。 \\[-?(0|[1-9][0-9]*)\\]",
+    "データ構造がありません。",
+    "データ情報のサイズが正しくありません。 \\[-?(0|[1-9][0-9]*)\\]",
+    "サンプル数が正しくありません。 \\[-?(0|[1-9][0-9]*)\\]",
+    "チェック完了しました。",
 };
-
-struct LineForm {
-    std::u16string_view text;
-    bool hasValue;
-    bool hexValue;
-};
-
-const LineForm kForms[kStepCount] = {
-    {u"ファイルがありません。", false, false},
-    {u"RIFF形式ではありません。", false, false},
-    {u"RIFF構造にエラーがあります。", false, false},
-    {u"フォーマット構造がありません。", false, false},
-    {u"PCMではありません。", true, true},
-    {u"サンプリング周波数が0～19200Hzではありません。", true, false},
-    {u"ビット数が8/16/24Bitではありません。", true, false},
-    {u"チャンネル数が1/2チャンネルではありません。", true, false},
-    {u"データ構造がありません。", false, false},
-    {u"データ情報のサイズが正しくありません。", true, false},
-    {u"サンプル数が正しくありません。", true, false},
-    {u"チェック完了しました。", false, false},
-};
-
-bool IsValue(std::u16string_view value, bool hex)
+const std::vector<std::regex>& StepForms()
 {
-    if (hex) {
-        if (value.size() < 4)
-            return false;
-        for (char16_t c : value) {
-            if (!((c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F')))
-                return false;
-        }
-        return true;
-    }
-    if (!value.empty() && value[0] == u'-')
-        value.remove_prefix(1);
-    if (value.empty() || (value.size() > 1 && value[0] == u'0'))
-        return false;
-    for (char16_t c : value) {
-        if (c < u'0' || c > u'9')
-            return false;
-    }
-    return true;
+    static const std::vector<std::regex> forms(std::begin(kSteps), std::end(kSteps));
+    return forms;
 }
 
-int StepOf(std::u16string_view line)
-{
-    for (int step = 0; step < kStepCount; ++step) {
-        const LineForm& form = kForms[step];
-        if (!form.hasValue) {
-            if (line == form.text)
-                return step;
-            continue;
-        }
-        if (!line.starts_with(form.text))
-            continue;
-        std::u16string_view rest = line.substr(form.text.size());
-        if (rest.size() >= 3 && rest.starts_with(u" [") && rest.ends_with(u"]") &&
-            IsValue(rest.substr(2, rest.size() - 3), form.hexValue))
-            return step;
-    }
-    return -1;
-}
+enum : unsigned { kNoFile = 1, kNotRiff = 2, kNoFormat = 8, kFormatFindings = 0xF0, kNoData = 0x100,
+                  kDataFindings = 0x600, kAllClear = 0x800 };
 
 } // namespace
 
 bool IsWellFormedReport(const WideString& report, bool hasError, std::string& why)
 {
-    std::u16string_view text = report.View();
-    if (text.empty() || !text.ends_with(u"\r\n")) {
+    std::string text = WideToUtf8(report.View());
+    if (text.size() < 2 || text.substr(text.size() - 2) != "\r\n") {
         why = "the report is empty or its last line has no CR LF";
         return false;
     }
-    std::vector<int> steps;
-    while (!text.empty()) {
-        std::size_t end = text.find(u"\r\n");
-        int step = StepOf(text.substr(0, end));
-        if (step < 0) {
-            why = "line " + std::to_string(steps.size()) + " is no line of the check";
+    unsigned seen = 0;
+    int lastStep = -1;
+    for (std::size_t start = 0, end; start < text.size(); start = end + 2) {
+        end = text.find("\r\n", start);
+        const std::string line = text.substr(start, end - start);
+        int step = 0;
+        while (step < 12 && !std::regex_match(line, StepForms()[step]))
+            ++step;
+        if (step == 12 || step <= lastStep) {
+            why = "\"" + line + "\" is no line of the check, or out of the order of its steps";
             return false;
         }
-        steps.push_back(step);
-        text.remove_prefix(end + 2);
+        lastStep = step;
+        seen |= 1u << step;
     }
-    for (std::size_t i = 1; i < steps.size(); ++i) {
-        if (steps[i] <= steps[i - 1]) {
-            why = "the lines are not in the order of the steps";
-            return false;
-        }
-    }
-    auto has = [&](int step) {
-        for (int s : steps) {
-            if (s == step)
-                return true;
-        }
-        return false;
-    };
-    const bool alone = has(kNoFile) || has(kNotRiff) || has(kAllClear);
-    if (alone && steps.size() != 1) {
+    const bool alone = (seen & (kNoFile | kNotRiff | kAllClear)) != 0;
+    if (alone && (seen & (seen - 1)) != 0) {
         why = "a line that stands alone has company";
         return false;
     }
-    if (has(kNoFormat) && (has(kNotPcm) || has(kBadRate) || has(kBadBits) || has(kBadChannels))) {
-        why = "format findings without a format";
+    if (((seen & kNoFormat) && (seen & kFormatFindings)) || ((seen & kNoData) && (seen & kDataFindings))) {
+        why = "findings about a format or data that is not there";
         return false;
     }
-    if (has(kNoData) && (has(kBadDataSize) || has(kBadFrameCount))) {
-        why = "data findings without data";
-        return false;
-    }
-    if (hasError == has(kAllClear)) {
+    if (hasError == ((seen & kAllClear) != 0)) {
         why = "the result flag disagrees with the report";
         return false;
     }
