@@ -22,14 +22,13 @@ using platform::testing::DrawnPath;
 struct Point {
     float x, y;
 };
+using Points = std::vector<Point>;
 
 // A recorded path as numbers: all its points in order, and each line's and
 // each curve's points apart.
 struct Shape {
-    std::vector<Point> points;
-    std::vector<std::vector<Point>> lines;
-    std::vector<std::vector<Point>> curves;
-    float left = 1e9f, top = 1e9f, right = -1e9f, bottom = -1e9f;
+    Points points;
+    std::vector<Points> lines, curves;
 };
 
 Shape ShapeOf(const DrawnPath& path)
@@ -39,34 +38,45 @@ Shape ShapeOf(const DrawnPath& path)
         std::istringstream in(element);
         std::string kind;
         in >> kind;
-        std::vector<Point> points;
+        Points points;
         Point p{};
         char comma = 0;
-        while (in >> p.x >> comma >> p.y) {
+        while (in >> p.x >> comma >> p.y)
             points.push_back(p);
-            shape.left = std::min(shape.left, p.x);
-            shape.top = std::min(shape.top, p.y);
-            shape.right = std::max(shape.right, p.x);
-            shape.bottom = std::max(shape.bottom, p.y);
-        }
         shape.points.insert(shape.points.end(), points.begin(), points.end());
         (kind == "curve" ? shape.curves : shape.lines).push_back(points);
     }
     return shape;
 }
 
-// The frame stands at 10,20 and is 30 by 40 units. Radii in reading order:
-// top-left, top-right, bottom-left, bottom-right.
+// The smallest rectangle around the points, as "left,top right,bottom".
+std::string Box(const Points& points)
+{
+    float left = 1e9f, top = 1e9f, right = -1e9f, bottom = -1e9f;
+    for (const Point& p : points) {
+        left = std::min(left, p.x);
+        top = std::min(top, p.y);
+        right = std::max(right, p.x);
+        bottom = std::max(bottom, p.y);
+    }
+    std::ostringstream text;
+    text << left << "," << top << " " << right << "," << bottom;
+    return text.str();
+}
+
+// The frame stands at 10,20 and is 30 by 40 units. Its radii in reading
+// order: top-left, top-right, bottom-left, bottom-right.
 constexpr float kL = 10, kT = 20, kR = 40, kB = 60;
+const float kRadii[4] = {4, 6, 8, 3};
 
 // Every curve lies on the circle of its corner's radius, whose centre is
 // the radius (and the inset) in from both edges of that corner.
-void ExpectCornersOnTheirCircles(const Shape& shape, const float radii[4], float inset)
+void ExpectCornersOnTheirCircles(const Shape& shape, float inset)
 {
-    for (const std::vector<Point>& curve : shape.curves) {
+    for (const Points& curve : shape.curves) {
         const bool right = curve[1].x > (kL + kR) / 2;
         const bool bottom = curve[1].y > (kT + kB) / 2;
-        const float radius = radii[(bottom ? 2 : 0) + (right ? 1 : 0)];
+        const float radius = kRadii[(bottom ? 2 : 0) + (right ? 1 : 0)];
         const float cx = right ? kR - 1 - inset - radius : kL + inset + radius;
         const float cy = bottom ? kB - 1 - inset - radius : kT + inset + radius;
         for (const Point& p : curve)
@@ -113,61 +123,42 @@ protected:
 
 TEST_F(FrameStandIn, SquareFrameIsFourEdgesRightFirstTopLast)
 {
-    Frame& square = Make({{u"TColor", u"FF000001"}, {u"LColor", u"FF000002"}, {u"RColor", u"FF000003"},
-                          {u"BColor", u"FF000004"}});
-    const std::vector<DrawnPath> drawn = Draw(square);
+    const std::vector<DrawnPath> drawn = Draw(Make({{u"TColor", u"FF000001"}, {u"LColor", u"FF000002"},
+                                                    {u"RColor", u"FF000003"}, {u"BColor", u"FF000004"}}));
     ASSERT_EQ(drawn.size(), 4u);
     // Each edge on the rectangle's own pixels, right and bottom one unit in.
-    const struct {
-        std::uint32_t colour;
-        float left, top, right, bottom;
-    } edges[] = {
-        {0xFF000003, kR - 1, kT, kR - 1, kB - 1},
-        {0xFF000004, kL, kB - 1, kR - 1, kB - 1},
-        {0xFF000002, kL, kT, kL, kB - 1},
-        {0xFF000001, kL, kT, kR - 1, kT},
-    };
+    const char* boxes[] = {"39,20 39,59", "10,59 39,59", "10,20 10,59", "10,20 39,20"};
+    const std::uint32_t colours[] = {0xFF000003, 0xFF000004, 0xFF000002, 0xFF000001};
     for (int i = 0; i < 4; ++i) {
         SCOPED_TRACE(i);
-        const Shape shape = ShapeOf(drawn[i]);
-        EXPECT_EQ(drawn[i].colour, edges[i].colour);
+        EXPECT_EQ(Box(ShapeOf(drawn[i]).points), boxes[i]);
+        EXPECT_EQ(drawn[i].colour, colours[i]);
         EXPECT_FLOAT_EQ(drawn[i].penWidth, 1);
         EXPECT_EQ(drawn[i].smoothingMode, platform::kSmoothingModeAntiAlias);
-        EXPECT_TRUE(shape.curves.empty());
-        EXPECT_FLOAT_EQ(shape.left, edges[i].left);
-        EXPECT_FLOAT_EQ(shape.top, edges[i].top);
-        EXPECT_FLOAT_EQ(shape.right, edges[i].right);
-        EXPECT_FLOAT_EQ(shape.bottom, edges[i].bottom);
     }
 }
 
 TEST_F(FrameStandIn, WidePensStayInsideAndRoundCornersSplitAtTheirDiagonals)
 {
-    const float radii[4] = {4, 6, 8, 3};
     const std::vector<DrawnPath> drawn = Draw(Make({{u"Width", u"2"}, {u"Round", u"4,6,8,3"}}));
     ASSERT_EQ(drawn.size(), 4u);
-    std::vector<Shape> edges;
-    for (const DrawnPath& path : drawn) {
-        edges.push_back(ShapeOf(path));
-        const Shape& edge = edges.back();
-        EXPECT_FLOAT_EQ(path.penWidth, 2);
-        // The pen's middle runs half a pen in, so that it stays inside.
-        EXPECT_GE(edge.left, kL + 1);
-        EXPECT_GE(edge.top, kT + 1);
-        EXPECT_LE(edge.right, kR - 2);
-        EXPECT_LE(edge.bottom, kB - 2);
-        EXPECT_EQ(edge.curves.size(), 2u);
-        ExpectCornersOnTheirCircles(edge, radii, 1);
-    }
-    // Each edge ends where the next begins: at its corner's diagonal, where
-    // the colours change.
+    Points all;
     for (int i = 0; i < 4; ++i) {
         SCOPED_TRACE(i);
-        const Point end = edges[i].points.back();
-        const Point start = edges[(i + 1) % 4].points.front();
+        const Shape edge = ShapeOf(drawn[i]);
+        all.insert(all.end(), edge.points.begin(), edge.points.end());
+        EXPECT_FLOAT_EQ(drawn[i].penWidth, 2);
+        EXPECT_EQ(edge.curves.size(), 2u);
+        ExpectCornersOnTheirCircles(edge, 1);
+        // Each edge ends where the next begins: at its corner's diagonal,
+        // where the colours change.
+        const Point end = edge.points.back();
+        const Point start = ShapeOf(drawn[(i + 1) % 4]).points.front();
         EXPECT_NEAR(end.x, start.x, 1e-3);
         EXPECT_NEAR(end.y, start.y, 1e-3);
     }
+    // The pen's middle runs half a pen in, so that the pen stays inside.
+    EXPECT_EQ(Box(all), "11,21 38,58");
 }
 
 TEST_F(FrameStandIn, OptionsOverrideColourKeysAndSettersTellOfChange)
@@ -191,12 +182,10 @@ TEST_F(FrameStandIn, OptionsOverrideColourKeysAndSettersTellOfChange)
 
 TEST_F(FrameStandIn, TheClippingOutlineMovesLeftAndTopInByHalfAWidePen)
 {
-    const float radii[4] = {4, 6, 8, 3};
     for (const bool square : {true, false}) {
         SCOPED_TRACE(square ? "square" : "round");
-        Frame& outline = Make({{u"Width", u"1.5"}, {u"Round", square ? u"0" : u"4,6,8,3"}});
         platform::GraphicsPath path;
-        EXPECT_TRUE(outline.BuildPath(path));
+        EXPECT_TRUE(Make({{u"Width", u"1.5"}, {u"Round", square ? u"0" : u"4,6,8,3"}}).BuildPath(path));
         platform::Graphics graphics(*viewer.GetBackingBitmap());
         platform::Pen pen(0xFF000000, 1);
         platform::testing::TakeDrawnPaths();
@@ -204,22 +193,18 @@ TEST_F(FrameStandIn, TheClippingOutlineMovesLeftAndTopInByHalfAWidePen)
         const std::vector<DrawnPath> drawn = platform::testing::TakeDrawnPaths();
         ASSERT_EQ(drawn.size(), 1u);
         const Shape shape = ShapeOf(drawn[0]);
-        EXPECT_GE(shape.left, kL);
-        EXPECT_GE(shape.top, kT);
-        EXPECT_LE(shape.right, kR);
-        EXPECT_LE(shape.bottom, kB - 1);
-        // The right, bottom, left and top lines, in this order.
+        EXPECT_EQ(Box(shape.points), square ? "10,20 40,59" : "10,20 39,59");
+        // The right, bottom, left and top lines, in this order: only the
+        // left and the top move in.
         ASSERT_EQ(shape.lines.size(), 4u);
-        EXPECT_FLOAT_EQ(shape.lines[0][0].x, kR - 1);
-        EXPECT_FLOAT_EQ(shape.lines[0][1].x, kR - 1);
-        EXPECT_FLOAT_EQ(shape.lines[1][0].y, kB - 1);
-        EXPECT_FLOAT_EQ(shape.lines[1][1].y, kB - 1);
-        EXPECT_FLOAT_EQ(shape.lines[2][0].x, kL + 0.75f);
-        EXPECT_FLOAT_EQ(shape.lines[2][1].x, kL + 0.75f);
-        EXPECT_FLOAT_EQ(shape.lines[3][0].y, kT + 0.75f);
-        EXPECT_FLOAT_EQ(shape.lines[3][1].y, kT + 0.75f);
+        const float lineAt[] = {kR - 1, kB - 1, kL + 0.75f, kT + 0.75f};
+        for (int i = 0; i < 4; ++i) {
+            const Points& line = shape.lines[i];
+            EXPECT_FLOAT_EQ(i % 2 == 0 ? line[0].x : line[0].y, lineAt[i]) << i;
+            EXPECT_FLOAT_EQ(i % 2 == 0 ? line[1].x : line[1].y, lineAt[i]) << i;
+        }
         EXPECT_EQ(shape.curves.size(), square ? 0u : 8u);
-        ExpectCornersOnTheirCircles(shape, radii, 0);
+        ExpectCornersOnTheirCircles(shape, 0);
     }
 }
 
