@@ -77,7 +77,8 @@ TEST_F(Position, TextsEvaluateOnBothAxes)
 
 TEST_F(Position, TheScaleFollowsTheLayoutsResolution)
 {
-    EXPECT_FLOAT_EQ(ScaleForResolution(120, 96, 1), 1.25f);
+    // Elsewhere than on its own screen a layout grows with the ratio of the
+    // resolutions; without a resolution it is drawn one unit to the pixel.
     EXPECT_FLOAT_EQ(ScaleForResolution(120, 96, 2), 2.5f);
     EXPECT_FLOAT_EQ(ScaleForResolution(96, 96, 2), 2);
     EXPECT_FLOAT_EQ(ScaleForResolution(120, 0, 2), 1);

@@ -5,29 +5,23 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
-TEST(ByteBlockResize, FirstAllocationIsExactAndZeroFilled)
+// Also after the memory was given back by a size of 0.
+TEST(ByteBlockResize, AllocationIsExactAndZeroFilledAndZeroGivesItBack)
 {
     ByteBlock block;
-    ASSERT_TRUE(block.Resize(10));
-    EXPECT_EQ(block.Capacity(), 10u);
-    for (std::uint32_t i = 0; i < 10; ++i)
-        EXPECT_EQ(block.Data()[i], 0) << i;
-}
-
-TEST(ByteBlockResize, ZeroGivesTheMemoryBack)
-{
-    ByteBlock block;
-    ASSERT_TRUE(block.Resize(100));
-    std::memset(block.Data(), 0xAB, 100);
-    ASSERT_TRUE(block.Resize(0));
-    EXPECT_EQ(block.Data(), nullptr);
-    EXPECT_EQ(block.Capacity(), 0u);
-    ASSERT_TRUE(block.Resize(10));
-    EXPECT_EQ(block.Capacity(), 10u);
-    for (std::uint32_t i = 0; i < 10; ++i)
-        EXPECT_EQ(block.Data()[i], 0) << i;
+    for (int round = 0; round < 2; ++round) {
+        SCOPED_TRACE(round);
+        ASSERT_TRUE(block.Resize(10));
+        EXPECT_EQ(block.Capacity(), 10u);
+        EXPECT_EQ(std::count(block.Data(), block.Data() + 10, 0), 10);
+        std::memset(block.Data(), 0xAB, 10);
+        ASSERT_TRUE(block.Resize(0));
+        EXPECT_EQ(block.Data(), nullptr);
+        EXPECT_EQ(block.Capacity(), 0u);
+    }
 }
 
 TEST(ByteBlockResize, ShrinkKeepsMemoryAndBytes)

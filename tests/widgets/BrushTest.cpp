@@ -38,9 +38,6 @@ TEST_F(BrushTest, ColourTextsNameSystemColoursOrHoldHex)
     EXPECT_FALSE(brush.SetAttribute(u"Color", u"0x12345678"));
     EXPECT_TRUE(brush.SetAttribute(u"Color", u"no digit"));
     EXPECT_EQ(brush.GetColor(), 0u);
-    // Other keys reach the common ones.
-    EXPECT_TRUE(brush.SetAttribute(u"Visible", u"false"));
-    EXPECT_FALSE(brush.SetAttribute(u"Text", u"x"));
 
     // Load reads the raw text: quotes are not taken off.
     brush.SetAttribute(u"Color", u"FFFFFFFF");

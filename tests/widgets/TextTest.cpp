@@ -95,8 +95,6 @@ TEST_F(TextTest, LoadAndSetReadTheirKeysEachInTheirOwnWay)
     saved = {};
     EXPECT_FALSE(text.SaveToText(saved, options, false));
     EXPECT_EQ(saved, u"");
-    EXPECT_TRUE(text.SetAttribute(u"Enable", u"false"));
-    EXPECT_FALSE(text.SetAttribute(u"Unknown", u"x"));
 }
 
 } // namespace
