@@ -18,34 +18,27 @@ std::string Pattern(std::size_t size)
 
 } // namespace
 
-TEST(FileStream, ClosedStreamReadsNothing)
-{
-    FileStream stream;
-    char byte = 0;
-    EXPECT_EQ(stream.Read(&byte, 1), 0u);
-    EXPECT_EQ(stream.Write(&byte, 1), 0u);
-    EXPECT_FALSE(stream.SeekTo(0));
-    EXPECT_EQ(stream.Tell(), 0);
-    EXPECT_EQ(stream.GetSize(), 0);
-    WideString text;
-    EXPECT_FALSE(stream.ReadText(text, 4));
-}
-
-TEST(FileStream, OpenFailsForMissingFileAndDirectory)
-{
-    TempDir dir;
-    FileStream stream;
-    EXPECT_FALSE(stream.OpenPlain(dir.PathOf("missing"), platform::kFileAttributeNormal));
-    EXPECT_FALSE(stream.OpenPlain(dir.MakeDir("folder"), platform::kFileAttributeNormal));
-    EXPECT_FALSE(stream.IsOpen());
-    EXPECT_TRUE(stream.GetPath().IsEmpty());
-}
-
+// A stream that is closed, or failed to open a missing file or a folder,
+// reads, writes and seeks nothing.
 TEST(FileStream, OpenCloseAndReopen)
 {
     TempDir dir;
-    WideString path = dir.Write("a", "hello");
     FileStream stream;
+    for (const WideString& path : {dir.PathOf("missing"), dir.MakeDir("folder")}) {
+        EXPECT_FALSE(stream.OpenPlain(path, platform::kFileAttributeNormal));
+        EXPECT_FALSE(stream.IsOpen());
+        EXPECT_TRUE(stream.GetPath().IsEmpty());
+        char byte = 0;
+        EXPECT_EQ(stream.Read(&byte, 1), 0u);
+        EXPECT_EQ(stream.Write(&byte, 1), 0u);
+        EXPECT_FALSE(stream.SeekTo(0));
+        EXPECT_EQ(stream.Tell(), 0);
+        EXPECT_EQ(stream.GetSize(), 0);
+        WideString text;
+        EXPECT_FALSE(stream.ReadText(text, 4));
+    }
+
+    WideString path = dir.Write("a", "hello");
     ASSERT_TRUE(stream.OpenPlain(path, platform::kFileAttributeNormal));
     EXPECT_EQ(stream.GetPath(), path);
     EXPECT_EQ(stream.GetSize(), 5);
