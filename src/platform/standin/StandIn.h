@@ -65,7 +65,6 @@ struct platform::WindowObject {
     PixelRect bounds;
     bool shown = false;
     int lastShowCommand = -1;
-    std::uint32_t lastPositionFlags = 0;
     bool acceptsDrops = false;
     bool inputEnabled = true;
     DeviceContextObject deviceContext{this};

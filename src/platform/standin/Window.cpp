@@ -178,7 +178,6 @@ bool SetWindowPosition(WindowHandle window, std::int32_t x, std::int32_t y, std:
     }
     if ((flags & kPositionNoMove) == 0)
         bounds = {x, y, x + bounds.Width(), y + bounds.Height()};
-    window->lastPositionFlags = flags;
     return true;
 }
 
