@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 // A host that has no window and keeps the commands that reach it.
@@ -55,6 +56,22 @@ protected:
     {
         platform::WindowContextScope screen(nullptr);
         ASSERT_TRUE(viewer.Resize(screen.Context(), width, height));
+    }
+
+    // The codes of the commands that reached the host since the last call.
+    std::vector<std::uint32_t> Codes()
+    {
+        std::vector<std::uint32_t> codes;
+        for (const WidgetEvent& event : host.commands)
+            codes.push_back(event.Code);
+        host.commands.clear();
+        return codes;
+    }
+    // A widget's value under key, or "<unknown>" when it has no such key.
+    static std::u16string Get(Widget& widget, const char16_t* key)
+    {
+        WideString value;
+        return widget.GetAttribute(key, value) ? value.ToU16String() : u"<unknown>";
     }
 
     platform::GdiplusToken gdiplus = 0;

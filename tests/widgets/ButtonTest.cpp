@@ -36,22 +36,6 @@ protected:
     {
         return button.OnEvent(nullptr, message, 0, 0, {x, y});
     }
-
-    // The codes that reached the host since the last call.
-    std::vector<std::uint32_t> Codes()
-    {
-        std::vector<std::uint32_t> codes;
-        for (const WidgetEvent& event : host.commands)
-            codes.push_back(event.Code);
-        host.commands.clear();
-        return codes;
-    }
-
-    static std::u16string Get(Button& button, const char16_t* key)
-    {
-        WideString value;
-        return button.GetAttribute(key, value) ? value.ToU16String() : u"<unknown>";
-    }
 };
 
 TEST_F(ButtonTest, FaceColoursFollowTheLookWithTheirFallbacks)

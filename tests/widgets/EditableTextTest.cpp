@@ -92,20 +92,6 @@ protected:
         platform::SendToWindow(host.window, platform::kMessageLeftButtonUp, 0, y << 16 | x);
     }
 
-    // The codes that reached the host since the last call.
-    std::vector<std::uint32_t> Codes()
-    {
-        std::vector<std::uint32_t> codes;
-        for (const WidgetEvent& event : host.commands)
-            codes.push_back(event.Code);
-        host.commands.clear();
-        return codes;
-    }
-    static std::u16string Get(Widget& widget, const char16_t* key)
-    {
-        WideString value;
-        return widget.GetAttribute(key, value) ? value.ToU16String() : u"<unknown>";
-    }
     static EditControlRecord Control()
     {
         EditControlRecord record;
