@@ -1,6 +1,6 @@
 #include "check/WaveCheck.h"
 
-#include "platform/FileSystem.h"
+#include "check/FileFacts.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
 #include "wave/WaveDocument.h"
@@ -69,8 +69,7 @@ void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportH
     reportHasError = true;
     const WideString path = wavePath;
 
-    const std::uint32_t attributes = platform::GetPathAttributes(path.View());
-    if (attributes == platform::kInvalidFileAttributes || (attributes & platform::kFileAttributeDirectory)) {
+    if (!IsExistingFile(path)) {
         report += kNoFile;
         return;
     }

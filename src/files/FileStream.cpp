@@ -32,12 +32,30 @@ bool FileStream::OpenPlain(const WideString& newPath, std::uint32_t flags)
         return false;
     path = newPath;
     position = 0;
+    sectorSize = 0;
+    writable = false;
+    return true;
+}
+
+bool FileStream::CreateNew(const WideString& newPath, bool aligned)
+{
+    handle = platform::OpenFileForWriting(newPath.View(),
+                                          platform::kFileAttributeNormal | (aligned ? platform::kFileFlagNoBuffering : 0),
+                                          true);
+    if (!handle)
+        return false;
+    if (aligned)
+        return StartAligned(newPath, true);
+    path = newPath;
+    position = 0;
+    sectorSize = 0;
+    writable = false;
     return true;
 }
 
 bool FileStream::EnableReadAhead(std::uint32_t bufferSize)
 {
-    if (!handle || bufferSize < 2)
+    if (!handle || bufferSize < 2 || sectorSize > 0)
         return false;
     auto buffer = std::make_unique<ReadAheadBuffer>();
     buffer->bytes = static_cast<std::uint8_t*>(std::malloc(bufferSize));
@@ -52,14 +70,19 @@ bool FileStream::EnableReadAhead(std::uint32_t bufferSize)
     return true;
 }
 
+// The transfer buffer stays until the next aligned open or the destructor.
 void FileStream::Close()
 {
     if (handle)
         platform::CloseFile(handle);
     handle = nullptr;
+    if (sectorSize > 0 && writable)
+        EndAlignedWrite();
     path.Clear();
     readAhead.reset();
     position = 0;
+    sectorSize = 0;
+    writable = false;
 }
 
 // One read of the operating system; the bytes it reports, 0 on any error or
@@ -68,6 +91,8 @@ std::uint32_t FileStream::Read(void* destination, std::uint32_t count)
 {
     if (!handle || count == 0)
         return 0;
+    if (sectorSize > 0)
+        return ReadAligned(static_cast<std::uint8_t*>(destination), count);
     if (readAhead)
         return ReadBuffered(static_cast<std::uint8_t*>(destination), count);
     std::int64_t got = platform::ReadFromFile(handle, destination, count);
@@ -126,6 +151,8 @@ std::uint32_t FileStream::Write(const void* source, std::uint32_t count)
 {
     if (!handle)
         return 0;
+    if (sectorSize > 0 && writable)
+        return WriteAligned(static_cast<const std::uint8_t*>(source), count);
     if (readAhead) {
         if (!MoveSystemPointerTo(position))
             return 0;
@@ -147,6 +174,15 @@ bool FileStream::Seek(std::int64_t offset, platform::SeekOrigin origin)
 {
     if (!handle)
         return false;
+    if (sectorSize > 0) {
+        switch (origin) {
+        case platform::SeekOrigin::Begin: return SeekAligned(offset);
+        case platform::SeekOrigin::Current: return SeekAligned(position + offset);
+        // Counted back from the end, as the sector rule has it.
+        case platform::SeekOrigin::End: return SeekAligned(GetSize() - offset);
+        }
+        return false;
+    }
     if (!readAhead) {
         std::int64_t reached = 0;
         return platform::SeekFile(handle, offset, origin, reached);
@@ -165,7 +201,7 @@ std::int64_t FileStream::Tell()
 {
     if (!handle)
         return 0;
-    if (readAhead)
+    if (readAhead || sectorSize > 0)
         return position;
     std::int64_t current = 0;
     if (!platform::SeekFile(handle, 0, platform::SeekOrigin::Current, current))
@@ -176,6 +212,9 @@ std::int64_t FileStream::Tell()
 // The size of the file, 0 on error.
 std::int64_t FileStream::GetSize()
 {
+    // What is being written in aligned mode ends at the logical position.
+    if (handle && sectorSize > 0 && writable)
+        return position;
     std::int64_t size = 0;
     if (!handle || !platform::QueryFileSize(handle, size))
         return 0;

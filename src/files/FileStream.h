@@ -7,13 +7,18 @@
 #include <memory>
 
 // The one way to a file: a thin object over a file handle with 64-bit
-// positions, opened for reading. It owns its handle and is not copied; it has
-// no lock of its own.
+// positions. It owns its handle and is not copied; it has no lock of its own.
+// Streams open for reading; CreateNew makes a new file to write.
 //
 // Plain mode sends every operation straight to the operating system. A
 // reader that walks a file in small steps may switch on read-ahead: small
 // reads are then served from one buffer filled by large reads, and seeks only
 // move a logical position, with results the same as in plain mode.
+//
+// Aligned mode bypasses the system's cache: every transfer goes through a
+// page-aligned buffer of 1024 sectors and covers whole sectors, while the
+// stream keeps a logical byte position of its own. Callers see the same
+// operations with byte positions and counts.
 class FileStream {
 public:
     FileStream();
@@ -22,12 +27,18 @@ public:
     FileStream& operator=(const FileStream&) = delete;
 
     bool OpenPlain(const WideString& path, std::uint32_t flags);
+    bool OpenAligned(const WideString& path, std::uint32_t flags);
+    // Makes a new file for writing and reading; false when one exists at
+    // path. With aligned set, the stream writes in aligned mode, and Close
+    // sets the end of the file to the logical position.
+    bool CreateNew(const WideString& path, bool aligned);
     // Reads of fewer than half of bufferSize bytes go through a buffer of
     // that size from now until Close. False when there is no memory for it;
     // the stream then stays in plain mode.
     bool EnableReadAhead(std::uint32_t bufferSize);
     void Close();
     bool IsOpen() const { return handle != nullptr; }
+    bool IsAligned() const { return sectorSize > 0; }
 
     std::uint32_t Read(void* destination, std::uint32_t count);
     std::uint32_t Write(const void* source, std::uint32_t count);
@@ -40,13 +51,33 @@ public:
 
 private:
     struct ReadAheadBuffer;
+    struct TransferBuffer {
+        void* memory = nullptr;
+        std::uint32_t size = 0;
+        ~TransferBuffer();
+    };
 
     std::uint32_t ReadBuffered(std::uint8_t* destination, std::uint32_t count);
     bool MoveSystemPointerTo(std::int64_t target);
 
+    // Aligned mode
+    bool StartAligned(const WideString& newPath, bool canWrite);
+    std::uint32_t ReadAligned(std::uint8_t* destination, std::uint32_t count);
+    std::uint32_t WriteAligned(const std::uint8_t* source, std::uint32_t count);
+    bool SeekAligned(std::int64_t target);
+    bool MoveSystemPointer(std::int64_t target);
+    bool LoadSector(std::uint32_t bufferOffset, std::int64_t filePosition, bool whole);
+    std::int64_t RoundUp(std::int64_t count) const;
+    std::uint32_t TakeFor(std::int64_t offset, std::uint32_t left) const;
+    void EndAlignedWrite();
+
     platform::FileHandle handle = nullptr;
     WideString path;
     std::unique_ptr<ReadAheadBuffer> readAhead;
-    // The logical position while read-ahead is on.
+    std::unique_ptr<TransferBuffer> transferBuffer;
+    // The logical position while read-ahead or aligned mode is on.
     std::int64_t position = 0;
+    // Bytes per sector in aligned mode; 0 in plain mode.
+    std::int32_t sectorSize = 0;
+    bool writable = false;
 };

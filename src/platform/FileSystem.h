@@ -28,5 +28,10 @@ bool ChangeCurrentDirectory(std::u16string_view path);
 // Windows, the root folder on POSIX. Such a path doesn't depend on the
 // current directory.
 bool HasDrive(std::u16string_view path);
+// Removes a file; false when it can't be.
+bool RemoveFile(std::u16string_view path);
+// Gives the file at from the name to, never replacing a file that is there
+// already: false then, and when the rename fails.
+bool RenameFileNoReplace(std::u16string_view from, std::u16string_view to);
 
 } // namespace platform

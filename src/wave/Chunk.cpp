@@ -1,12 +1,20 @@
 #include "wave/Chunk.h"
 
+#include "files/BufferPool.h"
+#include "layouttext/LayoutDocument.h"
+#include "wave/ChunkWriteGuard.h"
 #include "wave/FourCc.h"
 #include "wave/WaveDocument.h"
+
+#include <algorithm>
 
 namespace {
 
 // Bodies of this size and more are skipped by a seek and never read in.
 constexpr std::int64_t kLargestBodyRead = 1023;
+
+// Bodies are copied in pieces of this size.
+constexpr std::int64_t kCopyPiece = 2048;
 
 } // namespace
 
@@ -74,4 +82,85 @@ bool Chunk::Read(std::uint32_t chunkId)
             return false;
     }
     return true;
+}
+
+std::uint32_t ChunkIdFromName(const WideString& name)
+{
+    const std::u16string_view text = name.View();
+    if (text == u"RF64")
+        return kIdRf64;
+    if (text == u"Riff")
+        return kIdRiff;
+    if (text == u"Data")
+        return kIdData;
+    if (text == u"Format")
+        return kIdFormat;
+    return 0;
+}
+
+// The attributes go by the virtual SetAttribute, whose results don't
+// matter here; the map is walked in its own order.
+bool Chunk::LoadDescription(LayoutDocument& sections)
+{
+    if (sections.GetSectionCount() == 0)
+        return false;
+    id = ChunkIdFromName(sections.GetSectionName(0));
+    const AttributeMap& attributes = sections.GetSectionMap(0);
+    WideString key, value;
+    for (std::int32_t i = 0; attributes.GetEntry(i, key, value); ++i)
+        SetAttribute(key, value);
+    sections.RemoveFirstSection();
+    return true;
+}
+
+bool Chunk::SetAttribute(const WideString&, const WideString&)
+{
+    return false;
+}
+
+// Copies the body from the document's file, byte for byte, in pieces of
+// 2048 bytes; children are not visited. Without a readable source (a chunk
+// of a description) the chunk goes out empty. A child of a list that took
+// its size from the list writes its id alone, the body straight behind it.
+// The copy stops at the first piece that can't be read or written in full,
+// and the size field then holds what was copied.
+bool Chunk::Write(FileStream& target)
+{
+    StreamGuard guard;
+    FileStream& source = document->AcquireStream(guard);
+    if (document->GetContainerKind() != kContainerRiff)
+        return false;
+    if (!source.IsOpen()) {
+        ChunkWriteGuard empty(target, id);
+        return true;
+    }
+    if (!source.SeekTo(position + 8))
+        return false;
+    std::unique_ptr<ChunkWriteGuard> header;
+    if (readsOwnSize)
+        header = std::make_unique<ChunkWriteGuard>(target, id);
+    else
+        WriteU32(target, id);
+
+    bool copied = true;
+    {
+        PooledBlockLease lease;
+        ByteBlock& block = lease.Block();
+        for (std::int64_t done = 0; done < size;) {
+            const auto piece = static_cast<std::uint32_t>(std::min(kCopyPiece, size - done));
+            if (!block.Resize(piece) || !block.ReadFrom(source)) {
+                copied = false;
+                break;
+            }
+            const std::uint32_t n = block.Size();
+            if (target.Write(block.Data(), n) < n) {
+                copied = false;
+                break;
+            }
+            done += n;
+        }
+    }
+    if (header)
+        header->Finish();
+    return copied;
 }

@@ -1,17 +1,28 @@
 #pragma once
 
 #include "base/Array.h"
+#include "base/WideString.h"
 #include "files/ByteBlock.h"
 
 #include <cstdint>
 #include <memory>
 
 class FileStream;
+class LayoutDocument;
 class WaveDocument;
+
+// The id of a section name of a chunk description, compared exactly: RF64,
+// Riff, Data and Format; 0 for any other name.
+std::uint32_t ChunkIdFromName(const WideString& name);
 
 // One chunk of a RIFF file, and the class of every id without one of its
 // own. Its parent owns it (the document owns the top-level chunks); it owns
 // its children. Read on the document's thread only.
+//
+// A chunk is made either by reading a file or from a description, a section
+// text whose sections name chunks and whose keys set their attributes. It
+// writes itself out to a stream, copying its body from the file it was read
+// from by its position and size, in pieces; the body is never held whole.
 class Chunk {
 public:
     explicit Chunk(WaveDocument& document);
@@ -21,6 +32,14 @@ public:
 
     // Overrideables
     virtual bool Read(std::uint32_t id);
+    // Takes the first section of sections as this chunk's id and
+    // attributes, and removes it; false when there is none.
+    virtual bool LoadDescription(LayoutDocument& sections);
+    // True when the value changed something; the base class takes no name.
+    virtual bool SetAttribute(const WideString& name, const WideString& value);
+    // False when anything could not be written; what was written stays,
+    // with its size fields patched to it.
+    virtual bool Write(FileStream& target);
 
     // Operations
     std::uint32_t GetId() const { return id; }
@@ -31,6 +50,12 @@ public:
     // A parent that knows the size of its child hands it over and stops the
     // child from reading a size field of its own.
     void SetSizeFromParent(std::int64_t parentSize);
+    bool ReadsOwnSize() const { return readsOwnSize; }
+
+    // Mending the tree before a write: another size for the body to copy,
+    // and a chunk taken in as the last child.
+    void SetSize(std::int64_t newSize) { size = newSize; }
+    void AdoptChild(std::unique_ptr<Chunk> child) { children.Add(std::move(child)); }
 
 protected:
     // Reads 4 bytes as an unsigned little-endian number; false when fewer came.

@@ -4,7 +4,7 @@
 #include "wave/FormatChunk.h"
 #include "wave/WaveDocument.h"
 
-DataChunk::DataChunk(WaveDocument& document) : Chunk(document)
+DataChunk::DataChunk(WaveDocument& document, bool aligned) : Chunk(document), aligned(aligned)
 {
     document.RegisterDataChunk(this, true);
 }
@@ -23,9 +23,15 @@ bool DataChunk::Read(std::uint32_t chunkId)
     StreamGuard guard;
     FileStream& stream = document->AcquireStream(guard);
     const WideString path = stream.GetPath();
-    constexpr std::uint32_t kFlags = platform::kFileAttributeNormal | platform::kFileFlagSequentialScan;
-    if (!frameStream.OpenPlain(path, kFlags) || !spareStream.OpenPlain(path, kFlags))
-        return false;
+    if (aligned) {
+        if (!frameStream.OpenAligned(path, platform::kFileAttributeNormal) ||
+            !spareStream.OpenAligned(path, platform::kFileAttributeNormal))
+            return false;
+    } else {
+        constexpr std::uint32_t kFlags = platform::kFileAttributeNormal | platform::kFileFlagSequentialScan;
+        if (!frameStream.OpenPlain(path, kFlags) || !spareStream.OpenPlain(path, kFlags))
+            return false;
+    }
     if (size == 0)
         stream.Seek(0, platform::SeekOrigin::End);
     return true;
@@ -53,4 +59,43 @@ void DataChunk::CloseStreams()
 {
     frameStream.Close();
     spareStream.Close();
+}
+
+bool DataChunk::Write(FileStream& target)
+{
+    const FormatChunk* formatChunk = document->GetFormatChunk();
+    if (!formatChunk)
+        return false;
+    const WaveFormat format = formatChunk->GetFormat();
+    if (format.channels < 1 || format.blockAlign < 1)
+        return false;
+    return Chunk::Write(target);
+}
+
+bool DataChunk::ReadFrames(FileStream& stream, FrameBlock& block, std::int64_t first, std::int32_t count)
+{
+    const FormatChunk* formatChunk = document->GetFormatChunk();
+    const WaveFormat format = formatChunk ? formatChunk->GetFormat() : WaveFormat();
+    if (format.channels < 1 || format.blockAlign < 1)
+        return false;
+    std::int64_t frames = count;
+    if (first + frames <= 0)
+        return false;
+    if (first < 0) {
+        frames += first;
+        first = 0;
+    }
+    if (frames < 0)
+        frames = 1024;
+    if (first + frames > frameCount)
+        frames = frameCount - first;
+    if (frames <= 0 || frames > FrameBlock::kMostFrames)
+        return false;
+    if (!block.Prepare(static_cast<std::uint32_t>(frames), format.channels, format.blockAlign))
+        return false;
+    if (!stream.SeekTo(format.blockAlign * first + position + 8))
+        return false;
+    const std::uint32_t got = stream.Read(block.Data(), block.Length());
+    block.Cut(got);
+    return got != 0;
 }

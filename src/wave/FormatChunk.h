@@ -17,6 +17,7 @@ struct WaveFormat {
     static constexpr std::uint32_t kRecordBytes = 18;
     // The record from its bytes; fewer than 18 leave the rest zero.
     static WaveFormat FromBytes(const std::uint8_t* bytes, std::uint32_t count);
+    void ToBytes(std::uint8_t (&record)[kRecordBytes]) const;
 };
 
 constexpr std::uint16_t kFormatTagPcm = 1;
@@ -29,10 +30,17 @@ public:
     ~FormatChunk() override;
 
     bool Read(std::uint32_t id) override;
+    // Format=PCM, and the decimal numbers Ch, Bit and Freq; the block
+    // alignment and byte rate follow from those of a PCM format.
+    bool SetAttribute(const WideString& name, const WideString& value) override;
+    // Always the 18 bytes of the record, whatever the source held behind it.
+    bool Write(FileStream& target) override;
 
     WaveFormat GetFormat() const;
     bool IsPcm() const;
 
 private:
+    void UpdateDerivedFields();
+
     WaveFormat format;
 };

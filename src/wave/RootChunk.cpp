@@ -1,5 +1,7 @@
 #include "wave/RootChunk.h"
 
+#include "layouttext/LayoutDocument.h"
+#include "wave/ChunkWriteGuard.h"
 #include "wave/FourCc.h"
 #include "wave/WaveDocument.h"
 
@@ -51,4 +53,43 @@ bool RootChunk::Read(std::uint32_t chunkId)
         if (stream.Tell() >= end)
             return true;
     }
+}
+
+// A child that can't take its section is destroyed; true once every
+// section is used up.
+bool RootChunk::LoadDescription(LayoutDocument& sections)
+{
+    if (!Chunk::LoadDescription(sections))
+        return false;
+    while (sections.GetSectionCount() > 0) {
+        std::unique_ptr<Chunk> child;
+        if (!document->CreateChunk(ChunkIdFromName(sections.GetSectionName(0)), child))
+            return false;
+        if (child->LoadDescription(sections))
+            children.Add(std::move(child));
+    }
+    return true;
+}
+
+bool RootChunk::SetAttribute(const WideString& name, const WideString& value)
+{
+    if (name.View() != u"Type" || value.View() != u"Wave")
+        return false;
+    const bool changed = formType != kIdWave;
+    formType = kIdWave;
+    return changed;
+}
+
+// The first child that fails ends the write; the size field then holds
+// what went out.
+bool RootChunk::Write(FileStream& target)
+{
+    ChunkWriteGuard header(target, kIdRiff);
+    if (!WriteU32(target, formType))
+        return false;
+    for (const auto& child : children) {
+        if (!child->Write(target))
+            return false;
+    }
+    return true;
 }

@@ -9,6 +9,14 @@ public:
     ~RootChunk() override;
 
     bool Read(std::uint32_t id) override;
+    // Its own section, then one child for each section that follows, made
+    // by the document's factory from the section's name.
+    bool LoadDescription(LayoutDocument& sections) override;
+    // Type=Wave sets the form type WAVE.
+    bool SetAttribute(const WideString& name, const WideString& value) override;
+    // Always as RIFF, whatever the id read, with the form type and every
+    // child in order.
+    bool Write(FileStream& target) override;
 
     std::uint32_t GetFormType() const { return formType; }
 

@@ -79,9 +79,10 @@ bool WaveDocument::Open(const WideString& path)
     platform::LockGuard guard(lock);
     nestingDepth = 0;
     walkAbandoned = false;
-    if (!stream.OpenPlain(path, kOpenFlags))
+    if (!(alignedIo ? stream.OpenAligned(path, kOpenFlags) : stream.OpenPlain(path, kOpenFlags)))
         return false;
-    // Without memory for it the walk is slower, with the same results.
+    // Without memory for it the walk is slower, with the same results. An
+    // aligned stream reads by sectors and has none.
     stream.EnableReadAhead(BufferBytesFor(stream.GetSize(), kReadAheadBytes));
 
     bool result = true;
@@ -176,6 +177,12 @@ bool WaveDocument::HoldsRegistrySlot(const Chunk& chunk) const
     return false;
 }
 
+std::unique_ptr<Chunk> WaveDocument::TakeChunk(std::size_t index)
+{
+    platform::LockGuard guard(lock);
+    return chunks.RemoveAt(index);
+}
+
 // Releases whatever the guard held and enters the lock, which stays held
 // until the guard is released or destroyed.
 FileStream& WaveDocument::AcquireStream(StreamGuard& guard)
@@ -212,7 +219,7 @@ bool WaveDocument::CreateChunk(std::uint32_t id, std::unique_ptr<Chunk>& slot)
         containerKind = kContainerRiff;
         slot.reset(new (std::nothrow) RootChunk(*this));
     } else {
-        slot.reset(new (std::nothrow) DataChunk(*this));
+        slot.reset(new (std::nothrow) DataChunk(*this, alignedIo));
     }
     return slot != nullptr;
 }

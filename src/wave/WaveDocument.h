@@ -49,11 +49,17 @@ public:
     WaveDocument& operator=(const WaveDocument&) = delete;
 
     bool Open(const WideString& path);
+    // Aligned mode for the next Open: the document's stream and the data
+    // chunk's streams bypass the system's cache.
+    void SetAlignedIo(bool aligned) { alignedIo = aligned; }
     std::int32_t GetContainerKind() const { return containerKind; }
     FormatChunk* GetFormatChunk() const { return formatChunk; }
     DataChunk* GetDataChunk() const { return dataChunk; }
     FileStream& AcquireStream(StreamGuard& guard);
     const Array<std::unique_ptr<Chunk>>& GetChunks() const { return chunks; }
+    // Takes a top-level chunk out of the document, to mend the tree before
+    // a write.
+    std::unique_ptr<Chunk> TakeChunk(std::size_t index);
 
     // Chunk factories
     bool CreateChunk(std::uint32_t id, std::unique_ptr<Chunk>& slot);
@@ -82,6 +88,7 @@ private:
     void DestroyChunks();
 
     platform::RecursiveLock lock;
+    bool alignedIo = false;
     std::int32_t containerKind = kContainerUnknown;
     FileStream stream;
     Array<std::unique_ptr<Chunk>> chunks;

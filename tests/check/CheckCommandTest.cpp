@@ -93,8 +93,13 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
     dir.Write("sound.wav", SoundWave());
     dir.Write("--json", SoundWave());
     dir.Write("-x", "not a wave file");
-    const std::string usage = "usage: sondara-check [--json] FILE...\n";
+    const std::string usage = "usage: sondara-check [--json] [--chunks | --levels] FILE...\n"
+                              "       sondara-check [--json] --tidy OUT FILE\n";
+    const std::string soundChunks = "RIFF at 0, 52 bytes, form WAVE\n  fmt  at 12, 16 bytes\n  data at 36, 16 bytes\n";
+    const std::string silentChannel = "peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n";
     const std::string clear = "チェック完了しました。\n";
+    // Help is the usage and then a word on each option; its first line stands for it.
+    const std::string help = usage + "Checks WAV files as the Sondara window does and prints a report for each.\n";
     const std::string notRiff = "RIFF形式ではありません。\n";
     const std::string noFile = "ファイルがありません。\n";
     const std::string clearJson = "\\u30c1\\u30a7\\u30c3\\u30af\\u5b8c\\u4e86\\u3057\\u307e\\u3057\\u305f\\u3002\\r\\n";
@@ -104,9 +109,8 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
         int status;
         std::string out, err;
     } cases[] = {
-        {{"--help"}, 0, usage, ""},
         // Help goes before any check, wherever it stands among the options.
-        {{"sound.wav", "--help", "-x"}, 0, usage, ""},
+        {{"sound.wav", "--help", "-x"}, 0, help, ""},
         {{}, 2, "", usage},
         {{"--json"}, 2, "", usage},
         {{"-x"}, 2, "", "sondara-check: unknown option -x\n" + usage},
@@ -123,6 +127,25 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
          "[\n  {\"path\": \"--json\", \"report\": \"" + clearJson + "\", \"hasError\": false},\n"
          "  {\"path\": \"-x\", \"report\": \"" + notRiffJson + "\", \"hasError\": true}\n]\n", ""},
         {{"--", "-x", "sound.wav"}, 1, "== -x\n" + notRiff + "== sound.wav\n" + clear, ""},
+        // The chunk list and the levels: a file that can't be listed or
+        // measured says why in its place, and makes the status 1.
+        {{"--chunks", "sound.wav"}, 0, soundChunks, ""},
+        {{"--chunks", "-", "sound.wav"}, 1, "== -\n(no such file)\n== sound.wav\n" + soundChunks, ""},
+        {{"--json", "--chunks", "--", "-x"}, 1, "[\n  {\"path\": \"-x\", \"error\": \"not a RIFF file\"}\n]\n", ""},
+        {{"--levels", "sound.wav"}, 0,
+         "duration 0:00.000 (4 frames at 44,100 Hz, 16-bit)\nchannel 1: " + silentChannel + "channel 2: " + silentChannel, ""},
+        {{"--json", "--levels", "sound.wav"}, 0,
+         "[\n  {\"path\": \"sound.wav\", \"frames\": 4, \"sampleRate\": 44100, \"bits\": 16, \"seconds\": 0.000091, "
+         "\"channels\": [{\"peak\": null, \"rms\": null, \"dcOffset\": 0.000000, \"fullScale\": 0}, "
+         "{\"peak\": null, \"rms\": null, \"dcOffset\": 0.000000, \"fullScale\": 0}]}\n]\n", ""},
+        {{"--levels", "--chunks", "sound.wav"}, 2, "", "sondara-check: --chunks, --levels and --tidy go one at a time\n" + usage},
+        {{"--tidy"}, 2, "", "sondara-check: --tidy needs the path of the copy\n" + usage},
+        {{"--tidy", "copy.wav", "sound.wav", "-"}, 2, "", "sondara-check: --tidy copies one file at a time\n" + usage},
+        // The copy never goes over a file, its input included.
+        {{"--tidy", "sound.wav", "sound.wav"}, 1, "not written: sound.wav exists; the copy goes to a new path only\n", ""},
+        {{"--json", "--tidy", "copy.wav", "sound.wav"}, 0,
+         "[\n  {\"path\": \"sound.wav\", \"output\": \"copy.wav\", \"written\": true, "
+         "\"changes\": [\"RIFF size 52 -> 54\", \"fmt: 16 -> 18 bytes\"]}\n]\n", ""},
     };
     for (const auto& c : cases) {
         std::string line;
@@ -131,7 +154,7 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
         SCOPED_TRACE("sondara-check" + line);
         const Outcome outcome = RunChecker(dir, c.arguments);
         EXPECT_EQ(outcome.status, c.status);
-        EXPECT_EQ(outcome.out, c.out);
+        EXPECT_EQ(c.out == help ? outcome.out.substr(0, help.size()) : outcome.out, c.out);
         EXPECT_EQ(outcome.err, c.err);
     }
 }

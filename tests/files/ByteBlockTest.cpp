@@ -1,3 +1,4 @@
+#include "files/BufferPool.h"
 #include "files/ByteBlock.h"
 #include "files/FileStream.h"
 #include "platform/File.h"
@@ -79,4 +80,23 @@ TEST(ByteBlockReadFrom, CutsToWhatCame)
     ByteBlock empty;
     EXPECT_FALSE(empty.ReadFrom(stream));
     EXPECT_EQ(empty.Data(), nullptr);
+}
+
+// Leases at the same time get different blocks; a block comes back to the
+// next borrower with its memory.
+TEST(BufferPoolLease, BlocksComeBackWithTheirMemory)
+{
+    ByteBlock* first = nullptr;
+    {
+        PooledBlockLease one;
+        PooledBlockLease two;
+        EXPECT_NE(&one.Block(), &two.Block());
+        first = &one.Block();
+        ASSERT_TRUE(one.Block().Resize(5000));
+    }
+    PooledBlockLease again;
+    EXPECT_EQ(&again.Block(), first);
+    EXPECT_EQ(again.Block().Capacity(), 5000u);
+    ByteBlock stranger;
+    EXPECT_FALSE(BufferPool::GetInstance().Release(&stranger));
 }

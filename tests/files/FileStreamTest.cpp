@@ -50,17 +50,23 @@ TEST(FileStream, OpenCloseAndReopen)
     EXPECT_EQ(std::string(bytes, 5), "hello");
 }
 
-// Read-ahead must not change any result of plain mode: the same sequence of
-// operations runs on both and is compared step by step.
-TEST(FileStream, ReadAheadGivesPlainResults)
+// Read-ahead and aligned mode must not change any result of plain mode:
+// the same sequence of operations runs on all three and is compared step by
+// step. The file is longer than the aligned buffer of 1024 sectors, so that
+// long reads cross its loads; short reads straddle sector edges, and reads
+// end short at the end of the file and give nothing behind it.
+TEST(FileStream, ReadAheadAndAlignedModeGivePlainResults)
 {
     TempDir dir;
-    const std::string content = Pattern(300000);
+    const std::string content = Pattern(1300000);
     WideString path = dir.Write("big", content);
-    FileStream plain, buffered;
+    FileStream plain, buffered, aligned;
     ASSERT_TRUE(plain.OpenPlain(path, platform::kFileAttributeNormal));
     ASSERT_TRUE(buffered.OpenPlain(path, platform::kFileAttributeNormal));
     ASSERT_TRUE(buffered.EnableReadAhead(4096));
+    ASSERT_TRUE(aligned.OpenAligned(path, platform::kFileAttributeNormal));
+    ASSERT_TRUE(aligned.IsAligned());
+    EXPECT_FALSE(aligned.EnableReadAhead(4096));
 
     struct Step {
         char kind; // 'r' read, 's' seek
@@ -73,19 +79,27 @@ TEST(FileStream, ReadAheadGivesPlainResults)
         {'s', -7, C},    {'r', 2047, B},   {'r', 2049, B},   {'s', 299990, B}, {'r', 100, B},
         {'r', 4, B},     {'s', 1000000, B}, {'r', 4, B},     {'s', -5, E},    {'r', 10, B},
         {'s', -400000, C}, {'s', 10, B},   {'r', 1, B},      {'s', 4096, C},  {'r', 8192, B},
+        {'s', 100, B},   {'r', 4, B},      {'s', 510, B},    {'r', 4, B},     {'s', 7, B},
+        {'r', 1200000, B}, {'s', 1299990, B}, {'r', 20, B},  {'r', 4, B},     {'s', 0, E},
+        {'r', 4, B},
     };
     for (const Step& step : steps) {
         SCOPED_TRACE(testing::Message() << step.kind << " " << step.amount << " " << static_cast<int>(step.origin));
         if (step.kind == 's') {
-            EXPECT_EQ(plain.Seek(step.amount, step.origin), buffered.Seek(step.amount, step.origin));
+            const bool moved = plain.Seek(step.amount, step.origin);
+            EXPECT_EQ(buffered.Seek(step.amount, step.origin), moved);
+            // Aligned mode counts back from the end; its only use is at 0.
+            EXPECT_EQ(step.origin == E ? aligned.SeekTo(plain.Tell()) : aligned.Seek(step.amount, step.origin), moved);
         } else {
-            std::string a(static_cast<std::size_t>(step.amount), 'x'), b = a;
+            std::string a(static_cast<std::size_t>(step.amount), 'x'), b = a, c = a;
             std::uint32_t gotA = plain.Read(a.data(), static_cast<std::uint32_t>(step.amount));
-            std::uint32_t gotB = buffered.Read(b.data(), static_cast<std::uint32_t>(step.amount));
-            EXPECT_EQ(gotA, gotB);
+            EXPECT_EQ(buffered.Read(b.data(), static_cast<std::uint32_t>(step.amount)), gotA);
+            EXPECT_EQ(aligned.Read(c.data(), static_cast<std::uint32_t>(step.amount)), gotA);
             EXPECT_EQ(a, b);
+            EXPECT_EQ(a, c);
         }
         EXPECT_EQ(plain.Tell(), buffered.Tell());
+        EXPECT_EQ(plain.Tell(), aligned.Tell());
     }
 }
 

@@ -2,9 +2,12 @@
 
 #include "platform/posix/Utf8Path.h"
 
+#include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <sys/stat.h>
+#include <fcntl.h>
 #include <unistd.h>
 #include <vector>
 
@@ -59,6 +62,26 @@ bool ChangeCurrentDirectory(std::u16string_view path)
 bool HasDrive(std::u16string_view path)
 {
     return !path.empty() && path.front() == u'/';
+}
+
+bool RemoveFile(std::u16string_view path)
+{
+    return unlink(posix::PathToBytes(path).c_str()) == 0;
+}
+
+bool RenameFileNoReplace(std::u16string_view from, std::u16string_view to)
+{
+    const std::string source = posix::PathToBytes(from);
+    const std::string target = posix::PathToBytes(to);
+    if (renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    // A file system without the flag: a link can't replace a file either.
+    if (link(source.c_str(), target.c_str()) != 0)
+        return false;
+    unlink(source.c_str());
+    return true;
 }
 
 } // namespace platform

@@ -16,6 +16,16 @@ FileHandle OpenFileForReading(std::u16string_view path, std::uint32_t flags)
     return reinterpret_cast<FileHandle>(file);
 }
 
+FileHandle OpenFileForWriting(std::u16string_view path, std::uint32_t flags, bool createNew)
+{
+    std::u16string terminated(path);
+    HANDLE file = CreateFileW(win32::Wide(terminated), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                              nullptr, createNew ? CREATE_NEW : OPEN_EXISTING, flags, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return nullptr;
+    return reinterpret_cast<FileHandle>(file);
+}
+
 void CloseFile(FileHandle file)
 {
     CloseHandle(reinterpret_cast<HANDLE>(file));
@@ -60,6 +70,38 @@ bool QueryFileSize(FileHandle file, std::int64_t& size)
         return false;
     size = (static_cast<std::int64_t>(high) << 32) | low;
     return true;
+}
+
+bool SetFileEnd(FileHandle file)
+{
+    return SetEndOfFile(reinterpret_cast<HANDLE>(file)) != FALSE;
+}
+
+// GetDiskFreeSpaceW on the root of the path's drive ("C:\"); a path
+// without a drive letter asks about the current drive.
+bool QueryBytesPerSector(std::u16string_view fullPath, std::uint32_t& bytes)
+{
+    std::u16string root;
+    if (fullPath.size() >= 2 && fullPath[1] == u':')
+        root = std::u16string(fullPath.substr(0, 2)) + u"\\";
+    DWORD sectorsPerCluster = 0, bytesPerSector = 0, freeClusters = 0, clusters = 0;
+    if (!GetDiskFreeSpaceW(root.empty() ? nullptr : win32::Wide(root), &sectorsPerCluster, &bytesPerSector,
+                           &freeClusters, &clusters) ||
+        bytesPerSector == 0)
+        return false;
+    bytes = bytesPerSector;
+    return true;
+}
+
+void* AllocateTransferMemory(std::size_t bytes)
+{
+    return VirtualAlloc(nullptr, bytes, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+}
+
+void FreeTransferMemory(void* memory, std::size_t)
+{
+    if (memory)
+        VirtualFree(memory, 0, MEM_RELEASE);
 }
 
 } // namespace platform

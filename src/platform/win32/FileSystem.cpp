@@ -58,4 +58,16 @@ bool HasDrive(std::u16string_view path)
     return path.size() >= 2 && path[1] == u':';
 }
 
+bool RemoveFile(std::u16string_view path)
+{
+    const std::u16string terminated(path);
+    return DeleteFileW(win32::Wide(terminated)) != FALSE;
+}
+
+bool RenameFileNoReplace(std::u16string_view from, std::u16string_view to)
+{
+    const std::u16string source(from), target(to);
+    return MoveFileExW(win32::Wide(source), win32::Wide(target), MOVEFILE_COPY_ALLOWED) != FALSE;
+}
+
 } // namespace platform

@@ -1,0 +1,34 @@
+#include "files/BufferPool.h"
+
+BufferPool& BufferPool::GetInstance()
+{
+    static BufferPool pool;
+    return pool;
+}
+
+// Memory exhaustion leaves by the containers' out-of-memory error.
+ByteBlock* BufferPool::Acquire()
+{
+    platform::LockGuard guard(lock);
+    std::size_t slot = 0;
+    while (slot < busy.Count() && busy.At(slot) != 0)
+        ++slot;
+    if (slot == busy.Count()) {
+        blocks.Add(std::make_unique<ByteBlock>());
+        busy.Add(0);
+    }
+    busy.At(slot) = 1;
+    return blocks.At(slot).get();
+}
+
+bool BufferPool::Release(ByteBlock* block)
+{
+    platform::LockGuard guard(lock);
+    for (std::size_t slot = 0; slot < blocks.Count(); ++slot) {
+        if (blocks.At(slot).get() == block) {
+            busy.At(slot) = 0;
+            return true;
+        }
+    }
+    return false;
+}

@@ -1,0 +1,198 @@
+// The chunk list, the levels and the tidy copy of sondara-check, on files
+// made here and on the samples of the repository.
+#include "check/ChunkList.h"
+#include "check/Levels.h"
+#include "check/TextFormat.h"
+#include "check/TidyCopy.h"
+#include "check/WaveCheck.h"
+#include "base/Utf8.h"
+#include "support/RiffBytes.h"
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+class StringSink : public TextSink {
+public:
+    void Put(std::string_view piece) override { text += piece; }
+    std::string text;
+};
+
+std::string Contents(const TempDir& dir, const std::string& name)
+{
+    std::ifstream in(dir.Native() + "/" + name, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+std::string Check(const WideString& path)
+{
+    CheckReport report;
+    bool hasError = false;
+    RunWaveCheck(path, report, hasError);
+    return WideToUtf8(report.View());
+}
+
+std::string Levels(const WideString& path)
+{
+    LevelReport report;
+    std::string problem;
+    return MeasureLevels(path, report, problem) ? FormatLevelsText(report) : problem;
+}
+
+// Frames of 16-bit stereo whose samples run through many values.
+std::string Tone(std::uint32_t frames)
+{
+    RiffBytes samples;
+    for (std::uint32_t i = 0; i < frames; ++i)
+        samples.U16(static_cast<std::uint16_t>(i * 977)).U16(static_cast<std::uint16_t>(30000 - i * 13));
+    return samples.Bytes();
+}
+
+const std::string kFormat = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
+
+} // namespace
+
+// Each chunk on a line by depth, a list with its type and INFO entries, and
+// a mark where a size runs past the end of the file or of the chunk around
+// it; the RIFF size here is too small for the data chunk.
+TEST(ChunkList, MarksSizesPastAnEnd)
+{
+    TempDir dir;
+    const std::string info = RiffBytes().Id("LIST").U32(26).Id("INFO").Chunk("INAM", "take\0").Chunk("IART", "me").Bytes();
+    const std::string bytes = RiffBytes().Id("RIFF").U32(4 + 24 + 34 + 8).Id("WAVE").Raw(kFormat).Raw(info)
+                                  .Id("data").U32(100).Raw(std::string(60, 'd')).Bytes();
+    StringSink sink;
+    EXPECT_FALSE(ListChunks(dir.Write("a.wav", bytes), false, sink));
+    EXPECT_EQ(sink.text, "RIFF at 0, 70 bytes, form WAVE\n"
+                         "  fmt  at 12, 16 bytes\n"
+                         "  LIST at 36, 26 bytes, list INFO: INAM \"take\", IART \"me\"\n"
+                         "  data at 70, 100 bytes; runs past the end of the file by 40 bytes; runs past the end of "
+                         "its parent by 100 bytes\n");
+    StringSink json;
+    ListChunks(dir.Write("b.wav", SoundWave()), true, json);
+    EXPECT_NE(json.text.find(", \"chunks\": [\n    {\"depth\": 0, \"offset\": 0, \"id\": \"RIFF\", \"size\": 52, \"form\": "
+                             "\"WAVE\", \"pastFileEnd\": false, \"pastParentEnd\": false},\n    {\"depth\": 1, \"offset\": 12, "
+                             "\"id\": \"fmt \", \"size\": 16, \"pastFileEnd\": false, \"pastParentEnd\": false},\n    "
+                             "{\"depth\": 1, \"offset\": 36, \"id\": \"data\", \"size\": 16, \"pastFileEnd\": false, "
+                             "\"pastParentEnd\": false}\n  ]}"),
+              std::string::npos)
+        << json.text;
+}
+
+// Full scale is the highest and the lowest code; 8-bit samples are
+// unsigned around 128, 24-bit ones signed. What is not 8, 16 or 24-bit PCM
+// is refused with a word on why.
+TEST(LevelsOf, EachSampleWidth)
+{
+    TempDir dir;
+    auto wave = [](std::uint16_t tag, std::uint16_t channels, std::uint16_t bits, const std::string& samples) {
+        return Riff(RiffBytes().Chunk("fmt ", FormatBody(tag, channels, 8000, bits)).Chunk("data", samples).Bytes());
+    };
+    const struct {
+        std::string bytes, levels;
+    } cases[] = {
+        {wave(1, 1, 8, std::string("\x80\xFF\x00\xC0", 4)),
+         "duration 0:00.001 (4 frames at 8,000 Hz, 8-bit)\n"
+         "channel 1: peak 0.00 dBFS, RMS -2.53 dBFS, DC offset 0.123047, 2 samples at full scale\n"},
+        {wave(1, 2, 24, std::string("\xFF\xFF\x7F\x00\x00\x80\x00\x00\x40\x00\x00\x00", 12)),
+         "duration 0:00.000 (2 frames at 8,000 Hz, 24-bit)\n"
+         "channel 1: peak 0.00 dBFS, RMS -2.04 dBFS, DC offset 0.750000, 1 samples at full scale\n"
+         "channel 2: peak 0.00 dBFS, RMS -3.01 dBFS, DC offset -0.500000, 1 samples at full scale\n"},
+        {wave(3, 2, 32, std::string(8, '\0')), "format tag 0x0003 is not PCM: levels are measured for 8, 16 and 24-bit PCM only"},
+        {wave(1, 2, 32, std::string(8, '\0')), "32-bit samples: levels are measured for 8, 16 and 24-bit PCM only"},
+        {wave(1, 9, 16, std::string(18, '\0')), "9 channels: levels are measured for 1 to 8 channels"},
+        {Riff(kFormat), "no data chunk"},
+        {Riff(kFormat + RiffBytes().Chunk("data", "").Bytes()), "no audio data"},
+        {"not a wave", "not a RIFF file"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Levels(dir.Write("levels.wav", c.bytes)), c.levels);
+    }
+    EXPECT_EQ(Levels(dir.PathOf("missing.wav")), "no such file");
+}
+
+// For every sound sample of the repository: its tidy copy checks the same,
+// and its levels are the original's.
+TEST(TidyCopy, SoundSamplesStaySound)
+{
+    TempDir dir;
+    int sound = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(SONDARA_SAMPLES_DIR)) {
+        const WideString original(entry.path().u16string());
+        const std::string report = Check(original);
+        if (report != "チェック完了しました。\r\n")
+            continue;
+        SCOPED_TRACE(entry.path().filename().string());
+        ++sound;
+        const WideString copy = dir.PathOf(entry.path().filename().string());
+        std::vector<std::string> changes;
+        std::string problem;
+        ASSERT_TRUE(MakeTidyCopy(original, copy, changes, problem)) << problem;
+        EXPECT_EQ(Check(copy), report);
+        EXPECT_EQ(Levels(copy), Levels(original));
+    }
+    EXPECT_GE(sound, 1);
+}
+
+// A recording whose header was never finished: RIFF and data sizes of 0 or
+// 0xFFFFFFFF with all the audio behind. The copy is sound and holds every
+// byte of the audio; the input stays as it was.
+TEST(TidyCopy, UnfinishedHeaderBecomesSound)
+{
+    TempDir dir;
+    const std::string audio = Tone(3001) + "x"; // an odd length, cut inside a frame
+    int made = 0;
+    for (std::uint32_t riffSize : {0u, 0xFFFFFFFFu}) {
+        for (std::uint32_t dataSize : {0u, 0xFFFFFFFFu}) {
+            SCOPED_TRACE(testing::Message() << riffSize << " " << dataSize);
+            const std::string input = RiffBytes().Id("RIFF").U32(riffSize).Id("WAVE").Raw(kFormat).Id("data")
+                                          .U32(dataSize).Raw(audio).Bytes();
+            const WideString path = dir.Write("unfinished.wav", input);
+            const std::string name = "mended" + std::to_string(made++) + ".wav";
+            std::vector<std::string> changes;
+            std::string problem;
+            ASSERT_TRUE(MakeTidyCopy(path, dir.PathOf(name), changes, problem)) << problem;
+            EXPECT_EQ(Contents(dir, "unfinished.wav"), input);
+            EXPECT_EQ(Check(dir.PathOf(name)), "チェック完了しました。\r\n");
+            const std::string output = Contents(dir, name);
+            EXPECT_EQ(output.substr(46), audio + std::string(1, '\0'));
+            EXPECT_EQ(changes.front(), "RIFF size " + FormatCount(riffSize) + " -> " + FormatCount(output.size() - 8));
+            EXPECT_NE(std::find(changes.begin(), changes.end(),
+                                "data: " + FormatCount(dataSize) + " bytes declared, 12,005 present"),
+                      changes.end());
+        }
+    }
+}
+
+// Wherever the writer would lose something the copy is refused, and no
+// file is left behind.
+TEST(TidyCopy, RefusesWhereSomethingWouldBeLost)
+{
+    TempDir dir;
+    const std::string data = RiffBytes().Chunk("data", Tone(4)).Bytes();
+    const struct {
+        std::string bytes, problem;
+    } cases[] = {
+        {Riff(RiffBytes().Chunk("fmt ", FormatBody(0xFFFE, 2, 44100, 16) + std::string(24, '\0')).Raw(data).Bytes()),
+         "fmt at 12 holds 40 bytes; the copy would keep only the first 18"},
+        {Riff(kFormat + data) + "junk", "junk at 60 is cut short inside its header"},
+        {Riff(kFormat + data + "junk"), "4 bytes at 60 belong to no chunk that the copy keeps"},
+        {Riff(kFormat + data) + Riff(""), "a second RIFF chunk at 60"},
+        {Riff(RiffBytes().Chunk("data", Tone(4)).Bytes()),
+         "the data can't be written without a format of at least one channel and one byte per frame"},
+        {"not a wave", "not a RIFF file"},
+    };
+    for (const auto& c : cases) {
+        std::vector<std::string> changes;
+        std::string problem;
+        EXPECT_FALSE(MakeTidyCopy(dir.Write("in.wav", c.bytes), dir.PathOf("out.wav"), changes, problem));
+        EXPECT_EQ(problem, c.problem);
+        EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav"));
+    }
+}
