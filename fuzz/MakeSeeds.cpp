@@ -127,6 +127,32 @@ std::vector<std::pair<std::string, std::string>> CsvSeeds()
     };
 }
 
+std::vector<std::pair<std::string, std::string>> DescriptionSeeds()
+{
+    return {
+        {"wave", Units(u"[Riff]\r\nType=Wave\r\n[Format]\r\nFormat=PCM\r\nCh=2\r\nBit=16\r\nFreq=44100\r\n[Data]\r\n")},
+        {"odd", Units(u"[Riff]\r\nType=AVI \r\n[Format]\r\nBit=24\r\nCh=65537\r\nFreq=-1\r\nFormat=PCM\r\n[Riff]\r\n"
+                      u"[Data]\r\n[RF64]\r\n[fmt ]\r\n[Format]\r\nFormat=float\r\n")},
+    };
+}
+
+// Files whose writing takes the writer's less travelled roads: headers
+// never finished, sizes past the end, lists, odd bodies, a format longer
+// than 18 bytes.
+std::vector<std::pair<std::string, std::string>> WriterSeeds()
+{
+    const std::string fmt = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
+    const std::string audio(3001, 'a');
+    const std::string info = RiffBytes().Id("LIST").U32(16).Id("INFO").Chunk("INAM", "take").Bytes();
+    return {
+        {"unfinished-0", RiffBytes().Id("RIFF").U32(0).Id("WAVE").Raw(fmt).Id("data").U32(0).Raw(audio).Bytes()},
+        {"unfinished-ffffffff", RiffBytes().Id("RIFF").U32(0xFFFFFFFF).Id("WAVE").Raw(fmt).Id("data").U32(0xFFFFFFFF).Raw(audio).Bytes()},
+        {"list-odd", Riff(fmt + info + RiffBytes().Chunk("odd ", "xyz").Chunk("data", std::string(5000, 'd')).Bytes())},
+        {"format-40", Riff(RiffBytes().Chunk("fmt ", FormatBody(0xFFFE, 2, 44100, 16) + std::string(24, '\0')).Bytes())},
+        {"junk-behind", Riff(fmt) + "junk"},
+    };
+}
+
 std::vector<std::pair<std::string, std::string>> AttributeSeeds()
 {
     std::u16string zero(1, u'\0');
@@ -150,7 +176,8 @@ int main(int argc, char** argv)
     if (!WriteAll(regressions, "wave", HostileWaves()))
         return 1;
     const std::pair<const char*, std::vector<std::pair<std::string, std::string>>> corpora[] = {
-        {"wave", WaveSeeds()}, {"layout", LayoutSeeds()}, {"csv", CsvSeeds()}, {"attributes", AttributeSeeds()}};
+        {"wave", WaveSeeds()},         {"layout", LayoutSeeds()},          {"csv", CsvSeeds()},
+        {"attributes", AttributeSeeds()}, {"description", DescriptionSeeds()}, {"writer", WriterSeeds()}};
     for (const auto& [target, seeds] : corpora) {
         if (!WriteAll(root, target, seeds))
             return 1;

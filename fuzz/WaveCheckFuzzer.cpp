@@ -7,34 +7,14 @@
 #include "FuzzInput.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
-#include <unistd.h>
-
-namespace {
-
-const std::string& InputPath()
-{
-    static const std::string path = [] {
-        const char* folder = access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
-        return std::string(folder) + "/sondara-fuzz-" + std::to_string(getpid()) + ".wav";
-    }();
-    return path;
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    std::FILE* file = std::fopen(InputPath().c_str(), "wb");
-    if (!file)
-        FailInvariant("can't write the input file");
-    if (size > 0 && std::fwrite(data, 1, size, file) != size)
-        FailInvariant("can't write the input file");
-    std::fclose(file);
+    static const std::string input = ScratchPath(".wav");
+    WriteScratch(input, data, size);
 
-    const WideString path = WideString::FromAscii(InputPath());
+    const WideString path = WideString::FromAscii(input);
     CheckReport first, second;
     bool firstError = false, secondError = false;
     RunWaveCheck(path, first, firstError);

@@ -106,7 +106,7 @@ fi
 seconds="${1:-30}"
 status=0
 self_test || status=1
-for target in wave layout csv attributes; do
+for target in wave layout csv attributes description writer; do
     corpus="$smoke/$target"
     rm -rf "$corpus" "$smoke/$target-artifacts"
     mkdir -p "$corpus" "$smoke/$target-artifacts"
