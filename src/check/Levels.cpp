@@ -23,36 +23,63 @@ struct ChannelSums {
     std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
     std::int32_t highest = std::numeric_limits<std::int32_t>::min();
     std::uint64_t fullScale = 0;
+
+    void AddSquares(std::uint64_t squares)
+    {
+        squaresLow += squares;
+        squaresHigh += squaresLow < squares;
+    }
 };
 
-// Adds the samples of frames of this sample width to the sums: 8-bit
-// samples are unsigned around 128, the wider ones signed.
+// A sample of this width: 8-bit samples are unsigned around 128, the wider
+// ones signed.
 template <int Bytes>
-void AddFrames(const std::uint8_t* data, std::uint32_t frames, std::uint32_t stride, std::vector<ChannelSums>& sums)
+std::int32_t SampleAt(const std::uint8_t* bytes)
+{
+    if constexpr (Bytes == 1)
+        return static_cast<std::int32_t>(bytes[0]) - 128;
+    else if constexpr (Bytes == 2)
+        return static_cast<std::int16_t>(bytes[0] | bytes[1] << 8);
+    else
+        return static_cast<std::int32_t>(static_cast<std::uint32_t>(bytes[0] << 8 | bytes[1] << 16 | bytes[2] << 24)) >> 8;
+}
+
+// Adds one channel of frames to its sums. The squares of a run of 65536
+// samples fit in 64 bits even at 24 bits (2^46 each), so the 128-bit sum
+// is touched once a run, and the inner loop keeps everything in registers.
+template <int Bytes>
+void AddChannel(const std::uint8_t* data, std::uint32_t frames, std::uint32_t stride, ChannelSums& sums)
 {
     constexpr std::int32_t kHighest = (1 << (Bytes * 8 - 1)) - 1;
     constexpr std::int32_t kLowest = -kHighest - 1;
-    const std::size_t channels = sums.size();
-    for (std::uint32_t frame = 0; frame < frames; ++frame, data += stride) {
-        for (std::size_t c = 0; c < channels; ++c) {
-            const std::uint8_t* bytes = data + c * Bytes;
-            std::int32_t v;
-            if constexpr (Bytes == 1)
-                v = static_cast<std::int32_t>(bytes[0]) - 128;
-            else if constexpr (Bytes == 2)
-                v = static_cast<std::int16_t>(bytes[0] | bytes[1] << 8);
-            else
-                v = static_cast<std::int32_t>(static_cast<std::uint32_t>(bytes[0] << 8 | bytes[1] << 16 | bytes[2] << 24)) >> 8;
-            ChannelSums& s = sums[c];
-            s.sum += v;
-            const auto square = static_cast<std::uint64_t>(static_cast<std::int64_t>(v) * v);
-            s.squaresLow += square;
-            s.squaresHigh += s.squaresLow < square;
-            s.lowest = std::min(s.lowest, v);
-            s.highest = std::max(s.highest, v);
-            s.fullScale += v == kHighest || v == kLowest;
+    constexpr std::uint32_t kRun = 65536;
+    std::int64_t sum = 0;
+    std::int32_t lowest = sums.lowest, highest = sums.highest;
+    std::uint64_t fullScale = 0;
+    for (std::uint32_t start = 0; start < frames; start += kRun) {
+        const std::uint32_t end = std::min(frames, start + kRun);
+        std::uint64_t squares = 0;
+        for (std::uint32_t frame = start; frame < end; ++frame) {
+            const std::int32_t v = SampleAt<Bytes>(data + std::size_t{frame} * stride);
+            sum += v;
+            squares += static_cast<std::uint64_t>(static_cast<std::int64_t>(v) * v);
+            lowest = std::min(lowest, v);
+            highest = std::max(highest, v);
+            fullScale += (v == kHighest) | (v == kLowest);
         }
+        sums.AddSquares(squares);
     }
+    sums.sum += sum;
+    sums.lowest = lowest;
+    sums.highest = highest;
+    sums.fullScale += fullScale;
+}
+
+template <int Bytes>
+void AddFrames(const std::uint8_t* data, std::uint32_t frames, std::uint32_t stride, std::vector<ChannelSums>& sums)
+{
+    for (std::size_t c = 0; c < sums.size(); ++c)
+        AddChannel<Bytes>(data + c * Bytes, frames, stride, sums[c]);
 }
 
 bool Refuse(std::string& problem, const std::string& why)

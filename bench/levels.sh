@@ -1,0 +1,77 @@
+#!/usr/bin/env bash
+# Times the levels of a 1 GiB 16-bit stereo WAV file: sondara-check --levels
+# against `sox FILE -n stats`, each from a cold page cache, in the same run.
+# sondara-check reads past the system's cache (aligned mode), so after it
+# the file's pages must still be out of the cache: fincore shows them
+# before and after each tool.
+# Usage: bench/levels.sh [folder for the file]   (default: bench/out; it
+# must not be tmpfs, which refuses unbuffered reads)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+out="${1:-bench/out}"
+mkdir -p "$out"
+scripts/install-deps.sh </dev/null
+if [ ! -x build/native/sondara-check ]; then
+  cmake --preset native >/dev/null
+  cmake --build --preset native --target sondara-check >/dev/null
+fi
+checker="${SONDARA_CHECK:-build/native/sondara-check}"
+
+file="$out/levels-1gib.wav"
+if [ ! -f "$file" ]; then
+  # A tone over noise, 1 GiB in all: one random MiB repeated, so that every
+  # sample value occurs and making the file costs little.
+  python3 - "$file" <<'PY'
+import math, os, struct, sys
+total = 1 << 30
+data = total - 44
+header = b"RIFF" + struct.pack("<I", total - 8) + b"WAVE" + b"fmt " + struct.pack("<IHHIIHH", 16, 1, 2, 44100, 176400, 4, 16)
+header += b"data" + struct.pack("<I", data)
+block = bytearray(os.urandom(1 << 20))
+for i in range(0, len(block), 4):
+    tone = int(8000 * math.sin(i / 4 * 2 * math.pi * 440 / 44100))
+    noise, = struct.unpack_from("<h", block, i)
+    struct.pack_into("<hh", block, i, tone + noise // 8, noise // 2)
+with open(sys.argv[1], "wb") as out:
+    out.write(header)
+    left = data
+    while left > 0:
+        piece = min(left, len(block))
+        out.write(block[:piece])
+        left -= piece
+PY
+fi
+
+# Writes back and drops the file's pages from the cache.
+evict() {
+  python3 -c 'import os, sys
+fd = os.open(sys.argv[1], os.O_RDONLY); os.fsync(fd); os.posix_fadvise(fd, 0, 0, os.POSIX_FADV_DONTNEED); os.close(fd)' "$1"
+}
+cached() { fincore --bytes --noheadings --output RES "$1" | tr -d ' '; }
+
+stats="$out/levels-time.txt"
+measure() { # label, output file, command...
+  local label="$1" output="$2"; shift 2
+  /usr/bin/time -o "$stats" -f "%e %M" "$@" >"$output" 2>&1 || true
+  read -r seconds peak < <(tail -n 1 "$stats")
+  printf '  %-22s %7s s %9s KiB peak   cached after: %s bytes\n' "$label" "$seconds" "$peak" "$(cached "$file")"
+  eval "${label//[^a-z]/_}=$seconds"
+}
+
+printf '%s (%s bytes), cached at start: %s bytes\n' "$file" "$(stat -c %s "$file")" "$(cached "$file")"
+evict "$file"
+printf '  cached after eviction: %s bytes\n' "$(cached "$file")"
+measure "sondara-check cold" "$out/levels-sondara.txt" "$checker" --levels "$file"
+evict "$file"
+measure "sox stats cold" "$out/levels-sox.txt" sox "$file" -n stats
+measure "sox stats warm" "$out/levels-sox-warm.txt" sox "$file" -n stats
+measure "sondara-check again" "$out/levels-sondara-again.txt" "$checker" --levels "$file"
+echo "sondara-check:"; sed 's/^/  /' "$out/levels-sondara.txt"
+echo "sox:"; grep -E 'Pk lev dB|RMS lev dB|DC offset' "$out/levels-sox.txt" | sed 's/^/  /'
+if awk -v a="$sondara_check_cold" -v b="$sox_stats_cold" 'BEGIN { exit !(a <= b) }'; then
+  echo "sondara-check is at least as fast as sox ($sondara_check_cold s against $sox_stats_cold s, both cold)"
+else
+  echo "sondara-check is slower than sox ($sondara_check_cold s against $sox_stats_cold s, both cold)"
+  exit 1
+fi
