@@ -7,16 +7,8 @@
 # Usage: bench/levels.sh [folder for the file]   (default: bench/out; it
 # must not be tmpfs, which refuses unbuffered reads)
 set -euo pipefail
-cd "$(dirname "$0")/.."
-
-out="${1:-bench/out}"
-mkdir -p "$out"
-scripts/install-deps.sh </dev/null
-if [ ! -x build/native/sondara-check ]; then
-  cmake --preset native >/dev/null
-  cmake --build --preset native --target sondara-check >/dev/null
-fi
-checker="${SONDARA_CHECK:-build/native/sondara-check}"
+# shellcheck source=bench/prepare.sh
+source "$(dirname "$0")/prepare.sh"
 
 file="$out/levels-1gib.wav"
 if [ ! -f "$file" ]; then

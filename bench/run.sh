@@ -8,16 +8,8 @@
 # that claims 0xFFFFFFF0 bytes.
 # Usage: bench/run.sh [folder for the files]   (default: bench/out)
 set -euo pipefail
-cd "$(dirname "$0")/.."
-
-out="${1:-bench/out}"
-mkdir -p "$out"
-# /usr/bin/time and everything the build needs.
-scripts/install-deps.sh </dev/null
-if [ ! -x build/native/sondara-check ]; then
-  cmake --preset native >/dev/null
-  cmake --build --preset native --target sondara-check >/dev/null
-fi
+# shellcheck source=bench/prepare.sh
+source "$(dirname "$0")/prepare.sh"
 
 sound="$out/sparse-4gib.wav"
 text="$out/text-1gib.bin"
@@ -50,8 +42,8 @@ for file in "$sound" "$text" "$many" fuzz/regressions/wave/list-size-3 fuzz/regr
   printf '%s (%s bytes)\n' "$file" "$(stat -c %s "$file")"
   # The first read brings the file into the cache, so that every tool meets it warm.
   cat "$file" >/dev/null
-  measure sondara-check build/native/sondara-check "$file"
+  measure sondara-check "$checker" "$file"
   command -v sndfile-info >/dev/null && measure sndfile-info sndfile-info "$file"
   command -v mediainfo >/dev/null && measure mediainfo mediainfo "$file"
-  printf '  report: %s\n' "$(build/native/sondara-check "$file" | tr '\n' ' ')"
+  printf '  report: %s\n' "$("$checker" "$file" | tr '\n' ' ')"
 done

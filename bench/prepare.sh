@@ -1,0 +1,15 @@
+# shellcheck shell=bash
+# What every benchmark needs first; source it from bench/<name>.sh with the
+# folder for the files as $1 (default bench/out). Leaves the repository as
+# the current folder, the folder in $out, and the checker to time in
+# $checker (SONDARA_CHECK, else the native build's, built when missing).
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+out="${1:-bench/out}"
+mkdir -p "$out"
+# /usr/bin/time and everything the build needs.
+scripts/install-deps.sh </dev/null
+checker="${SONDARA_CHECK:-build/native/sondara-check}"
+if [ ! -x "$checker" ]; then
+  cmake --preset native >/dev/null
+  cmake --build --preset native --target sondara-check >/dev/null
+fi
