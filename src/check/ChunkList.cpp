@@ -57,10 +57,12 @@ public:
     // the list, starts 4 bytes before its body.
     void Visit(const Chunk& chunk, int depth, std::int64_t parentEnd)
     {
+        // A size field cut short leaves the size at -1: no end to mark.
+        const bool sized = chunk.GetSize() >= 0;
         const std::int64_t end = chunk.GetPosition() + (chunk.ReadsOwnSize() ? 8 : 4) + chunk.GetSize();
-        const bool pastFile = end > fileSize;
-        const bool pastParent = parentEnd >= 0 && end > parentEnd;
-        allFit = allFit && !pastFile && !pastParent;
+        const bool pastFile = sized && end > fileSize;
+        const bool pastParent = sized && parentEnd >= 0 && end > parentEnd;
+        allFit = allFit && sized && !pastFile && !pastParent;
 
         const Chunk* listChild = nullptr;
         if (dynamic_cast<const ListChunk*>(&chunk) && !chunk.GetChildren().IsEmpty())
@@ -100,7 +102,8 @@ public:
                     ", \"pastParentEnd\": " + (pastParent ? "true" : "false") + "}";
         } else {
             line = std::string(static_cast<std::size_t>(depth) * 2, ' ') + IdText(chunk.GetId()) + " at " +
-                   FormatCount(chunk.GetPosition()) + ", " + FormatCount(chunk.GetSize()) + " bytes";
+                   FormatCount(chunk.GetPosition()) + ", " +
+                   (sized ? FormatCount(chunk.GetSize()) + " bytes" : std::string("size field cut short"));
             if (form)
                 line += ", form " + IdText(form);
             if (listChild)

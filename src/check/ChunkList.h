@@ -9,5 +9,5 @@
 // file or of the chunk around it. Each chunk is written to the sink as it
 // is visited. In text, one line for each chunk, indented by depth, lines
 // ending in LF; in JSON, one object for the file. True when the file could
-// be listed and nothing runs past an end.
+// be listed, no size field is cut short and nothing runs past an end.
 bool ListChunks(const WideString& path, bool json, TextSink& sink);

@@ -1,12 +1,17 @@
 #include "files/BufferPool.h"
 
+#include "base/ContainerError.h"
+
+#include <new>
+
 BufferPool& BufferPool::GetInstance()
 {
     static BufferPool pool;
     return pool;
 }
 
-// Memory exhaustion leaves by the containers' out-of-memory error.
+// Memory exhaustion leaves by the system's out-of-memory error, as the
+// containers raise it.
 ByteBlock* BufferPool::Acquire()
 {
     platform::LockGuard guard(lock);
@@ -14,7 +19,10 @@ ByteBlock* BufferPool::Acquire()
     while (slot < busy.Count() && busy.At(slot) != 0)
         ++slot;
     if (slot == busy.Count()) {
-        blocks.Add(std::make_unique<ByteBlock>());
+        std::unique_ptr<ByteBlock> block(new (std::nothrow) ByteBlock);
+        if (!block)
+            ThrowContainerError(kResultOutOfMemory);
+        blocks.Add(std::move(block));
         busy.Add(0);
     }
     busy.At(slot) = 1;
