@@ -77,13 +77,19 @@ bool SetFileEnd(FileHandle file)
     return SetEndOfFile(reinterpret_cast<HANDLE>(file)) != FALSE;
 }
 
-// GetDiskFreeSpaceW on the root of the path's drive ("C:\"); a path
-// without a drive letter asks about the current drive.
+// GetDiskFreeSpaceW on the root of the path's volume: its drive ("C:\")
+// or its share ("\\server\share\"); any other path asks about the current
+// drive.
 bool QueryBytesPerSector(std::u16string_view fullPath, std::uint32_t& bytes)
 {
     std::u16string root;
-    if (fullPath.size() >= 2 && fullPath[1] == u':')
+    if (fullPath.size() >= 2 && fullPath[1] == u':') {
         root = std::u16string(fullPath.substr(0, 2)) + u"\\";
+    } else if (fullPath.substr(0, 2) == u"\\\\") {
+        const std::size_t server = fullPath.find(u'\\', 2);
+        const std::size_t share = server == std::u16string_view::npos ? server : fullPath.find(u'\\', server + 1);
+        root = std::u16string(fullPath.substr(0, share)) + u"\\";
+    }
     DWORD sectorsPerCluster = 0, bytesPerSector = 0, freeClusters = 0, clusters = 0;
     if (!GetDiskFreeSpaceW(root.empty() ? nullptr : win32::Wide(root), &sectorsPerCluster, &bytesPerSector,
                            &freeClusters, &clusters) ||
