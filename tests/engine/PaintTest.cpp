@@ -1,7 +1,5 @@
-#include "engine/InputWidget.h"
 #include "engine/PositionedWidget.h"
 
-#include "layouttext/AttributeMap.h"
 #include "platform/Graphics.h"
 #include "platform/SolidBrush.h"
 #include "platform/SystemSettings.h"
@@ -10,19 +8,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace {
-
-std::string Describe(const RectF& r)
-{
-    char text[96];
-    std::snprintf(text, sizeof text, "%g,%g,%g,%g", r.x, r.y, r.width, r.height);
-    return text;
-}
 
 // A widget that fills its rectangle with one colour and writes down each
 // Draw with its bounds.
@@ -50,15 +40,11 @@ private:
 
 class Paint : public ViewerFixture {
 protected:
-    Probe& Add(const char* label, const char16_t* pos, std::uint32_t colour, const char16_t* option = nullptr)
+    Probe& Add(const char* label, const char16_t* pos, std::uint32_t colour, const char16_t* option = u"")
     {
         auto probe = std::make_unique<Probe>(&viewer, label, colour, draws);
-        AttributeMap map;
-        map.Set(u"Pos", pos);
-        map.Set(u"Name", WideString::FromAscii(label));
-        if (option != nullptr)
-            map.Set(u"Option", option);
-        probe->Load(map);
+        const std::u16string name(label, label + std::char_traits<char>::length(label));
+        probe->Load(MapOf({{u"Pos", pos}, {u"Name", name.c_str()}, {u"Option", option}}));
         Probe& added = *probe;
         viewer.AppendWidget(std::move(probe));
         return added;

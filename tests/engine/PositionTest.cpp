@@ -1,7 +1,5 @@
-#include "engine/InputWidget.h"
 #include "engine/PositionedWidget.h"
 
-#include "layouttext/AttributeMap.h"
 #include "platform/SystemSettings.h"
 #include "support/ViewerFixture.h"
 
@@ -14,11 +12,8 @@
 namespace {
 
 // Loads a widget from one section's keys and puts it on top of the view.
-PositionedWidget& AddWidget(Viewer& viewer, std::initializer_list<std::pair<const char16_t*, const char16_t*>> keys)
+PositionedWidget& AddWidget(Viewer& viewer, const AttributeMap& map)
 {
-    AttributeMap map;
-    for (const auto& [key, value] : keys)
-        map.Set(key, value);
     auto widget = std::make_unique<PositionedWidget>(&viewer);
     PositionedWidget& added = *widget;
     widget->Load(map);
@@ -26,18 +21,19 @@ PositionedWidget& AddWidget(Viewer& viewer, std::initializer_list<std::pair<cons
     return added;
 }
 
-std::string Describe(const RectF& r)
-{
-    return std::to_string(r.x) + "," + std::to_string(r.y) + "," + std::to_string(r.width) + "," +
-           std::to_string(r.height);
-}
-
 using Position = ViewerFixture;
 
 TEST_F(Position, TextsEvaluateOnBothAxes)
 {
-    ResizeView(301, 201);
+    // Without a bitmap the view has no extent, and the empty widget before
+    // the first one has every edge at 0.
     PositionedWidget widget(&viewer);
+    EXPECT_FLOAT_EQ(widget.EvalX(u"R10"), -10);
+    EXPECT_FLOAT_EQ(widget.EvalY(u"B50%"), 0);
+    ASSERT_NE(viewer.GetLastWidget(), nullptr);
+    EXPECT_EQ(Describe(viewer.GetLastWidget()->GetRect()), "0,0,0,0");
+
+    ResizeView(301, 201);
     struct Case {
         const char16_t* text;
         float x;
@@ -102,14 +98,14 @@ TEST_F(Position, TheScaleFollowsTheLayoutsResolution)
 TEST_F(Position, EdgesWithFloorsWidthsAndHeights)
 {
     ResizeView(301, 201);
-    PositionedWidget& floored = AddWidget(viewer, {{u"Pos", u"L10,T10,R10,B10,,,L200"}});
+    PositionedWidget& floored = AddWidget(viewer, MapOf({{u"Pos", u"L10,T10,R10,B10,,,L200"}}));
     EXPECT_EQ(Describe(floored.GetRect()), Describe({10, 10, 281, 181}));
     ResizeView(150, 100);
     EXPECT_EQ(Describe(floored.GetRect()), Describe({10, 10, 190, 80}));
     ResizeView(301, 201);
 
     // A box of 100 by 20 units that keeps 120 from the right edge.
-    PositionedWidget& box = AddWidget(viewer, {{u"Pos", u"R120,B40,W100,H20"}});
+    PositionedWidget& box = AddWidget(viewer, MapOf({{u"Pos", u"R120,B40,W100,H20"}}));
     EXPECT_EQ(Describe(box.GetRect()), Describe({181, 161, 100, 20}));
     WideString width;
     EXPECT_TRUE(box.GetAttribute(u"Width", width));
@@ -118,13 +114,13 @@ TEST_F(Position, EdgesWithFloorsWidthsAndHeights)
     EXPECT_EQ(Describe(box.GetInsetRect(1, 2, -3, -4)), Describe({182, 163, 96, 14}));
 
     // A left or top edge can't be a width or height, nor have one as a floor.
-    PositionedWidget& widths = AddWidget(viewer, {{u"Pos", u"W10,H10,W5,H5"}});
+    PositionedWidget& widths = AddWidget(viewer, MapOf({{u"Pos", u"W10,H10,W5,H5"}}));
     EXPECT_EQ(Describe(widths.GetRect()), Describe({0, 0, 5, 5}));
-    PositionedWidget& floors = AddWidget(viewer, {{u"Pos", u"L10,T10,L20,T20,W1,H1"}});
+    PositionedWidget& floors = AddWidget(viewer, MapOf({{u"Pos", u"L10,T10,L20,T20,W1,H1"}}));
     EXPECT_EQ(Describe(floors.GetRect()), Describe({0, 0, 20, 20}));
 
     // Inverted rectangles are legal. Edges on the left and top hit.
-    PositionedWidget& inverted = AddWidget(viewer, {{u"Pos", u"L50,T50,L40,T60"}});
+    PositionedWidget& inverted = AddWidget(viewer, MapOf({{u"Pos", u"L50,T50,L40,T60"}}));
     EXPECT_EQ(Describe(inverted.GetRect()), Describe({50, 50, -10, 10}));
     EXPECT_FALSE(inverted.HitTest({45, 55}));
     EXPECT_TRUE(box.HitTest({181, 161}));
@@ -144,25 +140,25 @@ std::u16string SavedPos(PositionedWidget& widget)
 TEST_F(Position, RelativePositionsFollowTheWidgetBefore)
 {
     // The first widget has nothing before it: its items stand as they are.
-    PositionedWidget& first = AddWidget(viewer, {{u"RelPos", u"L8,T8,R8,B8"}});
+    PositionedWidget& first = AddWidget(viewer, MapOf({{u"RelPos", u"L8,T8,R8,B8"}}));
     EXPECT_EQ(SavedPos(first), u"Pos=L8,T8,R8,B8\r\n");
 
     ResizeView(300, 200);
-    AddWidget(viewer, {{u"Pos", u"L10,T20,R10,B44"}});
-    PositionedWidget& next = AddWidget(viewer, {{u"RelPos", u"L8,0,W80,H24"}});
+    AddWidget(viewer, MapOf({{u"Pos", u"L10,T20,R10,B44"}}));
+    PositionedWidget& next = AddWidget(viewer, MapOf({{u"RelPos", u"L8,0,W80,H24"}}));
     EXPECT_EQ(SavedPos(next), u"Pos=L298.000000,T20,W80,H24\r\n");
     EXPECT_EQ(Describe(next.GetRect()), Describe({298, 20, 80, 24}));
 
     // R goes left of the left edge, T below the bottom, and B adds to the top.
-    PositionedWidget& around = AddWidget(viewer, {{u"RelPos", u"R2.5,T1,R1%,B3"}});
+    PositionedWidget& around = AddWidget(viewer, MapOf({{u"RelPos", u"R2.5,T1,R1%,B3"}}));
     EXPECT_EQ(SavedPos(around), u"Pos=L295.500000,T45.000000,L297.000000,T23.000000\r\n");
 
     // "0" takes over the texts of the widget before, never its floors, and
     // stays live; the numbers were worked out at load time and stay put.
-    PositionedWidget& anchor = AddWidget(viewer, {{u"Pos", u"L10,T20,R10,B44,L5,T5,L250,T5"}});
-    PositionedWidget& copy = AddWidget(viewer, {{u"RelPos", u"0,0,0,0,0,0,0,0"}});
+    PositionedWidget& anchor = AddWidget(viewer, MapOf({{u"Pos", u"L10,T20,R10,B44,L5,T5,L250,T5"}}));
+    PositionedWidget& copy = AddWidget(viewer, MapOf({{u"RelPos", u"0,0,0,0,0,0,0,0"}}));
     EXPECT_EQ(SavedPos(copy), u"Pos=L10,T20,R10,B44\r\n");
-    PositionedWidget& follower = AddWidget(viewer, {{u"RelPos", u"L0,T0,0"}});
+    PositionedWidget& follower = AddWidget(viewer, MapOf({{u"RelPos", u"L0,T0,0"}}));
     ResizeView(200, 100);
     EXPECT_FLOAT_EQ(anchor.Right(), 250);
     EXPECT_FLOAT_EQ(copy.Right(), 190);
@@ -172,21 +168,8 @@ TEST_F(Position, RelativePositionsFollowTheWidgetBefore)
 
     // Pos overwrites RelPos item by item, an empty item too, whatever their
     // order in the section.
-    PositionedWidget& mixed = AddWidget(viewer, {{u"Pos", u",T1"}, {u"RelPos", u"L1,T1,0"}});
+    PositionedWidget& mixed = AddWidget(viewer, MapOf({{u"Pos", u",T1"}, {u"RelPos", u"L1,T1,0"}}));
     EXPECT_EQ(SavedPos(mixed), u"Pos=,T1,R10,\r\n");
-}
-
-TEST_F(Position, WithoutABitmapTheViewHasNoExtent)
-{
-    PositionedWidget widget(&viewer);
-    EXPECT_FLOAT_EQ(widget.EvalX(u"R10"), -10);
-    EXPECT_FLOAT_EQ(widget.EvalY(u"B50%"), 0);
-    EXPECT_EQ(Describe(viewer.GetBitmapRect()), Describe({}));
-
-    // The empty widget before the first one has every edge at 0.
-    Widget* last = viewer.GetLastWidget();
-    ASSERT_NE(last, nullptr);
-    EXPECT_EQ(Describe(last->GetRect()), Describe({}));
 }
 
 } // namespace

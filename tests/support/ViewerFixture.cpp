@@ -2,6 +2,29 @@
 
 #include "engine/InputWidget.h"
 
+#include <cstdio>
+
+AttributeMap MapOf(std::initializer_list<std::pair<const char16_t*, const char16_t*>> entries)
+{
+    AttributeMap map;
+    for (const auto& [key, value] : entries)
+        map.Set(key, value);
+    return map;
+}
+
+std::string Describe(const RectF& r)
+{
+    char text[96];
+    std::snprintf(text, sizeof text, "%g,%g,%g,%g", r.x, r.y, r.width, r.height);
+    return text;
+}
+
+std::u16string Get(Widget& widget, const char16_t* key)
+{
+    WideString value;
+    return widget.GetAttribute(key, value) ? value.ToU16String() : u"<unknown>";
+}
+
 bool TestWidgetFactory(const WideString& sectionName, Viewer* viewer, std::unique_ptr<Widget>& widget)
 {
     if (sectionName == u"Plain")

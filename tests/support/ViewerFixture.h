@@ -3,14 +3,17 @@
 #include "engine/Viewer.h"
 #include "engine/WidgetEvent.h"
 #include "engine/WidgetHost.h"
+#include "layouttext/AttributeMap.h"
 #include "platform/Paint.h"
 #include "platform/SystemStartup.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 // A host that has no window and keeps the commands that reach it.
@@ -30,6 +33,13 @@ public:
     // Runs inside each command, as a modal loop of the host would.
     std::function<void(const WidgetEvent&)> whileInside;
 };
+
+// The keys and values of one section of a layout text.
+AttributeMap MapOf(std::initializer_list<std::pair<const char16_t*, const char16_t*>> entries);
+// A rectangle as "x,y,width,height", each number as %g writes it.
+std::string Describe(const RectF& r);
+// A widget's value under key, or "<unknown>" when it has no such key.
+std::u16string Get(Widget& widget, const char16_t* key);
 
 // Makes a plain positioned widget for a section "Plain" and an input widget
 // for "Input"; nothing for other names.
@@ -67,13 +77,6 @@ protected:
         host.commands.clear();
         return codes;
     }
-    // A widget's value under key, or "<unknown>" when it has no such key.
-    static std::u16string Get(Widget& widget, const char16_t* key)
-    {
-        WideString value;
-        return widget.GetAttribute(key, value) ? value.ToU16String() : u"<unknown>";
-    }
-
     platform::GdiplusToken gdiplus = 0;
     RecordingHost host;
     Viewer viewer;
