@@ -1,7 +1,6 @@
 #include "widgets/Brush.h"
 #include "widgets/WidgetFactory.h"
 
-#include "layouttext/AttributeMap.h"
 #include "platform/Bitmap.h"
 #include "platform/Graphics.h"
 #include "platform/SolidBrush.h"
@@ -36,20 +35,12 @@ TEST_F(BrushTest, ColourTextsNameSystemColoursOrHoldHex)
     EXPECT_EQ(brush.GetColor(), 0x12345678u);
     EXPECT_FALSE(brush.IsOpaque());
     EXPECT_FALSE(brush.SetAttribute(u"Color", u"0x12345678"));
-    EXPECT_TRUE(brush.SetAttribute(u"Color", u"no digit"));
-    EXPECT_EQ(brush.GetColor(), 0u);
-
     // Load reads the raw text: quotes are not taken off.
-    brush.SetAttribute(u"Color", u"FFFFFFFF");
-    AttributeMap map;
-    map.Set(u"Color", u"\"FF0000FF\"");
-    EXPECT_TRUE(brush.Load(map));
+    EXPECT_TRUE(brush.Load(MapOf({{u"Color", u"\"FF0000FF\""}})));
     EXPECT_EQ(brush.GetColor(), 0u);
-    EXPECT_FALSE(brush.Load(map));
-    map.Set(u"Color", u"FF0000FF");
-    EXPECT_TRUE(brush.Load(map));
-    EXPECT_EQ(brush.GetColor(), 0xFF0000FFu);
-    EXPECT_TRUE(brush.IsOpaque());
+    EXPECT_TRUE(brush.Load(MapOf({{u"Color", u"DefaultFaceColor"}})));
+    EXPECT_EQ(brush.GetColor(), ButtonFaceColour());
+    EXPECT_FALSE(brush.Load(MapOf({{u"Color", u"DefaultFaceColor"}})));
 }
 
 TEST_F(BrushTest, TheFactoryKnowsItsNamesExactly)
@@ -75,10 +66,7 @@ TEST_F(BrushTest, DrawFillsItsRectangleWithinTheBounds)
     ASSERT_TRUE(graphics.FillRectangle(white, 0, 0, 12, 10));
 
     Brush brush(&viewer);
-    AttributeMap map;
-    map.Set(u"Pos", u"L2,T2,L8,T6");
-    map.Set(u"Color", u"FF112233");
-    brush.Load(map);
+    brush.Load(MapOf({{u"Pos", u"L2,T2,L8,T6"}, {u"Color", u"FF112233"}}));
     EXPECT_TRUE(brush.Draw(graphics, {0, 0, 5, 10}));
     // Bounds that miss the rectangle fill nothing.
     brush.Draw(graphics, {9, 0, 3, 10});

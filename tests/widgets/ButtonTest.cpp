@@ -1,7 +1,6 @@
 #include "widgets/Button.h"
 #include "widgets/WidgetFactory.h"
 
-#include "layouttext/AttributeMap.h"
 #include "platform/Bitmap.h"
 #include "platform/MessageQueue.h"
 #include "support/ViewerFixture.h"
@@ -23,9 +22,7 @@ public:
 protected:
     Button& Make(std::initializer_list<std::pair<const char16_t*, const char16_t*>> keys)
     {
-        AttributeMap map;
-        map.Set(u"Name", u"Go");
-        map.Set(u"Pos", u"L10,T10,L50,T30");
+        AttributeMap map = MapOf({{u"Name", u"Go"}, {u"Pos", u"L10,T10,L50,T30"}});
         for (const auto& [key, value] : keys)
             map.Set(key, value);
         viewer.AddSection(u"Button", map);
@@ -37,31 +34,6 @@ protected:
         return button.OnEvent(nullptr, message, 0, 0, {x, y});
     }
 };
-
-TEST_F(ButtonTest, FaceColoursFollowTheLookWithTheirFallbacks)
-{
-    Button& two = Make({{u"FaceColor", u"FFFF0000,FF00FF00"}});
-    EXPECT_EQ(two.FaceColorOf(Button::kNormal), 0xFFFF0000u);
-    EXPECT_EQ(two.FaceColorOf(Button::kPushed), 0xFF00FF00u);
-    EXPECT_EQ(two.FaceColorOf(Button::kHover), 0xFFFF0000u);
-    EXPECT_EQ(two.FaceColorOf(Button::kDisabled), 0u);
-    EXPECT_EQ(Get(two, u"FaceColor"), u"0xffff0000");
-
-    EXPECT_FALSE(two.SetAttribute(u"FaceColor", u"FFFF0000,FF00FF00"));
-    EXPECT_TRUE(two.SetAttribute(u"FaceColor", u"FF0000,DefaultFaceColor,1,FF000001"));
-    EXPECT_EQ(two.FaceColorOf(Button::kNormal), 0x00FF0000u);
-    EXPECT_EQ(two.FaceColorOf(Button::kPushed), ButtonFaceColour());
-    EXPECT_EQ(two.FaceColorOf(Button::kDisabled), 0xFF000001u);
-    EXPECT_TRUE(two.SetAttribute(u"FaceColor", u""));
-    EXPECT_EQ(two.FaceColorOf(Button::kHover), 0u);
-
-    // Font and Outline are read in Load only.
-    EXPECT_FALSE(two.SetAttribute(u"Font", u"20"));
-    EXPECT_FALSE(two.SetAttribute(u"Outline", u"2"));
-    EXPECT_TRUE(two.SetAttribute(u"Text", u"Go on"));
-    EXPECT_FALSE(two.SetAttribute(u"Text", u"Go on"));
-    EXPECT_EQ(Get(two, u"Hover"), u"<unknown>");
-}
 
 TEST_F(ButtonTest, AClickIsAPressAndAReleaseInside)
 {
@@ -103,22 +75,6 @@ TEST_F(ButtonTest, AClickIsAPressAndAReleaseInside)
     EXPECT_FALSE(Mouse(button, platform::kMessageLeftButtonDown, 9, 20));
 }
 
-TEST_F(ButtonTest, CheckButtonsToggleOnlyOnAClickInside)
-{
-    Button& check = Make({{u"Option", u"CheckButton"}});
-    Mouse(check, platform::kMessageLeftButtonDown, 20, 20);
-    Mouse(check, platform::kMessageLeftButtonUp, 60, 20);
-    EXPECT_EQ(Get(check, u"Pushed"), u"false");
-    Mouse(check, platform::kMessageLeftButtonDown, 20, 20);
-    Mouse(check, platform::kMessageLeftButtonUp, 20, 20);
-    EXPECT_EQ(Get(check, u"Pushed"), u"true");
-    EXPECT_EQ(check.GetLook(), Button::kPushed);
-    // A double click is a second press and a second click.
-    Mouse(check, platform::kMessageLeftButtonDoubleClick, 20, 20);
-    Mouse(check, platform::kMessageLeftButtonUp, 20, 20);
-    EXPECT_EQ(Get(check, u"Pushed"), u"false");
-}
-
 TEST_F(ButtonTest, DisablingLetsGoAtOnce)
 {
     Button& button = Make({});
@@ -136,13 +92,21 @@ TEST_F(ButtonTest, DisablingLetsGoAtOnce)
     EXPECT_TRUE(Mouse(button, platform::kMessageMouseMove, 21, 20));
 }
 
-TEST_F(ButtonTest, TheFaceIsPaintedInsideTheEdge)
+// One face colour per look: normal, pushed, hover, disabled; a look
+// without its own takes the normal one, and a face of alpha 0 isn't
+// painted. The face is painted inside the edge.
+TEST_F(ButtonTest, TheFaceFollowsTheLookAndIsPaintedInsideTheEdge)
 {
+    Button& two = Make({{u"FaceColor", u"FFFF0000,DefaultFaceColor"}});
+    EXPECT_EQ(two.FaceColorOf(Button::kPushed), ButtonFaceColour());
+    EXPECT_EQ(two.FaceColorOf(Button::kHover), 0xFFFF0000u);
+    EXPECT_TRUE(two.SetAttribute(u"FaceColor", u"FF0000,1,2,FF000001"));
+    EXPECT_EQ(two.FaceColorOf(Button::kDisabled), 0xFF000001u);
+    EXPECT_EQ(Get(two, u"FaceColor"), u"0xff0000");
+    viewer.Clear();
+
     ResizeView(60, 40);
-    AttributeMap background;
-    background.Set(u"Pos", u"L0,T0,R0,B0");
-    background.Set(u"Color", u"FFFFFFFF");
-    viewer.AddSection(u"Brush", background);
+    viewer.AddSection(u"Brush", MapOf({{u"Pos", u"L0,T0,R0,B0"}, {u"Color", u"FFFFFFFF"}}));
     Make({{u"FaceColor", u"FFFF0000"}, {u"Option", u"Edge"}});
     Make({{u"FaceColor", u"FF0000"}, {u"Pos", u"L52,T0,L60,T8"}});
     ASSERT_TRUE(viewer.PaintAll());

@@ -23,15 +23,6 @@ TEST(Colour, SystemColoursBecomeOpaqueArgb)
     platform::testing::ResetStandIn();
 }
 
-TEST(Colour, HexTextScansAsItStands)
-{
-    EXPECT_EQ(ParseHexColor(u"FF00FF00"), 0xFF00FF00u);
-    EXPECT_EQ(ParseHexColor(u"0xff336699"), 0xFF336699u);
-    EXPECT_EQ(ParseHexColor(u" 80ffffffzz"), 0x80FFFFFFu);
-    EXPECT_EQ(ParseHexColor(u"zz"), 0u);
-    EXPECT_EQ(ParseHexColor(u""), 0u);
-}
-
 std::vector<std::uint8_t> IconFontRecord(const std::u16string& face, std::size_t size = 92)
 {
     std::vector<std::uint8_t> record(size, 0x41);

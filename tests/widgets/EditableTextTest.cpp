@@ -1,7 +1,6 @@
 #include "widgets/EditableText.h"
 #include "widgets/WidgetFactory.h"
 
-#include "layouttext/AttributeMap.h"
 #include "loop/MessageLoop.h"
 #include "loop/MessageLoopRegistry.h"
 #include "platform/EditControl.h"
@@ -59,12 +58,8 @@ protected:
     EditableText& Field(const char16_t* name, const char16_t* pos, const char16_t* option,
                         const char16_t* text = u"")
     {
-        AttributeMap map;
-        map.Set(u"Name", name);
-        map.Set(u"Pos", pos);
-        map.Set(u"Option", option);
-        map.Set(u"Text", text);
-        viewer.AddSection(u"EditableText", map);
+        viewer.AddSection(u"EditableText",
+                          MapOf({{u"Name", name}, {u"Pos", pos}, {u"Option", option}, {u"Text", text}}));
         return *dynamic_cast<EditableText*>(viewer.GetLastWidget());
     }
 
@@ -195,58 +190,6 @@ TEST_F(EditableTextTest, TabWalksBetweenFieldsAndEnterBreaksAManyLineOne)
     EXPECT_EQ(Control().selectionStart, 0);
 }
 
-TEST_F(EditableTextTest, ReturnFromOutsideHoldsTheEditAndForcesTheEnd)
-{
-    EditableText& field = Field(u"Path", u"L10,T10,L110,T30", u"SingleLine", u"same");
-    Click(20, 20);
-    EXPECT_TRUE(field.SetAttribute(u"Return", u"true"));
-    platform::SetKeyboardFocus(host.window);
-    EXPECT_EQ(Get(field, u"Editing"), u"true");
-    Codes();
-    EXPECT_FALSE(field.SetAttribute(u"EditVisible", u"false"));
-    EXPECT_EQ(Codes(), (CodeList{1, 2}));
-    EXPECT_EQ(Get(field, u"Return"), u"false");
-    EXPECT_EQ(Get(field, u"Text"), u"same");
-}
-
-TEST_F(EditableTextTest, ANumberFieldTakesOnlyNumbersAndCountsARejectionAsAChange)
-{
-    EditableText& field = Field(u"Count", u"L10,T10,L110,T30", u"Number");
-    const struct {
-        const char16_t* typed;
-        bool accepted;
-    } cases[] = {
-        {u"", true},      {u"-", true},   {u".", true},    {u"-12.5", true}, {u"007", true},
-        {u"1-", false},   {u"1.2.3", false}, {u"--1", false}, {u"1e3", false}, {u" 1", false},
-    };
-    for (const auto& entry : cases) {
-        SCOPED_TRACE(std::string(entry.typed, entry.typed + std::char_traits<char16_t>::length(entry.typed)));
-        field.SetAttribute(u"Text", u"0");
-        field.SetAttribute(u"EditVisible", u"true");
-        field.SetAttribute(u"Text", entry.typed);
-        Codes();
-        field.SetAttribute(u"EditVisible", u"false");
-        EXPECT_EQ(Get(field, u"Text"), entry.accepted ? entry.typed : u"0");
-        // A rejection puts the old text back into the control, which is an
-        // update of its own before the commit.
-        EXPECT_EQ(Codes(), (entry.accepted ? CodeList{1, 2} : CodeList{1, 1, 2}));
-    }
-}
-
-TEST_F(EditableTextTest, APasswordIsDrawnAsStarsAndReadInClear)
-{
-    EditableText& field = Field(u"Secret", u"L10,T10,L110,T30", u"Password", u"secret");
-    platform::testing::TakeDrawnTexts();
-    viewer.PaintAll();
-    const auto drawn = platform::testing::TakeDrawnTexts();
-    ASSERT_EQ(drawn.size(), 1u);
-    EXPECT_EQ(drawn[0].text, u"******");
-    EXPECT_EQ(Get(field, u"Text"), u"secret");
-    Click(20, 20);
-    EXPECT_EQ(Control().style, platform::kEditStyleBase | platform::kEditStylePassword);
-    EXPECT_EQ(Control().text, u"secret");
-}
-
 TEST_F(EditableTextTest, TheTypedTextOutlivesTheWindowItWasTypedIn)
 {
     EditableText& field = Field(u"Path", u"L10,T10,L110,T30", u"SingleLine");
@@ -264,39 +207,51 @@ TEST_F(EditableTextTest, TheTypedTextOutlivesTheWindowItWasTypedIn)
 
 // The box's options become the control's style, its font the control's
 // font, and a long text in a box that scrolls to its end shows its last
-// line. A text the control shows already isn't set again.
-TEST_F(EditableTextTest, TheBoxMakesItsControlFromItsOptions)
+// line; a text the control shows already isn't set again. A password is
+// drawn as stars and read in clear; a number field takes only numbers and
+// counts putting the old text back as an update of its own.
+TEST_F(EditableTextTest, TheOptionsShapeTheControlAndWhatItTakes)
 {
-    const struct {
-        const char16_t* option;
-        const char16_t* align;
-        std::uint32_t style;
-    } cases[] = {
-        {u"MultiLine,VScroll", u"L", platform::kEditStyleMultiLine | platform::kEditStyleVerticalScrollBar},
-        {u"ReadOnly", u"C", platform::kEditStyleReadOnly | platform::kEditStyleCentre},
-        {u"SingleLine", u"R", platform::kEditStyleRight},
-    };
-    for (const auto& entry : cases) {
-        AttributeMap map;
-        map.Set(u"Pos", u"L10,T10,L110,T90");
-        map.Set(u"Option", entry.option);
-        map.Set(u"Align", entry.align);
-        map.Set(u"Font", u"10.5,Noto Sans CJK JP");
-        viewer.AddSection(u"EditableText", map);
-        viewer.GetLastWidget()->SetAttribute(u"EditVisible", u"true");
-        EXPECT_EQ(Control().style, platform::kEditStyleBase | entry.style);
-        EXPECT_EQ(Control().fontHeight, -14);
-        EXPECT_EQ(Control().fontFace, u"Noto Sans CJK JP");
-        viewer.GetLastWidget()->SetAttribute(u"EditVisible", u"false");
-    }
-
-    EditableText& log = Field(u"Log", u"L10,T10,L110,T90", u"MultiLine,ScrollLast");
+    viewer.AddSection(u"EditableText", MapOf({{u"Pos", u"L10,T10,L110,T90"}, {u"Align", u"R"},
+                                              {u"Option", u"MultiLine,VScroll,ScrollLast"},
+                                              {u"Font", u"10.5,Noto Sans CJK JP"}}));
+    Widget& log = *viewer.GetLastWidget();
     log.SetAttribute(u"Text", u"1\r\n2\r\n3\r\n4\r\n5");
     log.SetAttribute(u"EditVisible", u"true");
+    EXPECT_EQ(Control().style, platform::kEditStyleBase | platform::kEditStyleMultiLine |
+                                   platform::kEditStyleVerticalScrollBar | platform::kEditStyleRight);
+    EXPECT_EQ(Control().fontHeight, -14);
+    EXPECT_EQ(Control().fontFace, u"Noto Sans CJK JP");
     EXPECT_EQ(Control().firstVisibleLine, 4);
     Codes();
     EXPECT_FALSE(log.SetAttribute(u"Text", u"1\r\n2\r\n3\r\n4\r\n5"));
     EXPECT_EQ(Codes(), CodeList{});
+    log.SetAttribute(u"EditVisible", u"false");
+
+    EditableText& secret = Field(u"Secret", u"L10,T10,L110,T30", u"Password", u"secret");
+    platform::testing::TakeDrawnTexts();
+    viewer.PaintAll();
+    const auto drawn = platform::testing::TakeDrawnTexts();
+    ASSERT_FALSE(drawn.empty());
+    EXPECT_EQ(drawn.back().text, u"******");
+    EXPECT_EQ(Get(secret, u"Text"), u"secret");
+    secret.SetAttribute(u"EditVisible", u"true");
+    EXPECT_EQ(Control().style, platform::kEditStyleBase | platform::kEditStylePassword);
+    EXPECT_EQ(Control().text, u"secret");
+    secret.SetAttribute(u"EditVisible", u"false");
+
+    EditableText& count = Field(u"Count", u"L10,T10,L110,T30", u"Number", u"0");
+    const std::pair<const char16_t*, bool> numbers[] = {
+        {u"-12.5", true}, {u".", true}, {u"1.2.3", false}, {u"1e3", false}, {u" 1", false}};
+    for (const auto& [typed, accepted] : numbers) {
+        count.SetAttribute(u"EditVisible", u"true");
+        count.SetAttribute(u"Text", typed);
+        Codes();
+        count.SetAttribute(u"EditVisible", u"false");
+        EXPECT_EQ(Get(count, u"Text"), accepted ? typed : u"0");
+        EXPECT_EQ(Codes(), (accepted ? CodeList{1, 2} : CodeList{1, 1, 2}));
+        count.SetAttribute(u"Text", u"0");
+    }
 }
 
 } // namespace

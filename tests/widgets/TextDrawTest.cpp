@@ -1,6 +1,5 @@
 #include "widgets/WidgetFactory.h"
 
-#include "layouttext/AttributeMap.h"
 #include "platform/Bitmap.h"
 #include "support/ViewerFixture.h"
 
@@ -19,16 +18,9 @@ public:
 TEST_F(TextDraw, GlyphsStayInsideTheRectangle)
 {
     ResizeView(120, 40);
-    AttributeMap background;
-    background.Set(u"Pos", u"L0,T0,R0,B0");
-    background.Set(u"Color", u"FFFFFFFF");
-    viewer.AddSection(u"Brush", background);
-    AttributeMap caption;
-    caption.Set(u"Pos", u"L10,T5,L110,T35");
-    caption.Set(u"Text", u"WWWW");
-    caption.Set(u"Font", u"16");
-    caption.Set(u"Color", u"FF000000");
-    viewer.AddSection(u"Text", caption);
+    viewer.AddSection(u"Brush", MapOf({{u"Pos", u"L0,T0,R0,B0"}, {u"Color", u"FFFFFFFF"}}));
+    viewer.AddSection(u"Text", MapOf({{u"Pos", u"L10,T5,L110,T35"}, {u"Text", u"WWWW"}, {u"Font", u"16"},
+                                      {u"Color", u"FF000000"}}));
     ASSERT_TRUE(viewer.PaintAll());
 
     int inside = 0;

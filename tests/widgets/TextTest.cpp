@@ -1,100 +1,128 @@
 #include "widgets/Text.h"
-#include "widgets/WidgetFactory.h"
 
-#include "layouttext/AttributeMap.h"
-#include "platform/Bitmap.h"
+#include "platform/Font.h"
 #include "platform/Graphics.h"
-#include "platform/SolidBrush.h"
-#include "support/ViewerFixture.h"
-#include "widgets/IconFont.h"
+#include "platform/SystemSettings.h"
+#include "platform/standin/TestHooks.h"
+#include "support/StandInViewerFixture.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <initializer_list>
-#include <utility>
+#include <vector>
 
 namespace {
 
-class TextTest : public ViewerFixture {
-public:
-    TextTest() : ViewerFixture(WidgetFactory) {}
+using platform::testing::DrawnText;
 
+// Text on the stand-in, which records what Draw asks of GDI+: the keys of
+// a section and those of SetAttribute, each read in its own way, show in
+// what is drawn.
+class TextTest : public StandInViewerFixture {
 protected:
-    void Load(Text& text, std::initializer_list<std::pair<const char16_t*, const char16_t*>> keys)
+    // A text "Hello" at 10,20, 100 by 40 units, centred at the bottom.
+    void Make(const char16_t* font, const char16_t* option = u"")
     {
-        AttributeMap map;
-        for (const auto& [key, value] : keys)
-            map.Set(key, value);
-        text.Load(map);
+        text = std::make_unique<Text>(&viewer);
+        text->Load(MapOf({{u"Pos", u"L10,T20,L110,T60"}, {u"Text", u"Hello"}, {u"Font", font}, {u"Align", u"C,B"},
+                          {u"Option", option}}));
+    }
+    std::vector<DrawnText> Draw()
+    {
+        platform::Graphics graphics(*viewer.GetBackingBitmap());
+        platform::testing::TakeDrawnTexts();
+        text->Draw(graphics, {});
+        return platform::testing::TakeDrawnTexts();
+    }
+    // The one string drawn.
+    DrawnText DrawOne()
+    {
+        const std::vector<DrawnText> drawn = Draw();
+        EXPECT_EQ(drawn.size(), 1u);
+        return drawn.empty() ? DrawnText{} : drawn[0];
     }
 
-    std::u16string Saved(Text& text)
-    {
-        WideString saved;
-        WideString options;
-        text.SaveToText(saved, options, true);
-        return (saved + u"|" + options).ToU16String();
-    }
+    std::unique_ptr<Text> text;
 };
+
+TEST_F(TextTest, PlainTextInPointsOrAShareOfTheHeight)
+{
+    Make(u"12,Tahoma", u"NoWrap,Bold");
+    DrawnText drawn = DrawOne();
+    EXPECT_EQ(drawn.kind, DrawnText::Kind::String);
+    EXPECT_EQ(drawn.text, u"Hello");
+    EXPECT_EQ(drawn.family, u"Tahoma");
+    EXPECT_FLOAT_EQ(drawn.size, 12);
+    EXPECT_EQ(drawn.style, platform::kFontStyleBold);
+    EXPECT_FLOAT_EQ(drawn.x, 10);
+    EXPECT_FLOAT_EQ(drawn.width, 100);
+    EXPECT_EQ(drawn.alignment, platform::kStringAlignmentCenter);
+    EXPECT_EQ(drawn.lineAlignment, platform::kStringAlignmentFar);
+    EXPECT_EQ(drawn.formatFlags, platform::kStringFormatFlagsNoWrap);
+    EXPECT_EQ(drawn.colour, 0xFF000000u);
+    // The hint is the system's default while drawing and restored after.
+    EXPECT_EQ(drawn.textRenderingHint, platform::kTextRenderingHintSystemDefault);
+
+    // Half the height of 40 units, divided by the scale.
+    viewer.Dpi = static_cast<float>(platform::GetScreenDpiX());
+    viewer.Zoom = 2;
+    Make(u"50%,Tahoma");
+    drawn = DrawOne();
+    EXPECT_FLOAT_EQ(drawn.size, 10);
+    EXPECT_EQ(drawn.style, platform::kFontStyleRegular);
+    EXPECT_EQ(drawn.formatFlags, 0);
+}
 
 TEST_F(TextTest, LoadAndSetReadTheirKeysEachInTheirOwnWay)
 {
-    Text text(&viewer);
-    const std::u16string icon = GetIconFontName().ToU16String();
-
-    Load(text, {{u"Text", u"\"a\\\\b\\r\\nc\""}, {u"Font", u"12.5,Tahoma"}, {u"Color", u"FF112233"}});
-    WideString value;
-    ASSERT_TRUE(text.GetAttribute(u"Text", value));
-    EXPECT_EQ(value, u"a\\b\r\nc");
-    EXPECT_EQ(Saved(text), u"[Text]\r\nText=a\\\\b\\r\\nc\r\nFont=12.000000,Tahoma\r\nColor=0xff112233\r\n"
-                           u"Pos=,,,\r\n|");
+    // A section's text is unescaped, its size a whole number of points.
+    Make(u"12.5,Tahoma");
+    text->Load(MapOf({{u"Text", u"\"a\\\\b\\r\\nc\""}, {u"Color", u"FF112233"}}));
+    DrawnText drawn = DrawOne();
+    EXPECT_EQ(drawn.text, u"a\\b\r\nc");
+    EXPECT_FLOAT_EQ(drawn.size, 12);
+    EXPECT_EQ(drawn.colour, 0xFF112233u);
 
     // Through SetAttribute the text is raw and the size a float; one item
-    // brings the icon font's face back.
-    EXPECT_TRUE(text.SetAttribute(u"Text", u"\"raw\""));
-    EXPECT_TRUE(text.SetAttribute(u"Font", u"12.5"));
-    const std::u16string saved12 = Saved(text);
-    EXPECT_EQ(saved12.substr(0, 20), u"[Text]\r\nText=\"raw\"\r\n");
-    if (icon.empty()) {
-        EXPECT_EQ(saved12.find(u"Font="), std::u16string::npos);
-    } else {
-        EXPECT_NE(saved12.find(u"Font=12.500000," + icon + u"\r\n"), std::u16string::npos);
-    }
-    EXPECT_FALSE(text.SetAttribute(u"Font", u"12.5"));
-    EXPECT_TRUE(text.SetAttribute(u"Font", u"50%,Arial"));
-    EXPECT_NE(Saved(text).find(u"Font=50.000000,Arial"), std::u16string::npos);
+    // brings the icon font's face back, which the stand-in has none of, so
+    // the generic family stands in. "50%" is 50 points here.
+    EXPECT_TRUE(text->SetAttribute(u"Text", u"\"raw\""));
+    EXPECT_TRUE(text->SetAttribute(u"Font", u"12.5"));
+    EXPECT_FALSE(text->SetAttribute(u"Font", u"12.5"));
+    drawn = DrawOne();
+    EXPECT_EQ(drawn.text, u"\"raw\"");
+    EXPECT_FLOAT_EQ(drawn.size, 12.5f);
+    EXPECT_EQ(drawn.family, u"Microsoft Sans Serif");
+    EXPECT_TRUE(text->SetAttribute(u"Font", u"50%,Arial"));
+    EXPECT_FLOAT_EQ(DrawOne().size, 50);
 
-    // Sizes of 0 or less change nothing.
-    EXPECT_FALSE(text.SetAttribute(u"FontSize", u"0"));
-    EXPECT_FALSE(text.SetAttribute(u"FontSize", u"-3"));
-    EXPECT_TRUE(text.SetAttribute(u"FontSize", u"9.9"));
-    EXPECT_NE(Saved(text).find(u"Font=9.000000,Arial"), std::u16string::npos);
+    // Sizes of 0 or less change nothing; others are whole numbers.
+    EXPECT_FALSE(text->SetAttribute(u"FontSize", u"0"));
+    EXPECT_FALSE(text->SetAttribute(u"FontSize", u"-3"));
+    EXPECT_TRUE(text->SetAttribute(u"FontSize", u"9.9"));
+    EXPECT_TRUE(text->SetAttribute(u"Color", u"0xFF0000FF"));
+    drawn = DrawOne();
+    EXPECT_EQ(drawn.family, u"Arial");
+    EXPECT_FLOAT_EQ(drawn.size, 9);
+    EXPECT_EQ(drawn.colour, 0xFF0000FFu);
 
-    // The outline colour is decimal, so this text reads as 0; the text
-    // colour is hex.
-    EXPECT_TRUE(text.SetAttribute(u"OutlineColor", u"0xFF0000FF"));
-    EXPECT_FALSE(text.SetAttribute(u"OutlineColor", u"0"));
-    EXPECT_TRUE(text.SetAttribute(u"OutlineSize", u"2"));
-    EXPECT_FALSE(text.SetAttribute(u"OutlineSize", u"-1"));
-    EXPECT_TRUE(text.SetAttribute(u"Color", u"0xFF0000FF"));
+    // An empty Option clears NoWrap and Bold.
+    EXPECT_TRUE(text->SetAttribute(u"NoWrap", u"true"));
+    EXPECT_EQ(Get(*text, u"NoWrap"), u"true");
+    text->Load(MapOf({{u"Option", u""}}));
+    EXPECT_EQ(Get(*text, u"NoWrap"), u"false");
+}
 
-    // An empty Option clears NoWrap and Bold; NoWrap is saved as an option.
-    EXPECT_TRUE(text.SetAttribute(u"NoWrap", u"true"));
-    ASSERT_TRUE(text.GetAttribute(u"NoWrap", value));
-    EXPECT_EQ(value, u"true");
-    WideString saved;
-    WideString options = u"Edge";
-    text.SaveToText(saved, options, true);
-    EXPECT_EQ(options, u"Edge,NoWrap");
-    Load(text, {{u"Option", u""}});
-    text.GetAttribute(u"NoWrap", value);
-    EXPECT_EQ(value, u"false");
+TEST_F(TextTest, WideLineSpacingShrinksPlainTextAndMissingFamiliesFallBack)
+{
+    platform::testing::SetFontLineSpacing(u"Meiryo UI", 2560);
+    Make(u"10,Meiryo UI");
+    EXPECT_FLOAT_EQ(DrawOne().size, 9);
 
-    // With skip false nothing is written.
-    saved = {};
-    EXPECT_FALSE(text.SaveToText(saved, options, false));
-    EXPECT_EQ(saved, u"");
+    platform::testing::SetMissingFontFamily(u"Nowhere");
+    Make(u"10,Nowhere");
+    const DrawnText drawn = DrawOne();
+    EXPECT_EQ(drawn.family, u"Microsoft Sans Serif");
+    EXPECT_FLOAT_EQ(drawn.size, 10);
 }
 
 } // namespace
