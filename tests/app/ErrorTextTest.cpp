@@ -1,6 +1,5 @@
 #include "app/ErrorText.h"
 #include "app/ExceptionTranslator.h"
-#include "platform/SystemError.h"
 #include "platform/ThreadState.h"
 
 #include <gtest/gtest.h>
@@ -54,16 +53,4 @@ TEST(ExceptionTranslation, NeighbouringCodesAndTheirValues)
         EXPECT_EQ(kept.code, test.code);
         EXPECT_EQ(kept.address, 0x1234u);
     }
-}
-
-TEST(ErrorText, SystemTextWithTheExceptionData)
-{
-    TranslateStructuredException({0xC000008D, 0x1, 0x89ABCDEF, 0x10});
-    platform::SetLastErrorCode(5);
-    const WideString text = SystemErrorText();
-    const std::u16string address = sizeof(std::uintptr_t) == 8 ? u"0000000089ABCDEF" : u"89ABCDEF";
-    EXPECT_EQ(text.ToU16String(), platform::SystemErrorMessage(5) + u"\nExceptionCode: C000008D, ExceptionFlags: 00000001, "
-                                                                      u"ExceptionAddress: " +
-                                      address + u", NumberParameters: 00000010\n");
-    EXPECT_FALSE(platform::SystemErrorMessage(5).empty());
 }

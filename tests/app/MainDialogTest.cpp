@@ -1,12 +1,18 @@
 #include "app/MainDialog.h"
 
-#include "engine/InputWidget.h"
-#include "layouttext/AttributeMap.h"
+#include "loop/MessageLoop.h"
+#include "loop/MessageLoopRegistry.h"
+#include "platform/EditControl.h"
+#include "platform/Input.h"
 #include "platform/MessageQueue.h"
 #include "platform/standin/TestHooks.h"
 #include "platform/Thread.h"
+#include "platform/ThreadState.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
+#include "widgets/Button.h"
+#include "widgets/EditableText.h"
+#include "widgets/WidgetFactory.h"
 
 #include <gtest/gtest.h>
 
@@ -14,86 +20,71 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
-// What the dialog expects of its named widgets, and no more: a Text that
-// can be read and written, an Enable flag, and for the message whether the
-// user is inside it. Every field keeps its state in a map by name, so that
-// tests read it without the Viewer.
-struct FieldState {
-    std::u16string text;
-    bool enabled = true;
-    bool editing = false;
-    int writes = 0;
-};
-std::map<std::u16string, FieldState> fields;
+// The widgets that the real factory made from the real layout, to be read
+// and written by name.
+std::vector<Widget*> made;
 
-class Field : public InputWidget {
-public:
-    explicit Field(Viewer* owner) : InputWidget(owner) {}
-
-    bool Load(const AttributeMap& map) override
-    {
-        const bool changed = InputWidget::Load(map);
-        fields[GetName().ToU16String()] = {};
-        return changed;
-    }
-    bool SetAttribute(const WideString& key, const WideString& value) override
-    {
-        FieldState& state = fields[GetName().ToU16String()];
-        if (key == u"Text" && state.text != value.View()) {
-            state.text = value.ToU16String();
-            ++state.writes;
-            return true;
-        }
-        if (key == u"Enable" && state.enabled != (value == u"true")) {
-            state.enabled = value == u"true";
-            return true;
-        }
-        return false;
-    }
-    bool GetAttribute(const WideString& key, WideString& value) override
-    {
-        const FieldState& state = fields[GetName().ToU16String()];
-        if (key == u"Text")
-            value = WideString(state.text);
-        else if (key == u"Editing" && GetName() == u"Message")
-            value = state.editing ? u"true" : u"false";
-        else
-            return InputWidget::GetAttribute(key, value);
-        return true;
-    }
-};
-
-bool FieldFactory(const WideString& sectionName, Viewer* viewer, std::unique_ptr<Widget>& widget)
+bool RecordingFactory(const WideString& sectionName, Viewer* viewer, std::unique_ptr<Widget>& widget)
 {
-    if (!(sectionName == u"Field"))
-        return false;
-    widget = std::make_unique<Field>(viewer);
-    return true;
+    const bool known = WidgetFactory(sectionName, viewer, widget);
+    if (widget != nullptr)
+        made.push_back(widget.get());
+    return known;
 }
 
-constexpr char kLayout[] = "[Field]\r\nName=WaveFilePath\r\n"
-                           "[Field]\r\nName=Message\r\n"
-                           "[Field]\r\nName=CheckStart\r\n"
-                           "[Field]\r\nName=SearchError\r\n";
+Widget* Named(const char16_t* name)
+{
+    for (Widget* widget : made) {
+        if (widget->GetName() == name)
+            return widget;
+    }
+    ADD_FAILURE() << "no widget of this name";
+    return nullptr;
+}
 
+std::u16string Get(const char16_t* name, const char16_t* key)
+{
+    WideString value;
+    Widget* widget = Named(name);
+    return widget != nullptr && widget->GetAttribute(key, value) ? value.ToU16String() : u"<unknown>";
+}
+
+void Set(const char16_t* name, const char16_t* key, const std::u16string& value)
+{
+    if (Widget* widget = Named(name))
+        widget->SetAttribute(key, WideString(value));
+}
+
+// The main dialog with the layout that ships, shown at its size, on the
+// thread's message loop.
 class MainDialogTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
         platform::testing::ResetStandIn();
-        fields.clear();
-        dialog = std::make_unique<MainDialog>(FieldFactory, dir.Write("Main.jpn", kLayout));
-        ASSERT_NE(dialog->Create(nullptr, MainDialog::kTemplateId), nullptr);
+        made.clear();
+        MessageLoopRegistry::SetProcess(&registry);
+        registry.Add(platform::CurrentThreadId(), &loop);
+        dialog = std::make_unique<MainDialog>(RecordingFactory, WideString::FromAscii(SONDARA_MAIN_LAYOUT));
+        window = dialog->Create(nullptr, MainDialog::kTemplateId);
+        ASSERT_NE(window, nullptr);
+        platform::ShowWindowAs(window, platform::kShowNormal);
+        platform::SendToWindow(window, platform::kMessageSize, 0, 236 << 16 | 362);
     }
     void TearDown() override
     {
+        platform::SendToWindow(window, platform::kMessageCommand, 2, 0);
         dialog.reset();
+        registry.Remove();
+        MessageLoopRegistry::SetProcess(nullptr);
         platform::testing::ResetStandIn();
     }
 
@@ -103,20 +94,18 @@ protected:
     }
     void Drop(std::vector<std::u16string> files)
     {
-        platform::SendToWindow(dialog->GetWindow(), platform::kMessageDropFiles,
-                               platform::testing::MakeDrop(std::move(files)), 0);
+        platform::SendToWindow(window, platform::kMessageDropFiles, platform::testing::MakeDrop(std::move(files)), 0);
     }
     // Runs idle passes until the check has ended and one more pass showed it.
     void WaitForCheck()
     {
         dialog->OnIdle();
-        for (int i = 0; i < 2000 && fields[u"Message"].text == u"処理中..."; ++i) {
+        for (int i = 0; i < 2000 && Get(u"Message", u"Text") == u"処理中..."; ++i) {
             platform::SleepMilliseconds(5);
             dialog->OnIdle();
         }
         dialog->OnIdle();
     }
-
     // Starts a check that stays running until the returned descriptor is
     // closed: its path is a FIFO, which the check blocks reading from. The
     // write end opens once the check has the FIFO open.
@@ -124,7 +113,7 @@ protected:
     {
         const std::string fifo = dir.Native() + "/held.wav";
         EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-        fields[u"WaveFilePath"].text = dir.PathOf("held.wav").ToU16String();
+        Set(u"WaveFilePath", u"Text", dir.PathOf("held.wav").ToU16String());
         Command(u"CheckStart");
         for (int i = 0; i < 2000; ++i) {
             const int writer = open(fifo.c_str(), O_WRONLY | O_NONBLOCK);
@@ -136,43 +125,134 @@ protected:
         return -1;
     }
 
+    void Click(std::int32_t x, std::int32_t y)
+    {
+        platform::PostToWindow(window, platform::kMessageLeftButtonDown, 1, y << 16 | x);
+        platform::PostToWindow(window, platform::kMessageLeftButtonUp, 0, y << 16 | x);
+    }
+    static void Key(std::uint32_t id, std::uintptr_t key)
+    {
+        platform::PostToWindow(platform::GetKeyboardFocus(), id, key, 0);
+    }
+    // Runs the loop; each time it waits, the next step runs, and a step
+    // that gives false runs again at the next wait, a timer tick later.
+    void Run(std::vector<std::function<bool()>> steps)
+    {
+        std::size_t next = 0;
+        int waits = 0;
+        platform::testing::SetQueueWaitHook([&] {
+            if (next == steps.size() || ++waits > 2000) {
+                platform::PostQuit(0);
+                return;
+            }
+            if (steps[next]())
+                ++next;
+            else
+                platform::SleepMilliseconds(5);
+        });
+        loop.Run();
+        platform::testing::SetQueueWaitHook({});
+        EXPECT_EQ(next, steps.size());
+    }
+
     TempDir dir;
+    MessageLoopRegistry registry;
+    MessageLoop loop;
     std::unique_ptr<MainDialog> dialog;
+    platform::WindowHandle window = nullptr;
     // The Viewer that commands name as theirs; the dialog doesn't look at it.
     Viewer other{nullptr, nullptr};
 };
 
+TEST_F(MainDialogTest, TheShippedLayoutHoldsEachNamedWidgetOnce)
+{
+    std::map<std::u16string, std::string> kinds;
+    for (Widget* widget : made) {
+        const std::u16string name = widget->GetName().ToU16String();
+        if (name.empty())
+            continue;
+        EXPECT_EQ(kinds.count(name), 0u);
+        kinds[name] = dynamic_cast<Button*>(widget) ? "Button" : dynamic_cast<EditableText*>(widget) ? "Text" : "?";
+    }
+    const std::map<std::u16string, std::string> expected = {
+        {u"WaveFilePath", "Text"}, {u"Message", "Text"},      {u"SelectWaveFile", "Button"},
+        {u"CheckStart", "Button"}, {u"SearchError", "Button"}, {u"ReleaseNote", "Button"},
+    };
+    EXPECT_EQ(kinds, expected);
+}
+
+// What a user does: a click into the path, the path typed, a click on the
+// start button, and the report read once the check has run, each step when
+// the loop has run dry and had its idle pass. Tab then goes on from the
+// path into the message, whose control takes many lines, as a report has.
+TEST_F(MainDialogTest, ATypedPathIsCheckedAndItsReportShown)
+{
+    const std::u16string path = dir.PathOf("missing.wav").ToU16String();
+    Run({
+        [&] {
+            Click(100, 44);
+            return true;
+        },
+        [&] {
+            // A click into the path selects nothing, so the typed path goes
+            // after what stands there: Ctrl+A and a backspace clear it.
+            Set(u"WaveFilePath", u"Text", u"old");
+            platform::testing::SetControlKeyDown(true);
+            Key(platform::kMessageKeyDown, u'A');
+            return true;
+        },
+        [&] {
+            platform::testing::SetControlKeyDown(false);
+            for (char16_t character : u"\b" + path)
+                Key(platform::kMessageChar, character);
+            return true;
+        },
+        [&] {
+            EXPECT_EQ(Get(u"WaveFilePath", u"Editing"), u"true");
+            EXPECT_EQ(Get(u"CheckStart", u"Enable"), u"true");
+            Click(60, 210);
+            return true;
+        },
+        [&] { return Get(u"Message", u"Text") == u"ファイルがありません。\r\n"; },
+        [&] {
+            EXPECT_EQ(Get(u"WaveFilePath", u"Editing"), u"false");
+            EXPECT_EQ(Get(u"WaveFilePath", u"Text"), path);
+            EXPECT_EQ(Get(u"SearchError", u"Enable"), u"true");
+            Click(100, 44);
+            return true;
+        },
+        [&] {
+            Key(platform::kMessageKeyDown, platform::kKeyTab);
+            return true;
+        },
+        [&] { return Get(u"Message", u"Editing") == u"true"; },
+    });
+    platform::testing::EditControlRecord control;
+    ASSERT_TRUE(platform::testing::DescribeEditControl(platform::GetKeyboardFocus(), control));
+    EXPECT_EQ(control.style & platform::kEditStyleMultiLine, platform::kEditStyleMultiLine);
+}
+
+// The start follows the path, and the report is shown unless the user is
+// inside the message's text.
 TEST_F(MainDialogTest, IdlePassesFollowThePathAndTheResult)
 {
     dialog->OnIdle();
-    EXPECT_EQ(fields[u"Message"].text, u"");
-    EXPECT_FALSE(fields[u"CheckStart"].enabled);
-    EXPECT_FALSE(fields[u"SearchError"].enabled);
+    EXPECT_EQ(Get(u"CheckStart", u"Enable"), u"false");
+    EXPECT_EQ(Get(u"SearchError", u"Enable"), u"false");
+    Set(u"WaveFilePath", u"Text", u"x");
+    dialog->OnIdle();
+    EXPECT_EQ(Get(u"CheckStart", u"Enable"), u"true");
+    Set(u"WaveFilePath", u"Text", u"");
+    dialog->OnIdle();
+    EXPECT_EQ(Get(u"CheckStart", u"Enable"), u"false");
 
-    // A typed path enables the start, an emptied one disables it again.
-    fields[u"WaveFilePath"].text = u"x";
+    Set(u"Message", u"EditVisible", u"true");
+    Set(u"Message", u"Text", u"typed");
     dialog->OnIdle();
-    EXPECT_TRUE(fields[u"CheckStart"].enabled);
-    fields[u"WaveFilePath"].text.clear();
+    EXPECT_EQ(Get(u"Message", u"Text"), u"typed");
+    Set(u"Message", u"EditVisible", u"false");
     dialog->OnIdle();
-    EXPECT_FALSE(fields[u"CheckStart"].enabled);
-
-    // A check of a file that isn't there gives a report worth searching for.
-    fields[u"WaveFilePath"].text = dir.PathOf("missing.wav").ToU16String();
-    Command(u"CheckStart");
-    WaitForCheck();
-    EXPECT_NE(fields[u"Message"].text.find(u"\r\n"), std::u16string::npos);
-    EXPECT_TRUE(fields[u"SearchError"].enabled);
-    EXPECT_TRUE(dialog->ReportHasError());
-
-    // While the user is inside the message, the report isn't forced back.
-    fields[u"Message"].editing = true;
-    fields[u"Message"].text = u"typed";
-    dialog->OnIdle();
-    EXPECT_EQ(fields[u"Message"].text, u"typed");
-    fields[u"Message"].editing = false;
-    dialog->OnIdle();
-    EXPECT_EQ(fields[u"Message"].text, dialog->GetReport().View());
+    EXPECT_EQ(Get(u"Message", u"Text"), u"");
 
     // Other codes and names do nothing.
     EXPECT_FALSE(dialog->OnWidgetCommand(other, {u"CheckStart", {}, 4, {}}));
@@ -181,11 +261,11 @@ TEST_F(MainDialogTest, IdlePassesFollowThePathAndTheResult)
 
 TEST_F(MainDialogTest, OneDroppedWaveFileBecomesThePath)
 {
-    fields[u"WaveFilePath"].text = u"before";
+    Set(u"WaveFilePath", u"Text", u"before");
     Drop({u"a.wav", u"b.wav"});
-    EXPECT_EQ(fields[u"WaveFilePath"].text, u"before");
+    EXPECT_EQ(Get(u"WaveFilePath", u"Text"), u"before");
     Drop({u"C:\\music\\a.wav.txt"});
-    EXPECT_EQ(fields[u"WaveFilePath"].text, u"before");
+    EXPECT_EQ(Get(u"WaveFilePath", u"Text"), u"before");
     const auto boxes = platform::testing::TakeMessageBoxes();
     ASSERT_EQ(boxes.size(), 1u);
     EXPECT_EQ(boxes[0].text, u"Wavファイルではありません。");
@@ -193,31 +273,31 @@ TEST_F(MainDialogTest, OneDroppedWaveFileBecomesThePath)
     EXPECT_EQ(boxes[0].type, 0u);
 
     Drop({u"C:\\music\\A.WAV"});
-    EXPECT_EQ(fields[u"WaveFilePath"].text, u"C:\\music\\A.WAV");
+    EXPECT_EQ(Get(u"WaveFilePath", u"Text"), u"C:\\music\\A.WAV");
     EXPECT_TRUE(platform::testing::TakeMessageBoxes().empty());
     EXPECT_EQ(platform::testing::OpenDrops(), 0);
 }
 
 TEST_F(MainDialogTest, AChosenFileReplacesThePathAndTheResult)
 {
-    fields[u"WaveFilePath"].text = dir.PathOf("missing.wav").ToU16String();
+    Set(u"WaveFilePath", u"Text", dir.PathOf("missing.wav").ToU16String());
     Command(u"CheckStart");
     WaitForCheck();
-    ASSERT_TRUE(fields[u"SearchError"].enabled);
+    ASSERT_EQ(Get(u"SearchError", u"Enable"), u"true");
 
     // A cancel changes nothing.
     platform::testing::TakeCallLog();
     Command(u"SelectWaveFile");
     EXPECT_EQ(platform::testing::TakeCallLog(), std::vector<std::string>{"ShowOpenFileDialog"});
     dialog->OnIdle();
-    EXPECT_TRUE(fields[u"SearchError"].enabled);
+    EXPECT_EQ(Get(u"SearchError", u"Enable"), u"true");
 
     platform::testing::SetOpenFileDialogAnswer(u"C:\\chosen.wav");
     Command(u"SelectWaveFile");
-    EXPECT_EQ(fields[u"WaveFilePath"].text, u"C:\\chosen.wav");
+    EXPECT_EQ(Get(u"WaveFilePath", u"Text"), u"C:\\chosen.wav");
     dialog->OnIdle();
-    EXPECT_FALSE(fields[u"SearchError"].enabled);
-    EXPECT_EQ(fields[u"Message"].text, u"");
+    EXPECT_EQ(Get(u"SearchError", u"Enable"), u"false");
+    EXPECT_EQ(Get(u"Message", u"Text"), u"");
 }
 
 TEST_F(MainDialogTest, TheReleaseNoteOpensTheRunningVersionsPage)
@@ -230,6 +310,24 @@ TEST_F(MainDialogTest, TheReleaseNoteOpensTheRunningVersionsPage)
                   "EnableWindowInput 1"}));
 }
 
+TEST_F(MainDialogTest, LeavesTheLoopWhenItsWindowGoes)
+{
+    // The backing bitmap covers the whole window: erasing would flicker.
+    EXPECT_EQ(platform::SendToWindow(window, platform::kMessageEraseBackground, 0, 0), 1);
+    platform::Message message;
+    message.window = window;
+    message.id = platform::kMessageUser;
+    // The dialog's filter uses up every message of its window.
+    EXPECT_TRUE(loop.PreTranslateMessage(message));
+    platform::SendToWindow(window, platform::kMessageCommand, 2, 0);
+    EXPECT_FALSE(platform::IsLiveWindow(window));
+    EXPECT_FALSE(loop.PreTranslateMessage(message));
+    EXPECT_EQ(dialog->GetWindow(), nullptr);
+    platform::Message quit;
+    EXPECT_EQ(platform::WaitForMessage(quit), 0);
+    EXPECT_EQ(quit.wParam, 2u);
+}
+
 // While a check runs, its report and result flag are the worker's: the
 // idle passes show that it runs and offer neither a start nor a search,
 // whatever the path. Run under ThreadSanitizer, this shows the dialog
@@ -240,24 +338,24 @@ TEST_F(CheckHandOverDialog, APathChosenWhileACheckRunsDropsItsResult)
 {
     const int writer = StartHeldCheck();
     dialog->OnIdle();
-    EXPECT_EQ(fields[u"Message"].text, u"処理中...");
-    EXPECT_FALSE(fields[u"CheckStart"].enabled);
-    EXPECT_FALSE(fields[u"SearchError"].enabled);
+    EXPECT_EQ(Get(u"Message", u"Text"), u"処理中...");
+    EXPECT_EQ(Get(u"CheckStart", u"Enable"), u"false");
+    EXPECT_EQ(Get(u"SearchError", u"Enable"), u"false");
 
     Drop({u"C:\\music\\next.wav"});
-    EXPECT_EQ(fields[u"WaveFilePath"].text, u"C:\\music\\next.wav");
+    EXPECT_EQ(Get(u"WaveFilePath", u"Text"), u"C:\\music\\next.wav");
     dialog->OnIdle();
-    EXPECT_EQ(fields[u"Message"].text, u"処理中...");
-    EXPECT_FALSE(fields[u"CheckStart"].enabled);
+    EXPECT_EQ(Get(u"Message", u"Text"), u"処理中...");
+    EXPECT_EQ(Get(u"CheckStart", u"Enable"), u"false");
 
     // The held file ends empty, which is a finding; but the check was of
     // the old path, so the first pass after its end shows no report, and
     // the start follows the new path.
     close(writer);
     WaitForCheck();
-    EXPECT_EQ(fields[u"Message"].text, u"");
-    EXPECT_TRUE(fields[u"CheckStart"].enabled);
-    EXPECT_FALSE(fields[u"SearchError"].enabled);
+    EXPECT_EQ(Get(u"Message", u"Text"), u"");
+    EXPECT_EQ(Get(u"CheckStart", u"Enable"), u"true");
+    EXPECT_EQ(Get(u"SearchError", u"Enable"), u"false");
     EXPECT_TRUE(dialog->GetReport().IsEmpty());
     EXPECT_FALSE(dialog->ReportHasError());
 }
@@ -265,10 +363,9 @@ TEST_F(CheckHandOverDialog, APathChosenWhileACheckRunsDropsItsResult)
 TEST_F(CheckHandOverDialog, ASecondStartWaitsForTheRunningCheck)
 {
     const int writer = StartHeldCheck();
-    const std::u16string sound = dir.Write("sound.wav", SoundWave()).ToU16String();
-    fields[u"WaveFilePath"].text = sound;
+    Set(u"WaveFilePath", u"Text", dir.Write("sound.wav", SoundWave()).ToU16String());
     dialog->OnIdle();
-    EXPECT_FALSE(fields[u"CheckStart"].enabled);
+    EXPECT_EQ(Get(u"CheckStart", u"Enable"), u"false");
 
     // A start that comes all the same, as a command from elsewhere, waits
     // for the running check to end before it starts one on the path as it
@@ -276,10 +373,10 @@ TEST_F(CheckHandOverDialog, ASecondStartWaitsForTheRunningCheck)
     close(writer);
     Command(u"CheckStart");
     WaitForCheck();
-    EXPECT_EQ(fields[u"Message"].text, u"チェック完了しました。\r\n");
+    EXPECT_EQ(Get(u"Message", u"Text"), u"チェック完了しました。\r\n");
     EXPECT_FALSE(dialog->ReportHasError());
-    EXPECT_TRUE(fields[u"CheckStart"].enabled);
-    EXPECT_FALSE(fields[u"SearchError"].enabled);
+    EXPECT_EQ(Get(u"CheckStart", u"Enable"), u"true");
+    EXPECT_EQ(Get(u"SearchError", u"Enable"), u"false");
 }
 
 } // namespace

@@ -1,4 +1,3 @@
-#include "app/MainDialog.h"
 #include "app/Program.h"
 #include "loop/MessageLoop.h"
 #include "loop/MessageLoopRegistry.h"
@@ -53,45 +52,36 @@ void PostCancel(platform::WindowHandle window)
 
 } // namespace
 
-TEST_F(ProgramTest, StartsAndStopsInOrder)
-{
-    RunAndThen(PostCancel);
-    std::vector<std::string> expected = {
-        "InitializeCom", "InitializeCommonControls 4", "StartGdiplus", "CreateDialogWindow 129",
-        "ShowWindowAs 1", "DestroyDialogWindow", "StopGdiplus 1", "UninitializeCom",
-    };
-    EXPECT_EQ(platform::testing::TakeCallLog(), expected);
-    EXPECT_EQ(platform::testing::OpenComInitializations(), 0);
-    EXPECT_EQ(platform::testing::OpenGdiplusSessions(), 0);
-    EXPECT_EQ(MessageLoopRegistry::Process(), nullptr);
-}
-
-TEST_F(ProgramTest, NoWindowGivesExitCodeZeroAndStillStopsEverything)
-{
-    platform::testing::FailNextDialogCreation();
-    EXPECT_EQ(ProgramMain(nullptr, nullptr, u"", platform::kShowNormal), 0);
-    std::vector<std::string> expected = {
-        "InitializeCom", "InitializeCommonControls 4", "StartGdiplus", "CreateDialogWindow 129",
-        "StopGdiplus 1", "UninitializeCom",
-    };
-    EXPECT_EQ(platform::testing::TakeCallLog(), expected);
-    EXPECT_EQ(platform::testing::OpenGdiplusSessions(), 0);
-}
-
-TEST_F(ProgramTest, WindowIsShownCentredWithItsTimerAndDropsAccepted)
+// The window is shown centred in the work area, with the timer that keeps
+// idle passes coming while nothing else happens and drops accepted; all
+// that starts is stopped in reverse order, also when no window comes.
+TEST_F(ProgramTest, StartsShowsAndStopsInOrder)
 {
     platform::testing::SetWorkArea({0, 0, 1280, 1000});
     RunAndThen(PostCancel);
     ASSERT_TRUE(shownWhileRunning);
     EXPECT_TRUE(whileRunning.shown);
     EXPECT_EQ(whileRunning.lastShowCommand, platform::kShowNormal);
-    platform::PixelRect bounds = whileRunning.bounds;
+    const platform::PixelRect bounds = whileRunning.bounds;
     EXPECT_EQ(bounds.left, 640 - bounds.Width() / 2);
     EXPECT_EQ(bounds.top, 500 - bounds.Height() / 2);
-    // The timer keeps idle passes coming while nothing else happens.
     EXPECT_EQ(whileRunning.timers.size(), 1u);
     EXPECT_TRUE(whileRunning.acceptsDrops);
     EXPECT_NE(loopWhileRunning, nullptr);
+    EXPECT_EQ(platform::testing::TakeCallLog(),
+              (std::vector<std::string>{"InitializeCom", "InitializeCommonControls 4", "StartGdiplus",
+                                        "CreateDialogWindow 129", "ShowWindowAs 1", "DestroyDialogWindow",
+                                        "StopGdiplus 1", "UninitializeCom"}));
+    EXPECT_EQ(platform::testing::OpenComInitializations(), 0);
+    EXPECT_EQ(platform::testing::OpenGdiplusSessions(), 0);
+    EXPECT_EQ(MessageLoopRegistry::Process(), nullptr);
+
+    platform::testing::FailNextDialogCreation();
+    EXPECT_EQ(ProgramMain(nullptr, nullptr, u"", platform::kShowNormal), 0);
+    EXPECT_EQ(platform::testing::TakeCallLog(),
+              (std::vector<std::string>{"InitializeCom", "InitializeCommonControls 4", "StartGdiplus",
+                                        "CreateDialogWindow 129", "StopGdiplus 1", "UninitializeCom"}));
+    EXPECT_EQ(platform::testing::OpenGdiplusSessions(), 0);
 }
 
 TEST_F(ProgramTest, EveryWayOutEndsWithExitCodeTwo)
@@ -119,48 +109,14 @@ TEST_F(ProgramTest, EveryWayOutEndsWithExitCodeTwo)
     }
 }
 
-TEST_F(ProgramTest, OtherCommandsAndMessagesDoNotClose)
+// Enter, which the system's dialog processing turns into the OK command,
+// and other commands leave the program running.
+TEST_F(ProgramTest, EnterAndOtherCommandsDoNotClose)
 {
-    int exitCode = RunAndThen([](platform::WindowHandle w) {
-        platform::PostToWindow(w, platform::kMessageCommand, 1, 0);
-        platform::PostToWindow(w, platform::kMessageCommand, (1u << 16) | 1u, 0);
-        platform::PostToWindow(w, platform::kMessageCommand, 0x10003, 0);
-        platform::PostToWindow(w, platform::kMessageKeyDown, platform::kKeyReturn, 0);
-        platform::PostToWindow(w, platform::kMessagePaint, 0, 0);
-        platform::PostToWindow(w, platform::kMessageSize, 0, (236 << 16) | 362);
-        platform::PostToWindow(w, platform::kMessageDropFiles, 0, 0);
-        platform::PostToWindow(w, platform::kMessageTimer, 0, 0);
-    });
-    EXPECT_EQ(exitCode, 99);
-}
-
-TEST(MainDialog, LeavesTheLoopWhenItsWindowGoes)
-{
-    platform::testing::ResetStandIn();
-    MessageLoopRegistry registry;
-    MessageLoopRegistry::SetProcess(&registry);
-    MessageLoop loop;
-    registry.Add(platform::CurrentThreadId(), &loop);
-    {
-        MainDialog dialog;
-        platform::WindowHandle window = dialog.Create(nullptr, MainDialog::kTemplateId);
-        ASSERT_NE(window, nullptr);
-        // The backing bitmap covers the whole window: erasing would flicker.
-        EXPECT_EQ(platform::SendToWindow(window, platform::kMessageEraseBackground, 0, 0), 1);
-        platform::Message message;
-        message.window = window;
-        message.id = platform::kMessageUser;
-        // The dialog's filter uses up every message of its window.
-        EXPECT_TRUE(loop.PreTranslateMessage(message));
-        platform::SendToWindow(window, platform::kMessageCommand, 2, 0);
-        EXPECT_FALSE(platform::IsLiveWindow(window));
-        EXPECT_FALSE(loop.PreTranslateMessage(message));
-        EXPECT_EQ(dialog.GetWindow(), nullptr);
-    }
-    platform::Message quit;
-    EXPECT_EQ(platform::WaitForMessage(quit), 0);
-    EXPECT_EQ(quit.wParam, 2u);
-    registry.Remove();
-    MessageLoopRegistry::SetProcess(nullptr);
-    platform::testing::ResetStandIn();
+    EXPECT_EQ(RunAndThen([](platform::WindowHandle w) {
+                  platform::PostToWindow(w, platform::kMessageKeyDown, platform::kKeyReturn, 0);
+                  for (std::uintptr_t command : {1u, (1u << 16) | 1u, 0x10003u})
+                      platform::PostToWindow(w, platform::kMessageCommand, command, 0);
+              }),
+              99);
 }

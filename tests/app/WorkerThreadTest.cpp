@@ -18,20 +18,6 @@ using namespace worker_test;
 
 namespace {
 
-class StopWaiter {
-public:
-    void Run(WorkerThread* worker)
-    {
-        started = true;
-        while (!worker->IsStopRequested())
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        sawStop = true;
-    }
-
-    std::atomic<bool> started{false};
-    bool sawStop = false;
-};
-
 // The worker keeps the method with its class erased; a virtual one must
 // still dispatch as the target's class does.
 class Shape {
@@ -46,10 +32,15 @@ public:
     void Run(WorkerThread* worker) override
     {
         seen = worker;
-        ++runs;
+        started = true;
+        while (waitForStop && !worker->IsStopRequested())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        sawStop = worker->IsStopRequested();
     }
+    bool waitForStop = false;
+    std::atomic<bool> started{false};
     WorkerThread* seen = nullptr;
-    int runs = 0;
+    bool sawStop = false;
 };
 
 // The faults, kept where the compiler can neither see the outcome nor drop
@@ -73,7 +64,9 @@ volatile int sink = 0;
 // Leaves a known last error on its thread and then fails as told.
 class Failing {
 public:
-    enum class How { DivideByZero, WriteThroughNull, ThrowContainerError, ThrowAlgorithm, ReturnNormally };
+    enum class How {
+        DivideByZero, WriteThroughNull, ThrowContainerError, ThrowAlgorithm, AllocateTooMuch, ReturnNormally
+    };
 
     explicit Failing(How how) : how(how) {}
 
@@ -92,6 +85,19 @@ public:
             throw ContainerError{kResultOutOfMemory};
         case How::ThrowAlgorithm:
             throw Exception::Algorithm;
+        case How::AllocateTooMuch: {
+#if defined(__SANITIZE_ADDRESS__)
+            // AddressSanitizer's operator new ends the process on failure
+            // instead of calling the handler; call it as operator new would.
+            std::get_new_handler()();
+#else
+            // More than any address space holds; a size the compiler cannot see.
+            volatile std::size_t size = ~std::size_t{0} / 4 * 3;
+            void* volatile memory = ::operator new(size);
+            ::operator delete(memory);
+#endif
+            break;
+        }
         case How::ReturnNormally:
             return;
         }
@@ -125,30 +131,27 @@ protected:
 
 } // namespace
 
-TEST(WorkerThreadLife, ReturningFunctionLeavesItNotRunning)
+TEST(WorkerThreadLife, RunsItsTargetAndStopAndDestroyWaitsForIt)
 {
     Circle circle;
     Shape& shape = circle;
     WorkerThread* worker = new WorkerThread(&shape, &Shape::Run);
     ASSERT_TRUE(WaitUntilEnded(*worker));
-    EXPECT_EQ(circle.runs, 1);
     EXPECT_EQ(circle.shapeRuns, 0);
     EXPECT_EQ(circle.seen, worker);
-    EXPECT_FALSE(worker->IsStopRequested());
+    EXPECT_FALSE(circle.sawStop);
     worker->StopAndDestroy();
-}
 
-TEST(WorkerThreadLife, StopAndDestroyWaitsForTheFunction)
-{
-    StopWaiter target;
-    WorkerThread* worker = new WorkerThread(&target, &StopWaiter::Run);
+    Circle waiting;
+    waiting.waitForStop = true;
+    worker = new WorkerThread(&waiting, &Circle::Run);
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!target.started && std::chrono::steady_clock::now() < deadline)
+    while (!waiting.started && std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    ASSERT_TRUE(target.started);
+    ASSERT_TRUE(waiting.started);
     EXPECT_TRUE(worker->IsRunning());
     worker->StopAndDestroy();
-    EXPECT_TRUE(target.sawStop);
+    EXPECT_TRUE(waiting.sawStop);
 }
 
 TEST_F(WorkerFailure, FaultsShowTheirTextTheSystemTextAndTheExceptionData)
@@ -167,6 +170,8 @@ TEST_F(WorkerFailure, FaultsShowTheirTextTheSystemTextAndTheExceptionData)
         {"access violation", Failing::How::WriteThroughNull, WriteThroughNull, 0xC0000005, 2,
          u"The memory unlawful computer access error occurred."},
     };
+    // An empty system text would make the comparisons below prove little.
+    EXPECT_FALSE(platform::SystemErrorMessage(kTargetLastError).empty());
     for (const Case& test : cases) {
         SCOPED_TRACE(test.name);
         Failing target(test.how);
@@ -209,12 +214,14 @@ TEST_F(WorkerFailure, OldExceptionDataStaysForLaterFailures)
     EXPECT_EQ(box.text, FailureText(u"The algorithm error occurred.", kTargetLastError, oldLine));
 }
 
-TEST_F(WorkerFailure, AllocationHandlerIsPutBackBeforeTheBox)
+// The worker's own allocation handler turns a failed allocation into a
+// box; the handler from before is back once the function has returned, and
+// before the box shows.
+TEST_F(WorkerFailure, FailedAllocationShowsMemoryAllocation)
 {
     static std::atomic<int> sentinelCalls{0};
     const std::new_handler sentinel = [] { ++sentinelCalls; };
     const std::new_handler before = std::set_new_handler(sentinel);
-
     Failing returning(Failing::How::ReturnNormally);
     WorkerThread* worker = new WorkerThread(&returning, &Failing::Run);
     ASSERT_TRUE(WaitUntilEnded(*worker));
@@ -222,57 +229,19 @@ TEST_F(WorkerFailure, AllocationHandlerIsPutBackBeforeTheBox)
     EXPECT_NE(returning.handlerInside, sentinel);
     EXPECT_EQ(std::get_new_handler(), sentinel);
 
-    Failing throwing(Failing::How::ThrowContainerError);
-    worker = new WorkerThread(&throwing, &Failing::Run);
+    Failing target(Failing::How::AllocateTooMuch);
+    worker = new WorkerThread(&target, &Failing::Run);
     FailureBox box;
     ASSERT_TRUE(WaitForFailureBox(box));
-    // The catch clause shows the box, and by then the old handler is back.
     EXPECT_EQ(std::get_new_handler(), sentinel);
-    CloseFailureBox();
-    ASSERT_TRUE(WaitUntilEnded(*worker));
-    worker->StopAndDestroy();
-    EXPECT_NE(throwing.handlerInside, sentinel);
-    EXPECT_EQ(std::get_new_handler(), sentinel);
-
-    std::set_new_handler(before);
-    EXPECT_EQ(sentinelCalls, 0);
-}
-
-namespace {
-
-class HugeAllocator {
-public:
-    void Run(WorkerThread*)
-    {
-        platform::SetLastErrorCode(kTargetLastError);
-#if defined(__SANITIZE_ADDRESS__)
-        // AddressSanitizer's operator new ends the process on failure
-        // instead of calling the handler; call it as operator new would.
-        std::get_new_handler()();
-#else
-        // More than any address space holds; a size the compiler cannot see.
-        volatile std::size_t size = ~std::size_t{0} / 4 * 3;
-        void* volatile memory = ::operator new(size);
-        ::operator delete(memory);
-#endif
-        reachedEnd = true;
-    }
-
-    bool reachedEnd = false;
-};
-
-} // namespace
-
-TEST_F(WorkerFailure, FailedAllocationShowsMemoryAllocation)
-{
-    HugeAllocator target;
-    WorkerThread* worker = new WorkerThread(&target, &HugeAllocator::Run);
-    FailureBox box;
-    ASSERT_TRUE(WaitForFailureBox(box));
     CloseFailureBox();
     ASSERT_TRUE(WaitUntilEnded(*worker));
     worker->StopAndDestroy();
     EXPECT_FALSE(target.reachedEnd);
+    EXPECT_NE(target.handlerInside, sentinel);
+    EXPECT_EQ(std::get_new_handler(), sentinel);
+    std::set_new_handler(before);
+    EXPECT_EQ(sentinelCalls, 0);
 
     // Whatever exception data an earlier test of this process left stays.
     // The failed allocation may leave a last error of its own, as Windows'

@@ -34,11 +34,6 @@ inline bool WaitUntilEnded(const WorkerThread& worker)
     return true;
 }
 
-inline std::u16string Widen(const std::string& ascii)
-{
-    return std::u16string(ascii.begin(), ascii.end());
-}
-
 // The address as wide as a pointer, the other fields eight digits wide.
 inline std::u16string ExceptionDataLine(const platform::FaultRecord& fault)
 {
@@ -48,7 +43,7 @@ inline std::u16string ExceptionDataLine(const platform::FaultRecord& fault)
                   ", NumberParameters: %08" PRIX32 "\n",
                   fault.code, fault.flags, static_cast<int>(sizeof(std::uintptr_t) * 2), fault.address,
                   fault.parameterCount);
-    return Widen(line);
+    return std::u16string(line, line + std::char_traits<char>::length(line));
 }
 
 // The whole text of a box: the first piece, the save line, the system's
