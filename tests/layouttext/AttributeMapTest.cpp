@@ -1,7 +1,6 @@
 #include "base/Utf8.h"
 #include "layouttext/AttributeMap.h"
 
-
 #include <gtest/gtest.h>
 
 #include <set>
@@ -89,34 +88,28 @@ TEST(AttributeMap, ItemsAreCutAtEveryComma)
 TEST(AttributeMap, ManyKeysStayReachableThroughGrowthAndRehash)
 {
     AttributeMap map;
-    WideString key;
-    WideString value;
-    EXPECT_FALSE(map.GetEntry(0, key, value));
-    map.Set(u"ab", u"-1");
-    map.Set(u"bA", u"-2");
-    map.Set(u"AB", u"-3");
-    map.Set(u"ab", u"-4");
+    for (const char16_t* key : {u"ab", u"bA", u"AB", u"ab"})
+        map.Set(key, key);
+    map.Set(u"AB", u"AB2");
     constexpr int kKeys = 3000;
     auto keyOf = [](int i) { return WideString::FromAscii("Key" + std::to_string(i)); };
-    for (int i = 0; i < kKeys; ++i) {
+    for (int i = 0; i < kKeys; ++i)
         map.Set(keyOf(i), WideString::FromAscii(std::to_string(i)));
-        for (int j = 0; i % 211 == 0 && j <= i; ++j)
-            ASSERT_EQ(map.GetFirstInt(keyOf(j), -1), j) << "after " << i;
-    }
     for (const char* stage : {"grown", "rehashed"}) {
         SCOPED_TRACE(stage);
-        ASSERT_EQ(map.Count(), kKeys + 3);
         for (int i = 0; i < kKeys; ++i)
             ASSERT_EQ(map.GetFirstInt(keyOf(i), -1), i);
-        EXPECT_EQ(map.GetRaw(u"ab"), u"-4");
-        EXPECT_EQ(map.GetRaw(u"bA"), u"-2");
-        EXPECT_EQ(map.GetRaw(u"AB"), u"-3");
+        EXPECT_EQ(map.GetRaw(u"ab"), u"ab");
+        EXPECT_EQ(map.GetRaw(u"bA"), u"bA");
+        EXPECT_EQ(map.GetRaw(u"AB"), u"AB2");
         std::set<std::u16string> seen;
+        WideString key, value;
         for (int index = 0; map.GetEntry(index, key, value); ++index) {
             EXPECT_EQ(map.GetRaw(key), value);
             seen.insert(key.ToU16String());
         }
         EXPECT_EQ(seen.size(), static_cast<std::size_t>(kKeys + 3));
+        EXPECT_EQ(map.Count(), kKeys + 3);
         EXPECT_FALSE(map.GetEntry(-1, key, value));
         map.Rehash();
     }

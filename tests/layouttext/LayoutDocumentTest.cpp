@@ -54,38 +54,26 @@ WideString ThreadText(std::string_view bytes)
 
 TEST(LayoutDocumentParse, SectionGrammar)
 {
-    struct Case {
-        std::u16string_view text;
-        const char* sections;
-    };
-    const Case cases[] = {
+    const std::pair<std::u16string_view, const char*> cases[] = {
         {u"; the path\r\n[EditableText]\r\nName=WaveFilePath\r\nOption=SingleLine,TabStop",
          "[EditableText] Name=WaveFilePath Option=SingleLine,TabStop"},
-        {u"[]\r\nk=v", ""},
-        {u"[A]\r\n[x\r\nk=v", "[A] k=v"},
-        {u"[A]\r\na=b=c", "[A] a=b=c"},
-        {u"[A]\r\n=x", "[A] ="},
-        {u"[A]\r\nx=", "[A] x="},
-        {u"[a=b]\r\nk=v", "[a=b] k=v"},
-        {u"[[x]]", "[[x]]"},
-        {u"k=v\r\n[A]\r\nplain words", "[A]"},
-        {u"[A]\r\nk=1\r\nK=1\r\nk=2\r\n[A]\r\nk=3", "[A] K=1 k=2 [A] k=3"},
+        {u"[]\r\nk=v", ""}, {u"[A]\r\n[x\r\nk=v", "[A] k=v"}, {u"[A]\r\na=b=c", "[A] a=b=c"}, {u"[A]\r\n=x", "[A] ="},
+        {u"[A]\r\nx=", "[A] x="}, {u"[a=b]\r\nk=v", "[a=b] k=v"}, {u"[[x]]", "[[x]]"},
+        {u"k=v\r\n[A]\r\nplain words", "[A]"}, {u"[A]\r\nk=1\r\nK=1\r\nk=2\r\n[A]\r\nk=3", "[A] K=1 k=2 [A] k=3"},
         // Nothing is trimmed, and markers count only as the very first character.
         {u" [A]\r\nk=v", ""},
         {u"[A]\r\n a = b \r\n\tk\t=\tv", "[A] \tk\t=\tv  a = b "},
         {u"[A]\r\n//[x]\r\n //[x]\r\n;k=v\r\n ;k=v\r\n//k=v", "[A]  ;k=v"},
         {u"[A]\r\nText=\"q\\n\" /* http://host/a;b */", "[A] Text=\"q\\n\" /* http://host/a;b */"},
         // Lines end only at CR LF; empty lines vanish, a last line needs no end.
-        {u"[A]\nk=v\n[B]", "[A]\\nk=v\\n[B]"},
-        {u"[A]\r\nk=v\nx=y\r\nz=1\r", "[A] k=v\\nx=y z=1\\r"},
-        {u"\r\n\r\n[A]\r\n\r\nk=v\r\n\r\n", "[A] k=v"},
-        {u"\uFEFF[A]\r\nk=v", ""},
+        {u"[A]\nk=v\n[B]", "[A]\\nk=v\\n[B]"}, {u"[A]\r\nk=v\nx=y\r\nz=1\r", "[A] k=v\\nx=y z=1\\r"},
+        {u"\r\n\r\n[A]\r\n\r\nk=v\r\n\r\n", "[A] k=v"}, {u"\uFEFF[A]\r\nk=v", ""},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(Shown(WideString(c.text)));
+    for (const auto& [text, sections] : cases) {
+        SCOPED_TRACE(Shown(WideString(text)));
         LayoutDocument document;
-        EXPECT_TRUE(document.Parse(WideString(c.text)));
-        EXPECT_EQ(Describe(document), c.sections);
+        EXPECT_TRUE(document.Parse(WideString(text)));
+        EXPECT_EQ(Describe(document), sections);
     }
 }
 
