@@ -40,59 +40,23 @@ protected:
     HMODULE module = nullptr;
 };
 
-// Reads the little-endian fields of a resource in order.
-class Reader {
-public:
-    explicit Reader(const std::vector<unsigned char>& bytes) : bytes(bytes) {}
-    unsigned Word()
-    {
-        unsigned value = bytes.at(at) | (bytes.at(at + 1) << 8);
-        at += 2;
-        return value;
-    }
-    unsigned long Dword()
-    {
-        unsigned long low = Word();
-        return low | (static_cast<unsigned long>(Word()) << 16);
-    }
-    unsigned Byte() { return bytes.at(at++); }
-    std::wstring Text()
-    {
-        std::wstring text;
-        for (unsigned unit = Word(); unit != 0; unit = Word())
-            text += static_cast<wchar_t>(unit);
-        return text;
-    }
-    std::size_t Left() const { return bytes.size() - at; }
-
-private:
-    const std::vector<unsigned char>& bytes;
-    std::size_t at = 0;
-};
-
 } // namespace
 
 // The style, caption and size show on the running window; the font, which
-// sets the size of a dialog unit, only here.
+// sets the size of a dialog unit, only here. The template's fields are
+// little-endian words: the extended form's version and signature, three
+// double words and five words that the window shows, no menu, the system's
+// dialog class, the caption, 8 points, weight, italic flag and character
+// set, and the face.
 TEST_F(ProgramResources, DialogTemplateIsTheExtendedFormInTheShellFont)
 {
-    std::vector<unsigned char> bytes = Resource(MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(129));
-    ASSERT_FALSE(bytes.empty());
-    Reader read(bytes);
-    EXPECT_EQ(read.Word(), 1u);      // version
-    EXPECT_EQ(read.Word(), 0xFFFFu); // signature of the extended form
-    for (int skipped = 0; skipped < 3; ++skipped)
-        read.Dword();                // help id, extended style, style
-    for (int skipped = 0; skipped < 5; ++skipped)
-        read.Word();                 // controls, x, y, width, height
-    EXPECT_EQ(read.Word(), 0u);      // no menu
-    EXPECT_EQ(read.Word(), 0u);      // the system's dialog class
-    EXPECT_EQ(read.Text(), L"Sondara");
-    EXPECT_EQ(read.Word(), 8u);      // points
-    read.Word();                     // weight
-    read.Byte();                     // italic
-    read.Byte();                     // character set
-    EXPECT_EQ(read.Text(), L"MS Shell Dlg");
+    const std::vector<unsigned char> bytes = Resource(MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(129));
+    std::u16string words(bytes.size() / 2, u'\0');
+    std::memcpy(words.data(), bytes.data(), words.size() * 2);
+    ASSERT_GE(words.size(), 39u);
+    EXPECT_EQ(words.substr(0, 2), u"\x0001\xFFFF");
+    EXPECT_EQ(words.substr(13, 11), std::u16string(u"\0\0Sondara\0\x0008", 11));
+    EXPECT_EQ(words.substr(26, 13), std::u16string(u"MS Shell Dlg\0", 13));
 }
 
 TEST_F(ProgramResources, ManifestAsksForCommonControlsSixOfTheBuildsProcessor)
