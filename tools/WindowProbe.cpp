@@ -1,8 +1,9 @@
 // window-probe X Y: where the top-level window at screen point X, Y has its
 // client area, for the end-to-end tests that drive Sondara.exe with real X
 // input and must know where its widgets are, and what the controls of a
-// native window such as a message box say. It only looks: it sends and
-// posts nothing. Prints, one item a line:
+// native window such as a message box say. It only looks: it sends no
+// message but requests for a window's text, and posts nothing. Prints, one
+// item a line:
 //
 //   client LEFT TOP WIDTH HEIGHT   (screen pixels)
 //   dpi N                           (the screen's horizontal DPI)
@@ -15,11 +16,17 @@
 //                                    handled all input sent to it before:
 //                                    the probe waits up to 10 s for that)
 //
+// window-probe --class NAME: the visible top-level windows of class NAME,
+// a tooltip's or a popup menu's say, one a line:
+//
+//   window LEFT TOP RIGHT BOTTOM TEXT   (screen pixels; the text in UTF-8)
+//
 // Exit status 0, or 1 when no window is at that point, 2 for bad usage.
 #include <windows.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
 #include <string>
 
 namespace {
@@ -54,12 +61,34 @@ BOOL CALLBACK PrintChild(HWND child, LPARAM)
     return TRUE;
 }
 
+BOOL CALLBACK PrintOfClass(HWND window, LPARAM className)
+{
+    wchar_t name[256] = {};
+    GetClassNameW(window, name, 256);
+    if (!IsWindowVisible(window) || lstrcmpiW(name, reinterpret_cast<const wchar_t*>(className)) != 0)
+        return TRUE;
+    RECT bounds{};
+    GetWindowRect(window, &bounds);
+    // A tooltip keeps its text to itself and gives it only when asked; the
+    // system's own title of another process's window is empty.
+    wchar_t text[1024] = {};
+    DWORD_PTR copied = 0;
+    SendMessageTimeoutW(window, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(text), SMTO_ABORTIFHUNG, 5000, &copied);
+    std::printf("window %ld %ld %ld %ld %s\n", bounds.left, bounds.top, bounds.right, bounds.bottom,
+                Utf8(text).c_str());
+    return TRUE;
+}
+
 } // namespace
 
 int wmain(int argc, wchar_t** argv)
 {
+    if (argc == 3 && std::wcscmp(argv[1], L"--class") == 0) {
+        EnumWindows(PrintOfClass, reinterpret_cast<LPARAM>(argv[2]));
+        return 0;
+    }
     if (argc != 3) {
-        std::fputs("usage: window-probe X Y\n", stderr);
+        std::fputs("usage: window-probe X Y | window-probe --class NAME\n", stderr);
         return 2;
     }
     const POINT point{std::wcstol(argv[1], nullptr, 10), std::wcstol(argv[2], nullptr, 10)};

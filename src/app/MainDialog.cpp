@@ -4,11 +4,13 @@
 #include "app/WebLinks.h"
 #include "app/WorkerThread.h"
 #include "check/WaveCheck.h"
+#include "engine/PopupMenu.h"
 #include "engine/WidgetEvent.h"
 #include "files/PathParts.h"
 #include "loop/MessageLoop.h"
 #include "loop/MessageLoopRegistry.h"
 #include "platform/DesktopMessageBox.h"
+#include "platform/Input.h"
 #include "platform/MessageQueue.h"
 #include "platform/Paint.h"
 #include "platform/Shell.h"
@@ -162,9 +164,11 @@ bool MainDialog::OnWidgetCommand(Viewer&, const WidgetEvent& event)
         OpenReleaseNote();
         return true;
     }
-    // FIXME: the popup of report lines for the search comes with the popup
-    // menu; ReportLines and SearchAddress are ready for it.
-    return event.Name == kSearchError;
+    if (event.Name == kSearchError) {
+        SearchError();
+        return true;
+    }
+    return false;
 }
 
 // A closing program waits here for a check that still runs, and for its
@@ -262,6 +266,24 @@ void MainDialog::SelectWaveFile()
 // The release note of the running version, by its product version in the
 // language-neutral string table: "1, 0, 0, 1" ends the address in
 // "sondara_100".
+// Offers the report's lines in a popup at the cursor and looks the chosen
+// one up on the maker's site. Reached only while no check runs, so the
+// report is the dialog's to read.
+void MainDialog::SearchError()
+{
+    const Array<WideString> lines = ReportLines(report);
+    PopupMenu menu;
+    menu.Reset();
+    for (const WideString& line : lines)
+        menu.AddItem(line);
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    platform::GetCursorScreenPosition(x, y);
+    const std::int32_t chosen = menu.Track(GetWindow(), x, y);
+    if (chosen >= 0 && static_cast<std::size_t>(chosen) < lines.Count())
+        OpenAddress(SearchAddress(lines.At(static_cast<std::size_t>(chosen))));
+}
+
 void MainDialog::OpenReleaseNote()
 {
     VersionInfo version;

@@ -62,6 +62,7 @@ private:
     // Commands
     void SelectWaveFile();
     void StartCheck();
+    void SearchError();
     void OpenReleaseNote();
     // A new path was chosen: the result of the last check no longer holds.
     void ForgetResult();

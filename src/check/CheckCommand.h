@@ -7,12 +7,9 @@
 #include <vector>
 
 // The command-line checker beside the window, for batches and scripts:
-//   sondara-check [--json] [--chunks | --levels] FILE...
-//   sondara-check [--json] --tidy OUT FILE
-// It runs the window's check on each file in order, or lists its chunks,
-// measures its levels or writes a mended copy of it. Exit status 0 when
-// every report is the all-clear line (every file was listed, measured or
-// copied), 1 when any has a finding (or was not), 2 for bad usage.
+//   sondara-check [--json] FILE...
+// It runs the window's check on each file in order. Exit status 0 when every
+// report is the all-clear line, 1 when any has a finding, 2 for bad usage.
 
 struct CheckResult {
     WideString path;

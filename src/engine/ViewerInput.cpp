@@ -1,4 +1,5 @@
 #include "engine/Viewer.h"
+#include "engine/ToolTipWindow.h"
 
 #include "engine/CaptureGuard.h"
 #include "engine/InputWidget.h"
@@ -132,11 +133,14 @@ bool Viewer::IsInteractive(const InputWidget* widget) const
     return widget != nullptr && widget->IsEnabled() && IsShown(widget);
 }
 
-// FIXME: a tooltip that belongs to another host window goes when a mouse
-// message comes; that waits for the tooltip.
+// A mouse message that carries its point also takes down a tooltip that was
+// made for another host window.
 void Viewer::FindCursor(std::uint32_t message, std::intptr_t lParam, float& x, float& y)
 {
     if (CarriesCursor(message)) {
+        ToolTipWindow& tip = ToolTipWindow::Instance();
+        if (tip.BelongsToOtherHost(GetHostWindow()))
+            tip.Destroy();
         x = static_cast<std::int16_t>(lParam & 0xFFFF);
         y = static_cast<std::int16_t>((lParam >> 16) & 0xFFFF);
         return;

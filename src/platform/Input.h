@@ -14,6 +14,8 @@ namespace platform {
 bool GetCursorScreenPosition(std::int32_t& x, std::int32_t& y);
 // Turns a point in screen pixels into one of window's client area.
 bool ScreenToClientPoint(WindowHandle window, std::int32_t& x, std::int32_t& y);
+// And a point of window's client area into one of the screen.
+bool ClientToScreenPoint(WindowHandle window, std::int32_t& x, std::int32_t& y);
 // Whether a Shift key is down at this moment.
 bool IsShiftKeyDown();
 // Whether a Ctrl key is down at this moment.

@@ -1,5 +1,6 @@
 #include "widgets/Pushable.h"
 
+#include "engine/ToolTipWindow.h"
 #include "engine/Viewer.h"
 #include "engine/WidgetEvent.h"
 #include "layouttext/AttributeMap.h"
@@ -18,7 +19,8 @@ bool Store(bool& field, bool value)
 } // namespace
 
 // The three mouse flags can be set by key. Disabling a widget under the
-// mouse lets go of it at once: the flags clear and the capture goes back.
+// mouse lets go of it at once: the flags clear, the capture goes back and
+// its tooltip goes, since no leaving will come to take it down.
 bool Pushable::SetAttribute(const WideString& key, const WideString& value)
 {
     if (key == u"Pushed")
@@ -31,6 +33,8 @@ bool Pushable::SetAttribute(const WideString& key, const WideString& value)
         Clicked = false;
         Hover = false;
         Notify(EventCode::kReleaseCapture);
+        if (Owner != nullptr)
+            ToolTipWindow::Instance().Show(*Owner, WideString(), this);
     }
     return InputWidget::SetAttribute(key, value);
 }
@@ -67,9 +71,8 @@ bool Pushable::GetAttribute(const WideString& key, WideString& value)
 // The mouse moves in and out, the left button goes down on the widget and
 // comes up again. Entering and pressing take the capture, so the widget
 // sees the mouse leave; a click counts only when the button comes up
-// inside. A double click is a second press.
-// FIXME: show the tooltip on entering and hide it on leaving, once there
-// is a tooltip window.
+// inside. A double click is a second press. The widget's tooltip shows
+// while the mouse is over it.
 bool Pushable::OnEvent(platform::WindowHandle, std::uint32_t message, std::uintptr_t, std::intptr_t,
                        const PointF& point)
 {
@@ -89,6 +92,7 @@ bool Pushable::OnEvent(platform::WindowHandle, std::uint32_t message, std::uintp
             Notify(EventCode::kMouseLeft);
         }
         Repaint();
+        ToolTipWindow::Instance().Show(*Owner, inside ? ToolTip : WideString(), this);
         return true;
     case platform::kMessageLeftButtonDown:
     case platform::kMessageLeftButtonDoubleClick:

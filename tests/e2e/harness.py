@@ -56,6 +56,20 @@ def run(command, timeout=30, env=None, check=True):
     return result
 
 
+def run_wine(command, timeout=30):
+    """Runs a Windows program under Wine. Under load, Wine now and then
+    fails at its own exit before the program ran ("Inconsistency detected
+    by ld.so", status 127); such a run is tried again."""
+    for attempt in range(3):
+        result = run(["wine"] + command, timeout=timeout, check=False)
+        if result.returncode != 127 or attempt == 2:
+            break
+    if result.returncode != 0:
+        raise Failure("wine %s failed (%d): %s" % (" ".join(command), result.returncode,
+                                                   result.stderr.decode("utf-8", "replace").strip()))
+    return result
+
+
 # ---------------------------------------------------------------------------
 # The X display: windows, input, clipboard, pictures
 
@@ -81,8 +95,9 @@ class Desktop:
         return window in self.windows()
 
     def new_window(self, before, what, timeout=15):
-        """The first visible top-level window that was not among before."""
-        return wait_for(what, lambda: min(self.windows() - before, default=None), timeout)
+        """The first visible top-level window with a name that was not among
+        before. Tooltips and popup menus have no name."""
+        return wait_for(what, lambda: min(self.windows(".+") - before, default=None), timeout)
 
     def wait_gone(self, window, what, timeout=10):
         wait_for(what, lambda: not self.exists(window), timeout)
@@ -476,7 +491,7 @@ class Harness:
 
     def probe_at(self, x, y):
         """What window-probe tells of the top-level window at a root point."""
-        out = run(["wine", self.probe, str(int(x)), str(int(y))], timeout=30).stdout.decode("utf-8", "replace")
+        out = run_wine([self.probe, str(int(x)), str(int(y))]).stdout.decode("utf-8", "replace")
         info = {"children": []}
         for line in out.splitlines():
             key, _, rest = line.partition(" ")
@@ -492,6 +507,32 @@ class Harness:
         if "client" not in info:
             raise Failure("window-probe found no window at %d, %d" % (x, y))
         return info
+
+    def windows_of_class(self, name):
+        """The visible top-level windows of a Windows class, a tooltip's or
+        a popup menu's, as (left, top, right, bottom, text) each."""
+        out = run_wine([self.probe, "--class", name]).stdout.decode("utf-8", "replace")
+        found = []
+        for line in out.splitlines():
+            key, _, rest = line.partition(" ")
+            if key == "window":
+                fields = rest.split(" ", 4)
+                found.append(tuple(int(v) for v in fields[:4]) + (fields[4] if len(fields) > 4 else "",))
+        return found
+
+    def catch_addresses(self):
+        """Makes address-catcher.exe the handler of http addresses, so that
+        each address the program asks the shell to open lands as a line in
+        a file, as it was handed over. Gives the file's path, emptied."""
+        catcher = os.path.join(self.build_dir, "address-catcher.exe")
+        if not os.path.isfile(catcher):
+            raise Failure("%s is missing: build the windows preset first" % catcher)
+        caught = os.path.join(self.out_dir, "opened-addresses.txt")
+        command = '"%s" "%s" "%%1"' % (wine_path(catcher), wine_path(caught))
+        run(["wine", "reg", "add", "HKLM\\Software\\Classes\\http\\shell\\open\\command", "/ve", "/t",
+             "REG_SZ", "/d", command, "/f"], timeout=60)
+        open(caught, "wb").close()
+        return caught
 
     def probe_window(self, window):
         x, y, width, height = self.desktop.geometry(window)

@@ -33,6 +33,13 @@ NO_FILE = "ファイルがありません。\r\n"
 NOT_RIFF = "RIFF形式ではありません。\r\n"
 NOT_WAVE_BOX = "Wavファイルではありません。"
 FILE_DIALOG_TITLE = "ファイルの選択"
+RELEASE_NOTE_TIP = "このバージョンのリリースノートを開きます"
+SEARCH_ADDRESS = "http://www.sondara.example/search.php?query="
+RELEASE_NOTE_ADDRESS = "http://www.sondara.example/press_release.php?file_name=sondara_100"
+TOOLTIP_CLASS = "tooltips_class32"
+POPUP_MENU_CLASS = "#32768"
+# The frame of a popup menu around its rows, in pixels.
+MENU_BORDER = 3
 
 SCENARIOS = []
 
@@ -327,6 +334,99 @@ def close_box_during_check(h):
         h.desktop.click(*program.close_box())
 
     end_during_check(h, click_close_box)
+
+
+def opened_addresses(caught):
+    with open(caught, encoding="utf-8") as lines:
+        return lines.read().splitlines()
+
+
+def wait_opened(caught, count, what):
+    """The addresses opened so far, once there are count of them."""
+    return wait_for(what, lambda: len(opened_addresses(caught)) >= count and opened_addresses(caught), 20)
+
+
+@scenario
+def tooltip_on_hover(h):
+    """The mouse over リリースノート brings up its tooltip below the button;
+    moving off takes it down."""
+    program = h.start()
+    left, top, right, bottom = program.widget_rect("ReleaseNote")
+    h.desktop.move(*program.widget_centre("ReleaseNote"))
+
+    def tip():
+        tips = [t for t in h.windows_of_class(TOOLTIP_CLASS) if t[4]]
+        return tips[0] if tips else None
+
+    tip_left, tip_top, _, _, text = wait_for("the tooltip", tip, 10)
+    h.shot("tooltip")
+    expect("the tooltip's text", text, RELEASE_NOTE_TIP)
+    if abs(tip_left - int(left)) > 1 or not 0 <= tip_top - int(bottom) <= 10:
+        raise Failure("the tooltip stands at %d, %d, not below the button's corner %d, %d" %
+                      (tip_left, tip_top, left, bottom))
+    h.desktop.move(*program.background_point())
+    wait_for("the tooltip to go", lambda: not h.windows_of_class(TOOLTIP_CLASS), 10)
+    h.shot("tooltip-gone")
+    close_normally(h, program)
+
+
+@scenario
+def search_chosen_line(h):
+    """After a check with findings, エラーを検索 offers a popup of the
+    report's lines, one item each in report order: clicking item k opens the
+    site's search for line k, with the line as it stands. Items are clicked
+    where a popup of exactly that many rows has them, so a missing or extra
+    item shifts some click onto the wrong line. Esc closes the popup and
+    opens nothing."""
+    caught = h.catch_addresses()
+    path = findings_file(h, "search.wav")
+    lines = h.check_report(wine_path(path)).split("\r\n")[:-1]
+    program = h.start()
+    check_and_read(h, program, path)
+
+    def open_popup():
+        program.click("SearchError")
+        return wait_for("the popup menu", lambda: h.windows_of_class(POPUP_MENU_CLASS), 10)[0]
+
+    for index, line in enumerate(lines):
+        before = len(opened_addresses(caught))
+        left, top, right, bottom, _ = open_popup()
+        row = (bottom - top - 2 * MENU_BORDER) / len(lines)
+        h.desktop.move((left + right) / 2, top + MENU_BORDER + (index + 0.5) * row)
+        if index == 1:
+            time.sleep(0.3)
+            h.shot("popup-second-item")
+        h.desktop.click((left + right) / 2, top + MENU_BORDER + (index + 0.5) * row)
+        wait_for("the popup to close", lambda: not h.windows_of_class(POPUP_MENU_CLASS), 10)
+        got = wait_opened(caught, before + 1, "the address of line %d" % (index + 1))[-1]
+        expect("the address of line %d" % (index + 1), got, SEARCH_ADDRESS + line)
+
+    # Esc, pressed again should the first be lost: Wine now and then drops
+    # a key that comes while the menu takes the keyboard over.
+    opened = len(opened_addresses(caught))
+    open_popup()
+    time.sleep(0.5)
+    for attempt in range(3):
+        h.desktop.key("Escape")
+        try:
+            wait_for("the popup to close", lambda: not h.windows_of_class(POPUP_MENU_CLASS), 3)
+            break
+        except Failure:
+            if attempt == 2:
+                raise
+    time.sleep(2)
+    expect("addresses opened after Esc", opened_addresses(caught)[opened:], [])
+    close_normally(h, program)
+
+
+@scenario
+def release_note(h):
+    """リリースノート opens the release note of the running version."""
+    caught = h.catch_addresses()
+    program = h.start()
+    program.click("ReleaseNote")
+    expect("the address opened", wait_opened(caught, 1, "the release note's address"), [RELEASE_NOTE_ADDRESS])
+    close_normally(h, program)
 
 
 # ---------------------------------------------------------------------------

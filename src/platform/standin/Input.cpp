@@ -30,6 +30,16 @@ bool ScreenToClientPoint(WindowHandle window, std::int32_t& x, std::int32_t& y)
     return true;
 }
 
+bool ClientToScreenPoint(WindowHandle window, std::int32_t& x, std::int32_t& y)
+{
+    if (!IsLiveWindow(window))
+        return false;
+    const PixelRect client = GetClientBounds(window);
+    x += client.left;
+    y += client.top;
+    return true;
+}
+
 bool IsShiftKeyDown()
 {
     standin::StandIn& state = standin::State();

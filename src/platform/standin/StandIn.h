@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ControlFont.h"
+#include "platform/Menu.h"
 #include "platform/MessageQueue.h"
 #include "platform/Paint.h"
 #include "platform/ThreadState.h"
@@ -54,7 +55,20 @@ struct EditControl {
     ControlFontHandle font = nullptr;
 };
 
+// What a tooltip window of the stand-in holds (standin/ToolTipControl.cpp).
+struct ToolTip {
+    int tools = 0;
+    std::u16string text;
+    bool tracking = false;
+};
+
 } // namespace platform::standin
+
+// A popup menu of the stand-in: its entries in order, each the command id
+// or submenu handle and the text.
+struct platform::MenuObject {
+    std::vector<std::pair<std::uintptr_t, std::u16string>> entries;
+};
 
 struct platform::WindowObject {
     ThreadId owner = 0;
@@ -76,6 +90,7 @@ struct platform::WindowObject {
     WindowProcedureHandle windowProcedure = nullptr;
     const WindowHookLink* hookLink = nullptr;
     std::optional<standin::EditControl> edit;
+    std::optional<standin::ToolTip> toolTip;
 };
 
 namespace platform::standin {
@@ -124,6 +139,11 @@ struct StandIn {
     bool controlDown = false;
     WindowHandle capture = nullptr;
     WindowHandle focus = nullptr;
+    // Popup menus made and not destroyed, what the next one tracked gives
+    // back, and the entries of the last one tracked.
+    std::set<MenuHandle> menus;
+    std::int32_t menuChoice = 0;
+    std::vector<std::pair<std::uintptr_t, std::u16string>> trackedMenu;
 };
 
 StandIn& State();

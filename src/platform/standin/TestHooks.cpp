@@ -28,6 +28,11 @@ void ResetStandIn()
     state.controlDown = false;
     state.capture = nullptr;
     state.focus = nullptr;
+    for (MenuHandle menu : state.menus)
+        delete menu;
+    state.menus.clear();
+    state.menuChoice = 0;
+    state.trackedMenu.clear();
     standin::ResetSystemSettings();
     standin::ResetShell();
     standin::ResetFonts();

@@ -195,3 +195,18 @@ void SetMissingFontFamily(std::u16string name);
 void SetFontLineSpacing(std::u16string name, std::uint16_t spacing);
 
 } // namespace platform::testing
+
+// The stand-in's tooltips and popup menus. What is done to a tooltip is
+// recorded in the call log as "ToolTipCreate", "ToolTipText <text>",
+// "ToolTipPosition <x> <y>", "ToolTipTrack on" and so on; each tracking of a
+// menu as "TrackMenu <x> <y>".
+namespace platform::testing {
+
+// The command id that tracking a menu gives from now on; 0 dismisses.
+void SetMenuChoice(std::int32_t commandId);
+// Menus made and not yet destroyed.
+int OpenMenus();
+// The entries of the menu tracked last, each its command id and text.
+std::vector<std::pair<std::uintptr_t, std::u16string>> TrackedMenuEntries();
+
+} // namespace platform::testing

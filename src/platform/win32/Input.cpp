@@ -26,6 +26,16 @@ bool ScreenToClientPoint(WindowHandle window, std::int32_t& x, std::int32_t& y)
     return true;
 }
 
+bool ClientToScreenPoint(WindowHandle window, std::int32_t& x, std::int32_t& y)
+{
+    POINT point{x, y};
+    if (!ClientToScreen(win32::Hwnd(window), &point))
+        return false;
+    x = point.x;
+    y = point.y;
+    return true;
+}
+
 // The high bit of the key's state is set while it is down.
 bool IsShiftKeyDown()
 {
