@@ -1,5 +1,6 @@
 #include "app/MainDialog.h"
 
+#include "base/Utf8.h"
 #include "loop/MessageLoop.h"
 #include "loop/MessageLoopRegistry.h"
 #include "platform/EditControl.h"
@@ -307,6 +308,41 @@ TEST_F(MainDialogTest, TheReleaseNoteOpensTheRunningVersionsPage)
               (std::vector<std::string>{
                   "OpenWithShell open http://www.sondara.example/press_release.php?file_name=sondara_100",
                   "EnableWindowInput 1"}));
+}
+
+// The search offers the report's lines, in order, and opens the one chosen
+// with its value suffix and blank as they stand; a dismissal opens nothing.
+TEST_F(MainDialogTest, TheSearchOffersTheReportsLinesAndOpensTheChosenOne)
+{
+    const std::string wave =
+        Riff(RiffBytes().Chunk("fmt ", FormatBody(3, 7, 44100, 32)).Chunk("data", std::string(5, '\0')).Bytes());
+    Set(u"WaveFilePath", u"Text", dir.Write("odd.wav", wave).ToU16String());
+    Command(u"CheckStart");
+    WaitForCheck();
+    std::vector<std::pair<std::uintptr_t, std::u16string>> lines;
+    const std::u16string report = Get(u"Message", u"Text");
+    for (std::size_t start = 0, end = 0; (end = report.find(u"\r\n", start)) != std::u16string::npos; start = end + 2)
+        lines.emplace_back(lines.size() + 1, report.substr(start, end - start));
+    ASSERT_GE(lines.size(), 3u);
+
+    const auto search = [this] {
+        platform::testing::TakeCallLog();
+        dialog->OnWidgetCommand(other, {u"SearchError", {}, EventCode::kCommand, {}});
+        std::vector<std::string> calls;
+        for (std::string& call : platform::testing::TakeCallLog())
+            if (call.rfind("TrackMenu", 0) == 0 || call.rfind("OpenWithShell", 0) == 0)
+                calls.push_back(call);
+        return calls;
+    };
+    platform::testing::SetCursorScreenPosition(300, 200);
+    platform::testing::SetMenuChoice(2);
+    EXPECT_EQ(search(), (std::vector<std::string>{"TrackMenu 300 200",
+                                                  "OpenWithShell open http://www.sondara.example/search.php?query=" +
+                                                      WideToUtf8(lines[1].second)}));
+    EXPECT_EQ(platform::testing::TrackedMenuEntries(), lines);
+    EXPECT_EQ(platform::testing::OpenMenus(), 0);
+    platform::testing::SetMenuChoice(0);
+    EXPECT_EQ(search(), std::vector<std::string>{"TrackMenu 300 200"});
 }
 
 TEST_F(MainDialogTest, LeavesTheLoopWhenItsWindowGoes)
