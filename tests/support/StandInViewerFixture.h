@@ -9,6 +9,9 @@
 // A Viewer whose host has a shown window of the stand-in, with a bitmap of
 // 100 by 50 pixels and an empty call log.
 class StandInViewerFixture : public ViewerFixture {
+public:
+    explicit StandInViewerFixture(WidgetFactoryFunction factory = TestWidgetFactory) : ViewerFixture(factory) {}
+
 protected:
     void SetUp() override
     {

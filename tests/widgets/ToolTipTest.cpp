@@ -1,11 +1,11 @@
 #include "engine/ToolTipWindow.h"
-#include "engine/PositionedWidget.h"
 #include "widgets/WidgetFactory.h"
 
+#include "engine/PositionedWidget.h"
 #include "layouttext/AttributeMap.h"
 #include "platform/MessageQueue.h"
 #include "platform/standin/TestHooks.h"
-#include "support/ViewerFixture.h"
+#include "support/StandInViewerFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -14,25 +14,16 @@
 
 namespace {
 
-bool NeverHandles(platform::WindowHandle, std::uint32_t, std::uintptr_t, std::intptr_t, std::intptr_t&)
-{
-    return false;
-}
-
 // Three buttons side by side on a shown window: A and B with a tip, C
 // without.
-class ToolTipTest : public ViewerFixture {
+class ToolTipTest : public StandInViewerFixture {
 public:
-    ToolTipTest() : ViewerFixture(WidgetFactory) {}
+    ToolTipTest() : StandInViewerFixture(WidgetFactory) {}
 
 protected:
     void SetUp() override
     {
-        ViewerFixture::SetUp();
-        platform::testing::ResetStandIn();
-        host.window = platform::CreateDialogWindow(nullptr, 129, NeverHandles);
-        ASSERT_NE(host.window, nullptr);
-        platform::ShowWindowAs(host.window, platform::kShowNormal);
+        StandInViewerFixture::SetUp();
         ResizeView(200, 100);
         AddButton(u"A", u"L10,T10,L50,T30", u"Open a file");
         AddButton(u"B", u"L60,T10,L100,T30", u"Check it");
@@ -43,8 +34,7 @@ protected:
     void TearDown() override
     {
         ToolTipWindow::Instance().Destroy();
-        ViewerFixture::TearDown();
-        platform::testing::ResetStandIn();
+        StandInViewerFixture::TearDown();
     }
 
     void AddButton(const char16_t* name, const char16_t* position, const char16_t* tip)
