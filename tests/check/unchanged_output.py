@@ -1,0 +1,96 @@
+#!/usr/bin/env python3
+"""sondara-check's JSON output for the files in the tree, against digests
+of what an earlier build printed for them.
+
+  unchanged_output.py check SONDARA-CHECK SOURCE-ROOT WORK-FOLDER DIGESTS
+  unchanged_output.py write SONDARA-CHECK SOURCE-ROOT WORK-FOLDER DIGESTS
+
+The files are the samples and the wave fuzzing corpora (seeds and
+regressions). Each is run alone through the report, --chunks, --levels and
+--tidy, all with --json. A digest covers the exit status and every byte
+printed, and for --tidy the bytes of the copy as well. `check` fails on the
+first file whose digest differs, saying which and what was printed now;
+`write` records the digests of the build given, for a change of output
+that is meant.
+
+The runs stand in WORK-FOLDER, which reaches the tree by a link named src,
+so the paths in the output are the same on every machine.
+"""
+import glob
+import hashlib
+import os
+import subprocess
+import sys
+
+MODES = ["report", "--chunks", "--levels", "--tidy"]
+COPY = "copy.wav"
+
+
+def corpus(source_root):
+    patterns = ["samples/*.wav", "fuzz/seeds/wave/*", "fuzz/regressions/wave/*"]
+    files = []
+    for pattern in patterns:
+        files += sorted(os.path.relpath(path, source_root) for path in glob.glob(os.path.join(source_root, pattern)))
+    return [os.path.join("src", path) for path in files]
+
+
+def run(checker, mode, path):
+    """The digest of one run, and what it printed."""
+    if os.path.exists(COPY):
+        os.remove(COPY)
+    options = {"report": [], "--tidy": ["--tidy", COPY]}.get(mode, [mode])
+    # INFO texts are decoded in the locale's character set: one locale for all.
+    environment = dict(os.environ, LC_ALL="C.UTF-8")
+    result = subprocess.run([checker, "--json"] + options + ["--", path], capture_output=True, env=environment)
+    digest = hashlib.sha256(b"%d\n" % result.returncode + result.stdout)
+    if os.path.exists(COPY):
+        with open(COPY, "rb") as copy:
+            digest.update(copy.read())
+        os.remove(COPY)
+    return digest.hexdigest()[:16], result.stdout
+
+
+def main():
+    if len(sys.argv) != 6 or sys.argv[1] not in ("check", "write"):
+        sys.exit(__doc__)
+    action, checker, source_root, work, digests_path = sys.argv[1:]
+    checker = os.path.abspath(checker)
+    source_root = os.path.abspath(source_root)
+    digests_path = os.path.abspath(digests_path)
+    os.makedirs(work, exist_ok=True)
+    os.chdir(work)
+    if os.path.lexists("src"):
+        os.remove("src")
+    os.symlink(source_root, "src")
+
+    files = corpus(source_root)
+    if not files:
+        sys.exit("unchanged_output: no files found under " + source_root)
+    lines = []
+    printed = {}
+    for path in files:
+        for mode in MODES:
+            digest, output = run(checker, mode, path)
+            lines.append(f"{digest} {mode} {path}")
+            printed[(mode, path)] = output
+    if action == "write":
+        with open(digests_path, "w") as out:
+            out.write("\n".join(lines) + "\n")
+        print(f"{len(lines)} digests written")
+        return
+
+    with open(digests_path) as recorded_file:
+        recorded = recorded_file.read().splitlines()
+    if len(recorded) != len(lines):
+        sys.exit(f"unchanged_output: {len(lines)} runs now, {len(recorded)} digests recorded: the corpus changed")
+    for now, before in zip(lines, recorded):
+        if now != before:
+            _, mode, path = now.split(" ", 2)
+            text = printed[(mode, path)].decode("utf-8", "replace")
+            sys.exit(f"unchanged_output: differs from the record\n  now:    {now}\n  before: {before}\n"
+                     f"printed now:\n{text[:2000]}")
+    print(f"{len(lines)} passed, 0 failed")
+
+
+if __name__ == "__main__":
+    main()
