@@ -22,8 +22,9 @@ packages=(
     clang libclang-rt-dev
     # Differential tests: sox writes and reads WAV files of its own.
     sox
-    # bench/run.sh measures time and peak memory with /usr/bin/time.
-    time
+    # The benchmarks measure time and peak memory with /usr/bin/time, and
+    # set sondara-check beside mediainfo.
+    time mediainfo
     # setsid and flock for the Wine session; part of every Debian system,
     # listed so that a trimmed one gets them too.
     util-linux

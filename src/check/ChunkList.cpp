@@ -3,13 +3,16 @@
 #include "base/Utf8.h"
 #include "check/TextFormat.h"
 #include "check/FileFacts.h"
+#include "wave/ChunkObserver.h"
 #include "wave/InfoChunk.h"
 #include "wave/ListChunk.h"
 #include "wave/RootChunk.h"
 #include "wave/WaveDocument.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -48,14 +51,105 @@ std::u16string_view Trimmed(const WideString& text)
     return view;
 }
 
-class Lister {
+// The RIFF chunks nested in others that the walk will drop after their
+// header was read: it gives up a walk nested too deep all the way up. A
+// first walk finds them, so that the listing of a second one can leave out
+// what the document would not keep.
+class DroppedRiffFinder : public ChunkObserver {
 public:
-    Lister(bool json, TextSink& sink, std::int64_t fileSize) : json(json), sink(sink), fileSize(fileSize) {}
+    void RiffOpened(const RootChunk&) override { ++depth; }
+    void RiffClosed(const RootChunk& chunk, bool read) override
+    {
+        --depth;
+        if (!read && depth > 0)
+            positions.push_back(chunk.GetPosition());
+    }
+    void Kept(const Chunk&) override {}
+
+    // Positions in the order the walk met their ends.
+    std::vector<std::int64_t> positions;
+
+private:
+    int depth = 0;
+};
+
+// Writes each chunk of a walk as the document keeps it, in the order of
+// the whole tree: a RIFF chunk as soon as its header is read, every other
+// chunk once it is kept, with what it holds. Only the RIFF chunks open
+// around the walk's place are remembered.
+class Lister : public ChunkObserver {
+public:
+    Lister(bool json, TextSink& sink, std::int64_t fileSize, const WaveDocument& document,
+           std::vector<std::int64_t> droppedRiffs)
+        : json(json), sink(sink), fileSize(fileSize), document(document), droppedRiffs(std::move(droppedRiffs))
+    {
+        std::sort(this->droppedRiffs.begin(), this->droppedRiffs.end());
+    }
+
+    void RiffOpened(const RootChunk& chunk) override
+    {
+        if (skippedDepth > 0 || std::binary_search(droppedRiffs.begin(), droppedRiffs.end(), chunk.GetPosition())) {
+            ++skippedDepth;
+            return;
+        }
+        closed = nullptr;
+        PutKeptBeforeRiff();
+        const std::int64_t end = Visit(chunk, Depth(), ParentEnd(), false);
+        openEnds.push_back(end);
+    }
+
+    void RiffClosed(const RootChunk& chunk, bool read) override
+    {
+        closed = nullptr;
+        if (skippedDepth > 0) {
+            --skippedDepth;
+            return;
+        }
+        openEnds.pop_back();
+        // The chunk is kept next, unless it failed inside another RIFF chunk.
+        if (read || openEnds.empty())
+            closed = &chunk;
+    }
+
+    void Kept(const Chunk& chunk) override
+    {
+        // Before the first RIFF id, a top-level chunk stays only while it
+        // holds a registry slot: those left when RIFF is met come first.
+        const bool written = &chunk == closed;
+        closed = nullptr;
+        if (skippedDepth > 0 || document.GetContainerKind() != kContainerRiff)
+            return;
+        PutKeptBeforeRiff();
+        // A RIFF chunk was written when it was opened.
+        if (!written)
+            Visit(chunk, Depth(), ParentEnd(), true);
+    }
+
+    // The top-level chunks kept before the RIFF id, when nothing else came.
+    void Finish() { PutKeptBeforeRiff(); }
+
+    bool AllFit() const { return allFit; }
+    bool WroteAny() const { return !first; }
+
+private:
+    int Depth() const { return static_cast<int>(openEnds.size()); }
+    std::int64_t ParentEnd() const { return openEnds.empty() ? -1 : openEnds.back(); }
+
+    void PutKeptBeforeRiff()
+    {
+        if (metRiff || document.GetContainerKind() != kContainerRiff)
+            return;
+        metRiff = true;
+        for (const auto& chunk : document.GetChunks())
+            Visit(*chunk, 0, -1, true);
+    }
 
     // A chunk and what it holds. The end of a chunk that reads its own size
     // lies 8 bytes behind its id; a list's child, which has its size from
     // the list, starts 4 bytes before its body.
-    void Visit(const Chunk& chunk, int depth, std::int64_t parentEnd)
+    // withChildren is false for a RIFF chunk whose children are still to
+    // be read. Gives the end of the chunk.
+    std::int64_t Visit(const Chunk& chunk, int depth, std::int64_t parentEnd, bool withChildren)
     {
         // A size field cut short leaves the size at -1: no end to mark.
         const bool sized = chunk.GetSize() >= 0;
@@ -125,18 +219,24 @@ public:
         // A list's child is told on the list's line; what it holds in turn
         // follows as the list's own children.
         const Chunk& holder = listChild ? *listChild : chunk;
-        for (const auto& child : holder.GetChildren())
-            Visit(*child, depth + 1, end);
+        if (withChildren) {
+            for (const auto& child : holder.GetChildren())
+                Visit(*child, depth + 1, end, true);
+        }
+        return end;
     }
 
-    bool AllFit() const { return allFit; }
-
-private:
     bool json;
     TextSink& sink;
     std::int64_t fileSize;
+    const WaveDocument& document;
+    std::vector<std::int64_t> droppedRiffs;
     bool first = true;
     bool allFit = true;
+    bool metRiff = false;
+    std::vector<std::int64_t> openEnds;
+    int skippedDepth = 0;
+    const RootChunk* closed = nullptr;
 };
 
 void PutProblem(bool json, TextSink& sink, const char* problem)
@@ -163,19 +263,30 @@ bool ListChunks(const WideString& path, bool json, TextSink& sink)
         PutProblem(json, sink, "no such file");
         return false;
     }
-    WaveDocument document;
-    document.Open(path);
-    const std::int64_t fileSize = GetDocumentFileSize(document);
-    if (document.GetContainerKind() != kContainerRiff) {
-        PutProblem(json, sink, "not a RIFF file");
-        return false;
+    // Both walks keep only what the registry needs, so that a file of
+    // millions of chunks lists in little memory.
+    DroppedRiffFinder finder;
+    std::int64_t fileSize = 0;
+    {
+        WaveDocument document;
+        document.SetTreeForm(TreeForm::SlotsOnly);
+        document.SetObserver(&finder);
+        document.Open(path);
+        fileSize = GetDocumentFileSize(document);
+        if (document.GetContainerKind() != kContainerRiff) {
+            PutProblem(json, sink, "not a RIFF file");
+            return false;
+        }
     }
     if (json)
         sink.Put(", \"fileSize\": " + std::to_string(fileSize) + ", \"chunks\": [");
-    Lister lister(json, sink, fileSize);
-    for (const auto& chunk : document.GetChunks())
-        lister.Visit(*chunk, 0, -1);
+    WaveDocument document;
+    document.SetTreeForm(TreeForm::SlotsOnly);
+    Lister lister(json, sink, fileSize, document, std::move(finder.positions));
+    document.SetObserver(&lister);
+    document.Open(path);
+    lister.Finish();
     if (json)
-        sink.Put(document.GetChunks().IsEmpty() ? "]}" : "\n  ]}");
+        sink.Put(lister.WroteAny() ? "\n  ]}" : "]}");
     return lister.AllFit();
 }

@@ -108,6 +108,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         return Refuse(problem, "no such file");
     WaveDocument document;
     document.SetAlignedIo(true);
+    document.SetTreeForm(TreeForm::SlotsOnly);
     document.Open(path);
     if (document.GetContainerKind() != kContainerRiff)
         return Refuse(problem, "not a RIFF file");

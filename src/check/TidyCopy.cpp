@@ -4,6 +4,7 @@
 #include "check/TextFormat.h"
 #include "check/FileFacts.h"
 #include "platform/FileSystem.h"
+#include "wave/ChunkRun.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
 #include "wave/FourCc.h"
@@ -28,9 +29,15 @@ std::string Name(std::uint32_t id)
     return text;
 }
 
-std::string At(const Chunk& chunk)
+// How many chunks a list holds, each record of a run counted.
+std::size_t CountChunks(const Array<std::unique_ptr<Chunk>>& list)
 {
-    return Name(chunk.GetId()) + " at " + FormatCount(chunk.GetPosition());
+    std::size_t count = 0;
+    for (const auto& chunk : list) {
+        const auto* run = dynamic_cast<const ChunkRun*>(chunk.get());
+        count += run ? run->Count() : 1;
+    }
+    return count;
 }
 
 class Mender {
@@ -45,33 +52,63 @@ public:
     // bodies that run past the end of the file are cut to what is there.
     bool MendChildren(const Chunk& parent, std::int64_t expectedEnd)
     {
-        std::int64_t next = parent.GetPosition() + kRootHeaderBytes;
+        next = parent.GetPosition() + kRootHeaderBytes;
         for (const auto& child : parent.GetChildren()) {
-            if (!CheckGap(next, child->GetPosition()))
-                return false;
-            if (child->GetSize() < 0 || child->GetPosition() + 8 > fileSize)
-                return Refuse(At(*child) + " is cut short inside its header");
-            if (dynamic_cast<const RootChunk*>(child.get()))
-                return Refuse("a RIFF chunk inside the RIFF chunk at " + FormatCount(child->GetPosition()));
-            if (const auto* format = dynamic_cast<const FormatChunk*>(child.get()); format && child->GetSize() > 18)
-                return Refuse(At(*child) + " holds " + FormatCount(child->GetSize()) +
-                              " bytes; the copy would keep only the first 18");
-            const std::int64_t present = fileSize - (child->GetPosition() + 8);
-            const bool dataToEnd = dynamic_cast<const DataChunk*>(child.get()) && child->GetSize() == 0 && present > 0;
-            if (child->GetSize() > present || dataToEnd) {
-                changes.push_back(Name(child->GetId()) + ": " + FormatCount(child->GetSize()) + " bytes declared, " +
-                                  FormatCount(present) + " present");
-                child->SetSize(present);
+            if (auto* run = dynamic_cast<ChunkRun*>(child.get())) {
+                for (std::size_t i = 0; i < run->Count(); ++i) {
+                    const ChunkRun::Record& record = run->At(i);
+                    std::int64_t size = record.size;
+                    if (!MendChild(record.id, record.position, size, Kind::WrittenAsRead))
+                        return false;
+                    run->SetSizeAt(i, static_cast<std::uint32_t>(size));
+                }
+                continue;
             }
-            if (child->GetId() == kIdFormat && child->GetSize() < 18)
-                changes.push_back("fmt: " + FormatCount(child->GetSize()) + " -> 18 bytes");
-            next = child->GetPosition() + 8 + child->GetSize();
-            next += next % 2;
+            Kind kind = Kind::WrittenAsRead;
+            if (dynamic_cast<const RootChunk*>(child.get()))
+                kind = Kind::Riff;
+            else if (dynamic_cast<const FormatChunk*>(child.get()))
+                kind = Kind::Format;
+            else if (dynamic_cast<const DataChunk*>(child.get()))
+                kind = Kind::Data;
+            std::int64_t size = child->GetSize();
+            if (!MendChild(child->GetId(), child->GetPosition(), size, kind))
+                return false;
+            child->SetSize(size);
         }
         return CheckGap(next, std::min(expectedEnd, fileSize));
     }
 
 private:
+    enum class Kind { Riff, Format, Data, WrittenAsRead };
+
+    // One child, whether held whole or as a record: refuses it, or cuts its
+    // size to what the file holds.
+    bool MendChild(std::uint32_t id, std::int64_t position, std::int64_t& size, Kind kind)
+    {
+        const auto at = [&] { return Name(id) + " at " + FormatCount(position); };
+        if (!CheckGap(next, position))
+            return false;
+        if (size < 0 || position + 8 > fileSize)
+            return Refuse(at() + " is cut short inside its header");
+        if (kind == Kind::Riff)
+            return Refuse("a RIFF chunk inside the RIFF chunk at " + FormatCount(position));
+        if (kind == Kind::Format && size > 18)
+            return Refuse(at() + " holds " + FormatCount(size) + " bytes; the copy would keep only the first 18");
+        const std::int64_t present = fileSize - (position + 8);
+        const bool dataToEnd = kind == Kind::Data && size == 0 && present > 0;
+        if (size > present || dataToEnd) {
+            changes.push_back(Name(id) + ": " + FormatCount(size) + " bytes declared, " + FormatCount(present) +
+                              " present");
+            size = present;
+        }
+        if (id == kIdFormat && size < 18)
+            changes.push_back("fmt: " + FormatCount(size) + " -> 18 bytes");
+        next = position + 8 + size;
+        next += next % 2;
+        return true;
+    }
+
     // Bytes between next and position belong to no chunk that is kept; a
     // missing pad byte at the end of the file loses nothing.
     bool CheckGap(std::int64_t next, std::int64_t position)
@@ -91,6 +128,7 @@ private:
     std::int64_t fileSize;
     std::vector<std::string>& changes;
     std::string& problem;
+    std::int64_t next = 0;
 };
 
 // A free name beside output for the file being written.
@@ -119,7 +157,10 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
         return false;
     }
 
+    // The writer needs the whole tree, so a file of millions of chunks costs
+    // memory in proportion: compact form holds it down to a record a chunk.
     WaveDocument document;
+    document.SetTreeForm(TreeForm::Compact);
     document.Open(input);
     const std::int64_t fileSize = GetDocumentFileSize(document);
     if (document.GetContainerKind() != kContainerRiff || document.GetChunks().IsEmpty()) {
@@ -133,7 +174,7 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
     }
     // Whatever the walk met behind the declared end of the RIFF chunk
     // belongs inside it.
-    const std::size_t outside = document.GetChunks().Count() - 1;
+    const std::size_t outside = CountChunks(document.GetChunks()) - 1;
     while (document.GetChunks().Count() > 1) {
         if (dynamic_cast<const RootChunk*>(document.GetChunks().At(1).get())) {
             problem = "a second RIFF chunk at " + FormatCount(document.GetChunks().At(1)->GetPosition());

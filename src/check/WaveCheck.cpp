@@ -74,7 +74,10 @@ void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportH
         return;
     }
 
+    // The check reads the registry alone, so the walk keeps nothing else:
+    // a file of millions of chunks is checked in little memory.
     WaveDocument document;
+    document.SetTreeForm(TreeForm::SlotsOnly);
     if (!document.Open(path)) {
         if (document.GetContainerKind() != kContainerRiff) {
             report += kNotRiff;

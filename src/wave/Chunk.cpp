@@ -134,20 +134,26 @@ bool Chunk::Write(FileStream& target)
         ChunkWriteGuard empty(target, id);
         return true;
     }
-    if (!source.SeekTo(position + 8))
+    return CopyChunk(source, target, id, position, size, readsOwnSize);
+}
+
+bool Chunk::CopyChunk(FileStream& source, FileStream& target, std::uint32_t chunkId, std::int64_t chunkPosition,
+                      std::int64_t chunkSize, bool withSizeField)
+{
+    if (!source.SeekTo(chunkPosition + 8))
         return false;
     std::unique_ptr<ChunkWriteGuard> header;
-    if (readsOwnSize)
-        header = std::make_unique<ChunkWriteGuard>(target, id);
+    if (withSizeField)
+        header = std::make_unique<ChunkWriteGuard>(target, chunkId);
     else
-        WriteU32(target, id);
+        WriteU32(target, chunkId);
 
     bool copied = true;
     {
         PooledBlockLease lease;
         ByteBlock& block = lease.Block();
-        for (std::int64_t done = 0; done < size;) {
-            const auto piece = static_cast<std::uint32_t>(std::min(kCopyPiece, size - done));
+        for (std::int64_t done = 0; done < chunkSize;) {
+            const auto piece = static_cast<std::uint32_t>(std::min(kCopyPiece, chunkSize - done));
             if (!block.Resize(piece) || !block.ReadFrom(source)) {
                 copied = false;
                 break;

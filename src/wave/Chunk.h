@@ -40,6 +40,9 @@ public:
     // False when anything could not be written; what was written stays,
     // with its size fields patched to it.
     virtual bool Write(FileStream& target);
+    // True when Write copies the chunk byte for byte from where it was read,
+    // so that its id, position and size are all it needs.
+    virtual bool IsWrittenAsRead() const { return true; }
 
     // Operations
     std::uint32_t GetId() const { return id; }
@@ -63,6 +66,10 @@ protected:
     // The header of a container: position, size and the four bytes of its
     // type behind the id already read; false when it is cut short.
     bool ReadContainerHeader(FileStream& stream, std::uint32_t& type);
+    // Copies a chunk from source to target: its id, its size field unless
+    // the size came from a list, and size bytes of body from position + 8.
+    static bool CopyChunk(FileStream& source, FileStream& target, std::uint32_t chunkId, std::int64_t chunkPosition,
+                          std::int64_t chunkSize, bool withSizeField);
 
     std::uint32_t id = 0;
     std::int64_t position = -1;

@@ -18,6 +18,7 @@ public:
     bool Read(std::uint32_t id) override;
     // Needs a usable format in the document; the body is copied as it is.
     bool Write(FileStream& target) override;
+    bool IsWrittenAsRead() const override { return false; }
 
     // Frames from first (negative counts from frame 0 on, shortening the
     // range), count of them (a negative count asks for 1024), cut at the

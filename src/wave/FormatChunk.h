@@ -35,6 +35,7 @@ public:
     bool SetAttribute(const WideString& name, const WideString& value) override;
     // Always the 18 bytes of the record, whatever the source held behind it.
     bool Write(FileStream& target) override;
+    bool IsWrittenAsRead() const override { return false; }
 
     WaveFormat GetFormat() const;
     bool IsPcm() const;

@@ -32,7 +32,14 @@ bool RootChunk::Read(std::uint32_t chunkId)
         return false;
     if (!ReadContainerHeader(stream, formType))
         return false;
+    document->NoteRiffOpened(*this);
+    const bool read = ReadChildren(stream);
+    document->NoteRiffClosed(*this, read);
+    return read;
+}
 
+bool RootChunk::ReadChildren(FileStream& stream)
+{
     const std::int64_t end = position + size + 8;
     if (stream.Tell() >= end)
         return true;
@@ -44,7 +51,7 @@ bool RootChunk::Read(std::uint32_t chunkId)
         if (!document->CreateChunk(childId, child))
             return false;
         if (child->Read(childId))
-            children.Add(std::move(child));
+            document->Keep(children, std::move(child));
         if (document->IsWalkAbandoned())
             return false;
         // Padding follows the absolute position, not the parity of the size.

@@ -17,9 +17,12 @@ public:
     // Always as RIFF, whatever the id read, with the form type and every
     // child in order.
     bool Write(FileStream& target) override;
+    bool IsWrittenAsRead() const override { return false; }
 
     std::uint32_t GetFormType() const { return formType; }
 
 private:
+    bool ReadChildren(FileStream& stream);
+
     std::uint32_t formType;
 };

@@ -3,6 +3,8 @@
 #include "platform/File.h"
 #include "wave/BextChunk.h"
 #include "wave/Chunk.h"
+#include "wave/ChunkObserver.h"
+#include "wave/ChunkRun.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
 #include "wave/FourCc.h"
@@ -93,9 +95,7 @@ bool WaveDocument::Open(const WideString& path)
             continue;
         if (!chunk->Read(id))
             result = false;
-        chunks.Add(std::move(chunk));
-        if (containerKind != kContainerRiff)
-            DropChunksWithoutSlot();
+        Keep(chunks, std::move(chunk));
         if (walkAbandoned) {
             result = false;
             break;
@@ -153,16 +153,47 @@ bool WaveDocument::ReadTopLevelId(std::uint32_t& id, bool& result)
     }
 }
 
-// While no RIFF id has been met, nothing of a top-level chunk can matter to
-// a user of the document but the registry slots it holds, so chunks that
-// hold none are not kept. This keeps a file that is not RIFF from costing
-// memory for each of its words.
-void WaveDocument::DropChunksWithoutSlot()
+void WaveDocument::Keep(Array<std::unique_ptr<Chunk>>& list, std::unique_ptr<Chunk> chunk)
 {
-    for (std::size_t i = chunks.Count(); i-- > 0;) {
-        if (!HoldsRegistrySlot(*chunks.At(i)))
-            chunks.RemoveAt(i);
+    platform::LockGuard guard(lock);
+    if (observer)
+        observer->Kept(*chunk);
+    if (treeForm == TreeForm::Compact && containerKind == kContainerRiff && ChunkRun::Takes(*chunk)) {
+        auto* run = list.IsEmpty() ? nullptr : dynamic_cast<ChunkRun*>(list.At(list.Count() - 1).get());
+        if (!run || run->IsFull()) {
+            list.Add(std::make_unique<ChunkRun>(*this));
+            run = static_cast<ChunkRun*>(list.At(list.Count() - 1).get());
+        }
+        run->Add(*chunk);
+    } else {
+        list.Add(std::move(chunk));
     }
+    // While no RIFF id has been met, nothing of a top-level chunk can matter
+    // to a user of the document but the registry slots it holds, so a file
+    // that is not RIFF costs no memory for each of its words. A chunk that
+    // lost its slot never gets one back.
+    if (treeForm == TreeForm::SlotsOnly || containerKind != kContainerRiff)
+        DropChunksWithoutSlot(list);
+}
+
+void WaveDocument::DropChunksWithoutSlot(Array<std::unique_ptr<Chunk>>& list)
+{
+    for (std::size_t i = list.Count(); i-- > 0;) {
+        if (!HoldsRegistrySlot(*list.At(i)))
+            list.RemoveAt(i);
+    }
+}
+
+void WaveDocument::NoteRiffOpened(const RootChunk& chunk)
+{
+    if (observer)
+        observer->RiffOpened(chunk);
+}
+
+void WaveDocument::NoteRiffClosed(const RootChunk& chunk, bool read)
+{
+    if (observer)
+        observer->RiffClosed(chunk, read);
 }
 
 bool WaveDocument::HoldsRegistrySlot(const Chunk& chunk) const

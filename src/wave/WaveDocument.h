@@ -11,6 +11,7 @@
 
 class BextChunk;
 class Chunk;
+class ChunkObserver;
 class DataChunk;
 class FormatChunk;
 class InfoChunk;
@@ -38,6 +39,22 @@ private:
 constexpr std::int32_t kContainerUnknown = 0;
 constexpr std::int32_t kContainerRiff = 1;
 
+// What a walk keeps of the chunks it has read. The result of Open, the
+// container kind and the format and data slots are the same in every form.
+enum class TreeForm {
+    // Every chunk as an object.
+    Whole,
+    // What a writer needs: chunks that it copies byte for byte as they were
+    // read become records of where they lie, in ChunkRuns; RIFF, "fmt ",
+    // "data" and chunks cut short in their header stay objects. The info
+    // and bext slots end empty: the writer has no use for them.
+    Compact,
+    // What the check needs: only the chunks that hold a registry slot, and
+    // the containers around them. Memory doesn't grow with the number of
+    // chunks in the file.
+    SlotsOnly,
+};
+
 // A RIFF file walked into a tree of chunks, with a registry of the chunks
 // that its users ask for. One check makes one on its own stack; it owns the
 // chunks and the streams. All reading goes through AcquireStream.
@@ -52,6 +69,10 @@ public:
     // Aligned mode for the next Open: the document's stream and the data
     // chunk's streams bypass the system's cache.
     void SetAlignedIo(bool aligned) { alignedIo = aligned; }
+    // The tree form of the next Open; Whole at construction.
+    void SetTreeForm(TreeForm form) { treeForm = form; }
+    // Told of every chunk of the next walks; null for none.
+    void SetObserver(ChunkObserver* chunkObserver) { observer = chunkObserver; }
     std::int32_t GetContainerKind() const { return containerKind; }
     FormatChunk* GetFormatChunk() const { return formatChunk; }
     DataChunk* GetDataChunk() const { return dataChunk; }
@@ -79,16 +100,25 @@ public:
     void LeaveNesting() { --nestingDepth; }
     bool IsWalkAbandoned() const { return walkAbandoned; }
 
+    // The walk hands each chunk that stays where it was read to the list
+    // that holds it (the document's own, or a RIFF chunk's children); the
+    // tree form decides what of it the list keeps.
+    void Keep(Array<std::unique_ptr<Chunk>>& list, std::unique_ptr<Chunk> chunk);
+    void NoteRiffOpened(const RootChunk& chunk);
+    void NoteRiffClosed(const RootChunk& chunk, bool read);
+
 private:
     template <typename ChunkClass>
     bool Register(ChunkClass*& registrySlot, ChunkClass* chunk, bool add);
     bool ReadTopLevelId(std::uint32_t& id, bool& result);
     bool HoldsRegistrySlot(const Chunk& chunk) const;
-    void DropChunksWithoutSlot();
+    void DropChunksWithoutSlot(Array<std::unique_ptr<Chunk>>& list);
     void DestroyChunks();
 
     platform::RecursiveLock lock;
     bool alignedIo = false;
+    TreeForm treeForm = TreeForm::Whole;
+    ChunkObserver* observer = nullptr;
     std::int32_t containerKind = kContainerUnknown;
     FileStream stream;
     Array<std::unique_ptr<Chunk>> chunks;
