@@ -52,6 +52,9 @@ bool ByteBlock::Grow(std::uint32_t needed)
 
 void ByteBlock::Free()
 {
+    // An empty block is freed for every empty chunk of a walk.
+    if (!data)
+        return;
     std::free(data);
     data = nullptr;
     size = 0;

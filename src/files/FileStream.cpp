@@ -102,6 +102,13 @@ std::uint32_t FileStream::Read(void* destination, std::uint32_t count)
 std::uint32_t FileStream::ReadBuffered(std::uint8_t* destination, std::uint32_t count)
 {
     ReadAheadBuffer& buffer = *readAhead;
+    // Most reads of a walk are a few bytes from the buffer.
+    const std::int64_t offset = position - buffer.start;
+    if (offset >= 0 && offset + count <= buffer.filled) {
+        std::memcpy(destination, buffer.bytes + offset, count);
+        position += count;
+        return count;
+    }
     std::uint32_t done = 0;
     while (done < count) {
         std::int64_t offset = position - buffer.start;

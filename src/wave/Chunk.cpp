@@ -26,6 +26,16 @@ Chunk::~Chunk()
     children.ClearFromBack();
 }
 
+void Chunk::Renew()
+{
+    children.ClearFromBack();
+    body.Resize(0);
+    id = 0;
+    position = -1;
+    size = -1;
+    readsOwnSize = true;
+}
+
 void Chunk::SetSizeFromParent(std::int64_t parentSize)
 {
     size = parentSize;

@@ -58,6 +58,10 @@ public:
     // Mending the tree before a write: another size for the body to copy,
     // and a chunk taken in as the last child.
     void SetSize(std::int64_t newSize) { size = newSize; }
+
+    // Back to what a new chunk of the document is, for the document to make
+    // again.
+    void Renew();
     void AdoptChild(std::unique_ptr<Chunk> child) { children.Add(std::move(child)); }
 
 protected:

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <new>
+#include <typeinfo>
 
 namespace {
 
@@ -153,12 +154,19 @@ bool WaveDocument::ReadTopLevelId(std::uint32_t& id, bool& result)
     }
 }
 
+// Called by the walk, which holds the lock.
 void WaveDocument::Keep(Array<std::unique_ptr<Chunk>>& list, std::unique_ptr<Chunk> chunk)
 {
-    platform::LockGuard guard(lock);
     if (observer)
         observer->Kept(*chunk);
-    if (treeForm == TreeForm::Compact && containerKind == kContainerRiff && ChunkRun::Takes(*chunk)) {
+    // While no RIFF id has been met, nothing of a top-level chunk can matter
+    // to a user of the document but the registry slots it holds, so a file
+    // that is not RIFF costs no memory for each of its words. A chunk that
+    // lost its slot never gets one back.
+    const bool slotsOnly = treeForm == TreeForm::SlotsOnly || containerKind != kContainerRiff;
+    if (slotsOnly && !HoldsRegistrySlot(*chunk)) {
+        Discard(std::move(chunk));
+    } else if (treeForm == TreeForm::Compact && containerKind == kContainerRiff && ChunkRun::Takes(*chunk)) {
         auto* run = list.IsEmpty() ? nullptr : dynamic_cast<ChunkRun*>(list.At(list.Count() - 1).get());
         if (!run || run->IsFull()) {
             list.Add(std::make_unique<ChunkRun>(*this));
@@ -168,12 +176,19 @@ void WaveDocument::Keep(Array<std::unique_ptr<Chunk>>& list, std::unique_ptr<Chu
     } else {
         list.Add(std::move(chunk));
     }
-    // While no RIFF id has been met, nothing of a top-level chunk can matter
-    // to a user of the document but the registry slots it holds, so a file
-    // that is not RIFF costs no memory for each of its words. A chunk that
-    // lost its slot never gets one back.
-    if (treeForm == TreeForm::SlotsOnly || containerKind != kContainerRiff)
+    if (slotsOnly)
         DropChunksWithoutSlot(list);
+}
+
+// A file of millions of chunks without a class of their own would make and
+// destroy a chunk object for each; the document keeps one to make again.
+void WaveDocument::Discard(std::unique_ptr<Chunk> chunk)
+{
+    const Chunk& discarded = *chunk;
+    if (!spareChunk && typeid(discarded) == typeid(Chunk) && discarded.GetChildren().IsEmpty()) {
+        chunk->Renew();
+        spareChunk = std::move(chunk);
+    }
 }
 
 void WaveDocument::DropChunksWithoutSlot(Array<std::unique_ptr<Chunk>>& list)
@@ -274,7 +289,10 @@ bool WaveDocument::CreateBasicChunk(std::uint32_t id, std::unique_ptr<Chunk>& sl
         slot.reset(new (std::nothrow) BextChunk(*this));
         break;
     default:
-        slot.reset(new (std::nothrow) Chunk(*this));
+        if (spareChunk)
+            slot = std::move(spareChunk);
+        else
+            slot.reset(new (std::nothrow) Chunk(*this));
     }
     return slot != nullptr;
 }

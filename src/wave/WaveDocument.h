@@ -113,6 +113,7 @@ private:
     bool ReadTopLevelId(std::uint32_t& id, bool& result);
     bool HoldsRegistrySlot(const Chunk& chunk) const;
     void DropChunksWithoutSlot(Array<std::unique_ptr<Chunk>>& list);
+    void Discard(std::unique_ptr<Chunk> chunk);
     void DestroyChunks();
 
     platform::RecursiveLock lock;
@@ -122,6 +123,7 @@ private:
     std::int32_t containerKind = kContainerUnknown;
     FileStream stream;
     Array<std::unique_ptr<Chunk>> chunks;
+    std::unique_ptr<Chunk> spareChunk;
     RootChunk* rootChunk = nullptr;
     FormatChunk* formatChunk = nullptr;
     DataChunk* dataChunk = nullptr;
