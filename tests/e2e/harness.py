@@ -437,6 +437,24 @@ class Program:
     def running(self):
         return self.process.poll() is None
 
+    def memory(self):
+        """The program's memory as Linux counts it, in KiB: {"VmHWM": peak
+        resident, "VmPeak": peak address space, ...}. The wine command
+        becomes the program's own process, which Wine names after the
+        program; a name other than that is a Wine that started the program
+        in another process, and would give the wrong figures."""
+        try:
+            with open("/proc/%d/comm" % self.process.pid) as comm:
+                name = comm.read().strip()
+            with open("/proc/%d/status" % self.process.pid) as status:
+                lines = status.read().splitlines()
+        except OSError as error:
+            raise Failure("no memory figures of Sondara.exe: %s" % error) from None
+        if name != "Sondara.exe":
+            raise Failure("process %d of the program is %r, not Sondara.exe" % (self.process.pid, name))
+        return {key: int(value.split()[0]) for key, _, value in (line.partition(":") for line in lines)
+                if value.strip().endswith(" kB")}
+
     def close(self):
         """Closes the window by its close box and gives the exit code."""
         self.desktop.click(*self.close_box())

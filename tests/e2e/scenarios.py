@@ -40,6 +40,10 @@ TOOLTIP_CLASS = "tooltips_class32"
 POPUP_MENU_CLASS = "#32768"
 # The frame of a popup menu around its rows, in pixels.
 MENU_BORDER = 3
+# The most that one check of a file may add to the peak resident memory of
+# the program's Wine process. Wine itself holds about 61 MiB of it before
+# any check and passes 64 MiB with the first check of any file.
+CHECK_GROWTH_LIMIT_KIB = 16 * 1024
 
 SCENARIOS = []
 
@@ -90,6 +94,22 @@ def endless_file(h, name):
     test: a sparse 1 TiB of zeros. Cutting it short ends its check."""
     path = h.file(name)
     os.truncate(path, 1 << 40)
+    return path
+
+
+def many_chunks_file(h, name, count):
+    """A sound file whose format and audio come behind count empty junk
+    chunks: 8 bytes each on disk, an object each to a reader that keeps
+    every chunk."""
+    fmt = struct.pack("<HHIIHH", 1, 2, 44100, 44100 * 4, 4, 16)
+    tail = b"fmt " + struct.pack("<I", len(fmt)) + fmt + b"data" + struct.pack("<I", 4) + bytes(4)
+    path = h.file(name)
+    with open(path, "wb") as out:
+        out.write(b"RIFF" + struct.pack("<I", 4 + 8 * count + len(tail)) + b"WAVE")
+        block = 100000
+        for done in range(0, count, block):
+            out.write((b"junk" + bytes(4)) * min(block, count - done))
+        out.write(tail)
     return path
 
 
@@ -427,6 +447,55 @@ def release_note(h):
     program.click("ReleaseNote")
     expect("the address opened", wait_opened(caught, 1, "the release note's address"), [RELEASE_NOTE_ADDRESS])
     close_normally(h, program)
+
+
+@scenario
+def many_chunks_bounded_memory(h):
+    """A file of ten million empty chunks (80 MB): the report is the
+    checker's, no failure box comes up, and the check costs the program's
+    Wine process at most CHECK_GROWTH_LIMIT_KIB of peak resident memory. A
+    reader that kept every chunk added 1.1 GiB here, which in the 32-bit
+    program ends in the out-of-memory failure box.
+
+    The growth counts from a check of a small file in the same process:
+    Wine's edit control, clipboard and the worker's thread cost a few MiB
+    of their own the first time, whatever the file. The figures (VmHWM and
+    VmPeak after start-up, before and after the check) go to the log."""
+    path = many_chunks_file(h, "many-chunks.wav", 10000000)
+    try:
+        wanted = h.check_report(wine_path(path))
+        expect("the checker's report", wanted, ALL_CLEAR)
+        program = h.start()
+        idle = program.memory()
+        expect("Message after a small file", check_and_read(h, program, sound_file(h, "sound.wav")),
+               as_copied(ALL_CLEAR))
+        program.type_into("WaveFilePath", wine_path(path))
+        before = program.memory()
+        windows = h.desktop.windows(".+")
+        program.start_check()
+        started = time.monotonic()
+
+        def ended(text):
+            if h.desktop.windows(".+") - windows:
+                raise Failure("a window came up during the check (see the picture)")
+            return text != RUNNING_TEXT
+
+        report = program.wait_message("a report in Message", ended, timeout=180)
+        seconds = time.monotonic() - started
+        after = program.memory()
+        shot_report(h, program)
+        expect("Message", report, as_copied(wanted))
+        expect("windows that came up", h.desktop.windows(".+") - windows, set())
+        for when, figures in (("after start-up", idle), ("before the check", before), ("after the check", after)):
+            print("   %-16s VmHWM %6d KiB, VmPeak %8d KiB" % (when, figures["VmHWM"], figures["VmPeak"]), flush=True)
+        growth = after["VmHWM"] - before["VmHWM"]
+        print("   the check grew VmHWM by %d KiB; its report read %.1fs after start" % (growth, seconds), flush=True)
+        if growth > CHECK_GROWTH_LIMIT_KIB:
+            raise Failure("the check grew Sondara.exe's peak resident memory by %d KiB, over %d" %
+                          (growth, CHECK_GROWTH_LIMIT_KIB))
+        close_normally(h, program)
+    finally:
+        os.remove(path)
 
 
 # ---------------------------------------------------------------------------
