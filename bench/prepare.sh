@@ -13,3 +13,13 @@ if [ ! -x "$checker" ]; then
   cmake --preset native >/dev/null
   cmake --build --preset native --target sondara-check >/dev/null
 fi
+
+# measure LABEL COMMAND...: runs the command with its output dropped and
+# prints its wall time and peak memory; the time stays in $seconds.
+measure() {
+  local label="$1" peak
+  shift
+  /usr/bin/time -o "$out/time.txt" -f "%e %M" "$@" >/dev/null 2>&1 || true
+  read -r seconds peak < <(tail -n 1 "$out/time.txt")
+  printf '  %-24s %7s s %9s KiB peak\n' "$label" "$seconds" "$peak"
+}

@@ -30,14 +30,6 @@ if [ ! -f "$many" ]; then
            print "RIFF", pack("V", length($children) + 4), "WAVE", $children' > "$many"
 fi
 
-stats="$out/time.txt"
-measure() { # label, command...
-  local label="$1"; shift
-  /usr/bin/time -o "$stats" -f "%e %M" "$@" >/dev/null 2>&1 || true
-  read -r seconds peak < <(tail -n 1 "$stats")
-  printf '  %-14s %8s s %10s KiB peak\n' "$label" "$seconds" "$peak"
-}
-
 for file in "$sound" "$text" "$many" fuzz/regressions/wave/list-size-3 fuzz/regressions/wave/info-length-fffffff0; do
   printf '%s (%s bytes)\n' "$file" "$(stat -c %s "$file")"
   # The first read brings the file into the cache, so that every tool meets it warm.

@@ -55,3 +55,17 @@ inline long ScratchSize(const std::string& path)
     std::fclose(file);
     return size;
 }
+
+// The bytes of the file at path; empty when there is none.
+inline std::string ScratchBytes(const std::string& path)
+{
+    std::string bytes;
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (!file)
+        return bytes;
+    char piece[4096];
+    for (std::size_t got; (got = std::fread(piece, 1, sizeof piece, file)) > 0;)
+        bytes.append(piece, got);
+    std::fclose(file);
+    return bytes;
+}

@@ -2,7 +2,8 @@
 // copy, and the plain write of the first top-level chunk. Neither may
 // crash, and neither output may grow beyond what the input can account
 // for: the bytes of the chunks plus, for each chunk of 8 bytes or more, a
-// format grown to 18 bytes and a pad byte.
+// format grown to 18 bytes and a pad byte. The tree read in compact form
+// must write the very bytes of the whole tree.
 #include "check/TidyCopy.h"
 #include "wave/Chunk.h"
 #include "wave/WaveDocument.h"
@@ -35,17 +36,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             FailInvariant("the tidy copy doesn't read as RIFF");
     }
 
-    WaveDocument document;
-    document.Open(WideString::FromAscii(input));
-    if (document.GetChunks().IsEmpty())
-        return 0;
-    std::remove(written.c_str());
-    FileStream file;
-    if (!file.CreateNew(WideString::FromAscii(written), false))
-        FailInvariant("can't make the output file");
-    document.GetChunks().At(0)->Write(file);
-    file.Close();
+    static const std::string compactWritten = ScratchPath("-compact.wav");
+    bool results[2] = {};
+    const std::string* outputs[2] = {&written, &compactWritten};
+    for (int form = 0; form < 2; ++form) {
+        WaveDocument document;
+        document.SetTreeForm(form == 0 ? TreeForm::Whole : TreeForm::Compact);
+        document.Open(WideString::FromAscii(input));
+        if (document.GetChunks().IsEmpty())
+            return 0;
+        std::remove(outputs[form]->c_str());
+        FileStream file;
+        if (!file.CreateNew(WideString::FromAscii(*outputs[form]), false))
+            FailInvariant("can't make the output file");
+        results[form] = document.GetChunks().At(0)->Write(file);
+        file.Close();
+    }
     if (ScratchSize(written) > bound)
         FailInvariant("the written chunk is larger than the input accounts for");
+    if (results[0] != results[1] || ScratchBytes(written) != ScratchBytes(compactWritten))
+        FailInvariant("the compact tree writes other bytes than the whole tree");
     return 0;
 }

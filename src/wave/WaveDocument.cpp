@@ -166,7 +166,8 @@ void WaveDocument::Keep(Array<std::unique_ptr<Chunk>>& list, std::unique_ptr<Chu
     const bool slotsOnly = treeForm == TreeForm::SlotsOnly || containerKind != kContainerRiff;
     if (slotsOnly && !HoldsRegistrySlot(*chunk)) {
         Discard(std::move(chunk));
-    } else if (treeForm == TreeForm::Compact && containerKind == kContainerRiff && ChunkRun::Takes(*chunk)) {
+    } else if (treeForm == TreeForm::Compact && containerKind == kContainerRiff && ChunkRun::Takes(*chunk) &&
+               !HoldsFormatOrData(*chunk)) {
         auto* run = list.IsEmpty() ? nullptr : dynamic_cast<ChunkRun*>(list.At(list.Count() - 1).get());
         if (!run || run->IsFull()) {
             list.Add(std::make_unique<ChunkRun>(*this));
@@ -218,6 +219,20 @@ bool WaveDocument::HoldsRegistrySlot(const Chunk& chunk) const
         return true;
     for (const auto& child : chunk.GetChildren()) {
         if (HoldsRegistrySlot(*child))
+            return true;
+    }
+    return false;
+}
+
+// A list may hold a format or data chunk as its child, and the writer asks
+// the registry for both.
+bool WaveDocument::HoldsFormatOrData(const Chunk& chunk) const
+{
+    const void* self = &chunk;
+    if (self == formatChunk || self == dataChunk)
+        return true;
+    for (const auto& child : chunk.GetChildren()) {
+        if (HoldsFormatOrData(*child))
             return true;
     }
     return false;

@@ -46,8 +46,9 @@ enum class TreeForm {
     Whole,
     // What a writer needs: chunks that it copies byte for byte as they were
     // read become records of where they lie, in ChunkRuns; RIFF, "fmt ",
-    // "data" and chunks cut short in their header stay objects. The info
-    // and bext slots end empty: the writer has no use for them.
+    // "data", chunks cut short in their header and chunks that hold the
+    // format or data slot stay objects. The info and bext slots may end
+    // empty: the writer has no use for them.
     Compact,
     // What the check needs: only the chunks that hold a registry slot, and
     // the containers around them. Memory doesn't grow with the number of
@@ -112,6 +113,7 @@ private:
     bool Register(ChunkClass*& registrySlot, ChunkClass* chunk, bool add);
     bool ReadTopLevelId(std::uint32_t& id, bool& result);
     bool HoldsRegistrySlot(const Chunk& chunk) const;
+    bool HoldsFormatOrData(const Chunk& chunk) const;
     void DropChunksWithoutSlot(Array<std::unique_ptr<Chunk>>& list);
     void Discard(std::unique_ptr<Chunk> chunk);
     void DestroyChunks();

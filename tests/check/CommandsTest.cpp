@@ -85,6 +85,30 @@ TEST(ChunkList, MarksSizesPastAnEnd)
         << json.text;
 }
 
+// The list is the tree the document keeps, though it is written as the walk
+// goes: before the RIFF id, only a chunk that holds a registry slot (the
+// INFO list here); and nothing of a RIFF chunk that a walk nested too deep
+// gives up, though its header and its first child were read before the
+// walk went too deep.
+TEST(ChunkList, ShowsOnlyWhatTheWalkKeeps)
+{
+    TempDir dir;
+    const std::string info = RiffBytes().Id("LIST").U32(18).Id("INFO").Chunk("INAM", std::string("take\0", 5)).Bytes();
+    std::string chain;
+    for (int level = 0; level < 300; ++level)
+        chain = Riff(chain);
+    const std::string bytes = "xxxx" + info +
+                              Riff(kFormat + info + Riff(RiffBytes().Chunk("abcd", "xy").Raw(chain).Bytes()) +
+                                   RiffBytes().Chunk("data", "abcd").Bytes()) +
+                              RiffBytes().Chunk("tail", "").Bytes();
+    StringSink sink;
+    EXPECT_TRUE(ListChunks(dir.Write("a.wav", bytes), false, sink));
+    EXPECT_EQ(sink.text, "LIST at 4, 18 bytes, list INFO: INAM \"take\"\n"
+                         "RIFF at 30, 3,688 bytes, form WAVE\n"
+                         "  fmt  at 42, 16 bytes\n"
+                         "  LIST at 66, 18 bytes, list INFO: INAM \"take\"\n");
+}
+
 // Full scale is the highest and the lowest code; 8-bit samples are
 // unsigned around 128, 24-bit ones signed. What is not 8, 16 or 24-bit PCM
 // is refused with a word on why.

@@ -29,12 +29,21 @@ protected:
         const bool opened = fresh.Open(dir.Write("described.wav", bytes));
         return Describe(fresh, opened);
     }
-    static std::string Describe(const WaveDocument& read, bool opened)
+    // What a fresh document of the given tree form makes of these bytes for
+    // its users: the line of Describe without the tree.
+    std::string DescribeRegistry(const std::string& bytes, TreeForm form) const
+    {
+        WaveDocument fresh;
+        fresh.SetTreeForm(form);
+        const bool opened = fresh.Open(dir.Write("described.wav", bytes));
+        return Describe(fresh, opened, false);
+    }
+    static std::string Describe(const WaveDocument& read, bool opened, bool withTree = true)
     {
         std::string text = opened ? "ok " : "failed ";
         text += read.GetContainerKind() == kContainerRiff ? "riff" : "unknown";
         for (const auto& chunk : read.GetChunks())
-            text += " " + Tree(*chunk);
+            text += withTree ? " " + Tree(*chunk) : "";
         if (const FormatChunk* format = read.GetFormatChunk()) {
             const WaveFormat f = format->GetFormat();
             text += " fmt=" + std::to_string(f.formatTag) + "/" + std::to_string(f.channels) + "/" +

@@ -1,5 +1,6 @@
 #include "support/RiffBytes.h"
 #include "support/WaveFixture.h"
+#include "wave/ChunkRun.h"
 
 #include <gtest/gtest.h>
 
@@ -31,12 +32,39 @@ TEST_F(ChunkBody, HeldBelow1024BytesAsFarAsTheFileGoes)
     }
 }
 
-TEST_F(ChunkBody, ManySmallChunksAreAllKept)
+// A file of many small chunks: the whole tree holds each; a walk for the
+// registry keeps only what holds a slot, also when the slot changes hands
+// many times; compact form keeps the small chunks as records in runs.
+TEST_F(ChunkBody, ManySmallChunksInEachTreeForm)
 {
+    const std::string format = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
     RiffBytes children;
     for (int i = 0; i < 100000; ++i)
-        children.Chunk("tiny", "ab");
-    ASSERT_TRUE(OpenBytes(Riff(children.Bytes())));
-    ASSERT_EQ(Root()->GetChildren().Count(), 100000u);
-    EXPECT_EQ(Root()->GetChildren().At(99999)->GetPosition(), 12 + 99999 * 10);
+        children.Chunk("tiny", "ab").Raw(i % 1000 == 0 ? format : "");
+    children.Chunk("data", "abcd");
+    const std::string bytes = Riff(children.Bytes());
+
+    ASSERT_TRUE(OpenBytes(bytes));
+    ASSERT_EQ(Root()->GetChildren().Count(), 100000u + 100 + 1);
+    EXPECT_EQ(Root()->GetChildren().At(100100)->GetPosition(), 12 + 100000 * 10 + 100 * 24);
+
+    document.SetTreeForm(TreeForm::SlotsOnly);
+    ASSERT_TRUE(OpenBytes(bytes));
+    ASSERT_EQ(Root()->GetChildren().Count(), 2u);
+    EXPECT_EQ(Root()->GetChildren().At(0).get(), static_cast<const Chunk*>(document.GetFormatChunk()));
+    EXPECT_EQ(Root()->GetChildren().At(1).get(), static_cast<const Chunk*>(document.GetDataChunk()));
+
+    document.SetTreeForm(TreeForm::Compact);
+    ASSERT_TRUE(OpenBytes(bytes));
+    std::size_t records = 0, objects = 0;
+    for (const auto& child : Root()->GetChildren()) {
+        const auto* run = dynamic_cast<const ChunkRun*>(child.get());
+        records += run ? run->Count() : 0;
+        objects += run ? 0 : 1;
+        if (run) {
+            EXPECT_LE(run->Count(), ChunkRun::kMostRecords);
+        }
+    }
+    EXPECT_EQ(records, 100000u);
+    EXPECT_EQ(objects, 100u + 1);
 }

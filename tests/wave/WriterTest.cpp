@@ -39,7 +39,9 @@ std::string Format18(std::uint16_t tag, std::uint16_t channels, std::uint32_t ra
 // (5000 is 2048 + 2048 + 904), an odd body padded while its size stays odd,
 // a format always of 18 bytes, a list byte for byte, and a source that ends
 // before its declared size copied as far as it goes, with false and the
-// size field holding what was copied. Aligned mode writes the same bytes.
+// size field holding what was copied. Aligned mode writes the same bytes,
+// and so does a tree read in compact form, whose small chunks go out
+// gathered in runs.
 TEST_F(Writer, CopiesEachChunkAsTheRulesSay)
 {
     const std::string fmt16 = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
@@ -49,6 +51,11 @@ TEST_F(Writer, CopiesEachChunkAsTheRulesSay)
     std::string body5000(5000, 'a');
     body5000[2047] = 'b';
     body5000[4999] = 'z';
+    // Over 64 KiB of small chunks in more than one run, odd and even, with a
+    // body too large to gather between them.
+    RiffBytes many;
+    for (int i = 0; i < 9000; ++i)
+        many.Chunk(i % 2 ? "odd " : "even", i % 2 ? "abc" : "abcd").Raw(i == 5000 ? RiffBytes().Chunk("big ", body5000).Bytes() : "");
     const struct {
         const char* what;
         std::string input, output;
@@ -63,14 +70,22 @@ TEST_F(Writer, CopiesEachChunkAsTheRulesSay)
          RiffBytes().Id("RIFF").U32(4 + 26 + 8 + 2500).Id("WAVE").Raw(fmt18).Id("data").U32(2500).Raw(std::string(2500, 's')).Bytes(),
          false},
         {"data without format", Riff(RiffBytes().Chunk("data", "abcd").Bytes()), Riff(""), false},
+        {"small chunk cut short", Riff(fmt18 + RiffBytes().Chunk("odd ", "x").ChunkWithSize("abcd", 3000, "xyz").Bytes()),
+         RiffBytes().Id("RIFF").U32(4 + 26 + 10 + 12).Id("WAVE").Raw(fmt18).Chunk("odd ", "x").Chunk("abcd", "xyz").Bytes(),
+         false},
+        {"many small chunks and a large one", Riff(fmt18 + many.Bytes()), Riff(fmt18 + many.Bytes()), true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        OpenBytes(c.input);
-        for (bool aligned : {false, true}) {
-            bool result = false;
-            EXPECT_EQ(WriteOut(aligned, result), c.output) << (aligned ? "aligned" : "plain");
-            EXPECT_EQ(result, c.result);
+        for (TreeForm form : {TreeForm::Whole, TreeForm::Compact}) {
+            document.SetTreeForm(form);
+            OpenBytes(c.input);
+            for (bool aligned : {false, true}) {
+                bool result = false;
+                EXPECT_EQ(WriteOut(aligned, result), c.output)
+                    << (aligned ? "aligned" : "plain") << (form == TreeForm::Compact ? ", compact" : "");
+                EXPECT_EQ(result, c.result);
+            }
         }
     }
 }
