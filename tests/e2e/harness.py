@@ -570,17 +570,24 @@ class Harness:
         self.desktop.screenshot(path, window)
         return path
 
-    def check_report(self, path):
+    def check_report(self, path, with_peak=False):
         """The report that sondara-check.exe gives for a path, from its
-        JSON output."""
+        JSON output; with_peak gives the peak resident memory of its Wine
+        process in KiB beside it."""
         if not os.path.isfile(self.checker):
             raise Failure("%s is missing: build the windows preset first" % self.checker)
-        result = run(["wine", self.checker, "--json", path], timeout=60, env=PROGRAM_ENV, check=False)
+        timed = ["/usr/bin/time", "-f", "peak %M"] if with_peak else []
+        result = run(timed + ["wine", self.checker, "--json", path], timeout=60, env=PROGRAM_ENV, check=False)
         if result.returncode not in (0, 1):
             raise Failure("sondara-check.exe --json ended with %d" % result.returncode)
         reports = json.loads(result.stdout.decode("ascii"))
         if len(reports) != 1:
             raise Failure("sondara-check.exe gave %d reports for one file" % len(reports))
+        if with_peak:
+            peak = re.findall(rb"^peak (\d+)$", result.stderr, re.MULTILINE)
+            if not peak:
+                raise Failure("no peak memory of sondara-check.exe: %r" % result.stderr[-200:])
+            return reports[0]["report"], int(peak[-1])
         return reports[0]["report"]
 
     def file(self, name, content=b""):
