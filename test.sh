@@ -15,6 +15,7 @@ jobs="${SONDARA_JOBS:-$(nproc)}"
 failures=()
 summaries=()
 timings=()
+reasons=()
 passed_total=0
 failed_total=0
 
@@ -95,8 +96,15 @@ wine_tests()
     # shellcheck source=scripts/wine-env.sh
     source scripts/wine-env.sh
     trap sondara_wine_end EXIT
-    local status=0
-    sondara_wine_begin || return 1
+    local status=0 begin_log=build/windows/wine-begin.log
+    # What begin says is shown again at the end: CI keeps only the end of
+    # the output.
+    sondara_wine_begin 2>"$begin_log" || status=$?
+    cat "$begin_log" >&2
+    if ((status != 0)); then
+        reasons+=("windows test (Wine): the Wine session did not begin:" "$(sed 's/^/    /' "$begin_log")")
+        return 1
+    fi
     run_ctest windows || status=$?
     check_wine_discovery || status=1
     # Both builds must give the same bytes for the same files.
@@ -143,6 +151,9 @@ echo "== ctest summaries"
 printf '%s\n' "${summaries[@]}"
 if ((${#failures[@]} > 0)); then
     echo "failed steps: ${failures[*]}"
+fi
+if ((${#reasons[@]} > 0)); then
+    printf '%s\n' "${reasons[@]}"
 fi
 echo "tests: $passed_total passed, $failed_total failed"
 ((${#failures[@]} == 0))

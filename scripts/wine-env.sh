@@ -54,9 +54,16 @@ sondara_wine__defaults()
     mkdir -p "$SONDARA_WINE_HOME"
 }
 
+# Says why the session could not begin, with the end of the log that tells
+# more when one is given: CI keeps only the end of a run's output.
 sondara_wine__fail()
 {
-    echo "wine-env: $*" >&2
+    local message="$1" log="${2:-}"
+    echo "wine-env: $message" >&2
+    if [[ -n $log && -s $log ]]; then
+        echo "wine-env: the end of $log:" >&2
+        tail -n 20 "$log" | sed 's/^/    /' >&2
+    fi
     return 1
 }
 
@@ -123,7 +130,7 @@ sondara_wine__start_xvfb()
     fi
     kill "$pid" 2>/dev/null || true
     wait "$pid" 2>/dev/null || true
-    sondara_wine__fail "could not start Xvfb (see $log)"
+    sondara_wine__fail "could not start Xvfb" "$log"
 }
 
 # Closes every descriptor above 2; only ever called inside a subshell. The
@@ -151,12 +158,20 @@ sondara_wine__spawn()
 }
 
 # Runs one Windows command with its output in a file, never a pipe, for the
-# same reason.
+# same reason. Now and then, more often under load, Wine fails at its own
+# start with "Inconsistency detected by ld.so" and status 127 before the
+# program runs; such a run is tried again, three times in all.
 sondara_wine__run_logged()
 {
-    local log="$1"
+    local log="$1" attempt status
     shift
-    sondara_wine__spawn "$@" </dev/null >>"$log" 2>&1
+    for attempt in 1 2 3; do
+        status=0
+        sondara_wine__spawn "$@" </dev/null >>"$log" 2>&1 || status=$?
+        ((status == 127)) || break
+        echo "wine-env: $1 ended with status 127 (attempt $attempt of 3)" >>"$log"
+    done
+    return "$status"
 }
 
 # The registry values the program's windows and fonts rely on: no window
@@ -212,7 +227,7 @@ sondara_wine__prepare_prefix()
         # Without mscoree and mshtml, wineboot does not offer to download
         # Mono and Gecko; with a display that offer is a dialog that waits.
         if ! WINEDLLOVERRIDES="mscoree,mshtml=" sondara_wine__run_logged "$log" wineboot -i; then
-            sondara_wine__fail "wineboot -i failed (see $log)"
+            sondara_wine__fail "wineboot -i failed" "$log"
             return 1
         fi
         touch "$ready"
@@ -223,7 +238,7 @@ sondara_wine__prepare_prefix()
     if [[ ! -f $applied || "$(<"$applied")" != "$wanted" ]]; then
         while IFS=$'\t' read -r key name type data; do
             if ! sondara_wine__run_logged "$log" wine reg add "$key" /v "$name" /t "$type" /d "$data" /f; then
-                sondara_wine__fail "could not set $key\\$name (see $log)"
+                sondara_wine__fail "could not set $key\\$name" "$log"
                 return 1
             fi
         done <<<"$wanted"
@@ -247,12 +262,13 @@ sondara_wine__start_server()
 sondara_wine__warm_up()
 {
     local out="$SONDARA_WINE_HOME/warm-up.out"
+    local attempt
     rm -f "$out"
-    sondara_wine__run_logged "$out" wine cmd.exe /c echo sondara-wine-ready || true
-    if ! grep -q sondara-wine-ready "$out" 2>/dev/null; then
-        sondara_wine__fail "Wine does not run programs (see $out and $SONDARA_WINE_HOME/wine.log)"
-        return 1
-    fi
+    for attempt in 1 2 3; do
+        sondara_wine__run_logged "$out" wine cmd.exe /c echo sondara-wine-ready || true
+        grep -q sondara-wine-ready "$out" 2>/dev/null && return 0
+    done
+    sondara_wine__fail "Wine does not run programs (see also $SONDARA_WINE_HOME/wine.log)" "$out"
 }
 
 # Keeps one program of the session on the desktop until the fifo's writer,
@@ -370,7 +386,7 @@ sondara_wine_japanese_locale()
         # writes the locale; only a missing result counts.
         localedef -i ja_JP -f UTF-8 "$folder/ja_JP.UTF-8" >"$SONDARA_WINE_HOME/localedef.log" 2>&1 || true
         if [[ ! -f $folder/ja_JP.UTF-8/LC_CTYPE ]]; then
-            sondara_wine__fail "could not make a ja_JP.UTF-8 locale (see $SONDARA_WINE_HOME/localedef.log)"
+            sondara_wine__fail "could not make a ja_JP.UTF-8 locale" "$SONDARA_WINE_HOME/localedef.log"
             return 1
         fi
     fi
