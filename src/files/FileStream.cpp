@@ -8,15 +8,10 @@
 #include <limits>
 #include <string>
 
-struct FileStream::ReadAheadBuffer {
-    std::uint8_t* bytes = nullptr;
-    std::uint32_t capacity = 0;
-    std::int64_t start = 0;       // file position of bytes[0]
-    std::uint32_t filled = 0;     // valid bytes from start on
-    std::int64_t systemPointer = 0; // where the operating system's pointer stands
-
-    ~ReadAheadBuffer() { std::free(bytes); }
-};
+FileStream::ReadAheadBuffer::~ReadAheadBuffer()
+{
+    std::free(bytes);
+}
 
 FileStream::FileStream() = default;
 
@@ -87,7 +82,7 @@ void FileStream::Close()
 
 // One read of the operating system; the bytes it reports, 0 on any error or
 // when the stream is closed.
-std::uint32_t FileStream::Read(void* destination, std::uint32_t count)
+std::uint32_t FileStream::ReadFromSystem(void* destination, std::uint32_t count)
 {
     if (!handle || count == 0)
         return 0;
@@ -102,13 +97,6 @@ std::uint32_t FileStream::Read(void* destination, std::uint32_t count)
 std::uint32_t FileStream::ReadBuffered(std::uint8_t* destination, std::uint32_t count)
 {
     ReadAheadBuffer& buffer = *readAhead;
-    // Most reads of a walk are a few bytes from the buffer.
-    const std::int64_t offset = position - buffer.start;
-    if (offset >= 0 && offset + count <= buffer.filled) {
-        std::memcpy(destination, buffer.bytes + offset, count);
-        position += count;
-        return count;
-    }
     std::uint32_t done = 0;
     while (done < count) {
         std::int64_t offset = position - buffer.start;
@@ -203,13 +191,10 @@ bool FileStream::Seek(std::int64_t offset, platform::SeekOrigin origin)
     return true;
 }
 
-// The current position, 0 on error.
-std::int64_t FileStream::Tell()
+std::int64_t FileStream::TellFromSystem()
 {
     if (!handle)
         return 0;
-    if (readAhead || sectorSize > 0)
-        return position;
     std::int64_t current = 0;
     if (!platform::SeekFile(handle, 0, platform::SeekOrigin::Current, current))
         return 0;

@@ -4,6 +4,7 @@
 #include "platform/File.h"
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 
 // The one way to a file: a thin object over a file handle with 64-bit
@@ -40,24 +41,49 @@ public:
     bool IsOpen() const { return handle != nullptr; }
     bool IsAligned() const { return sectorSize > 0; }
 
-    std::uint32_t Read(void* destination, std::uint32_t count);
+    // A walk reads a few bytes at a time, millions of times over; a read
+    // that the read-ahead buffer holds is served here without a call.
+    std::uint32_t Read(void* destination, std::uint32_t count)
+    {
+        if (handle && readAhead) {
+            const std::int64_t offset = position - readAhead->start;
+            if (offset >= 0 && offset + count <= readAhead->filled) {
+                std::memcpy(destination, readAhead->bytes + offset, count);
+                position += count;
+                return count;
+            }
+        }
+        return ReadFromSystem(destination, count);
+    }
     std::uint32_t Write(const void* source, std::uint32_t count);
     bool Seek(std::int64_t offset, platform::SeekOrigin origin);
     bool SeekTo(std::int64_t target) { return Seek(target, platform::SeekOrigin::Begin); }
-    std::int64_t Tell();
+    // The current position, 0 on error. Read-ahead and aligned mode keep it
+    // themselves.
+    std::int64_t Tell() { return handle && (readAhead || sectorSize > 0) ? position : TellFromSystem(); }
     std::int64_t GetSize();
     bool ReadText(WideString& destination, std::uint32_t count);
     const WideString& GetPath() const { return path; }
 
 private:
-    struct ReadAheadBuffer;
+    struct ReadAheadBuffer {
+        std::uint8_t* bytes = nullptr;
+        std::uint32_t capacity = 0;
+        std::int64_t start = 0;         // file position of bytes[0]
+        std::uint32_t filled = 0;       // valid bytes from start on
+        std::int64_t systemPointer = 0; // where the operating system's pointer stands
+
+        ~ReadAheadBuffer();
+    };
     struct TransferBuffer {
         void* memory = nullptr;
         std::uint32_t size = 0;
         ~TransferBuffer();
     };
 
+    std::uint32_t ReadFromSystem(void* destination, std::uint32_t count);
     std::uint32_t ReadBuffered(std::uint8_t* destination, std::uint32_t count);
+    std::int64_t TellFromSystem();
     bool MoveSystemPointerTo(std::int64_t target);
 
     // Aligned mode
