@@ -157,10 +157,12 @@ sondara_wine__spawn()
     )
 }
 
-# Runs one Windows command with its output in a file, never a pipe, for the
-# same reason. Now and then, more often under load, Wine fails at its own
-# start with "Inconsistency detected by ld.so" and status 127 before the
-# program runs; such a run is tried again, three times in all.
+# Runs one Windows command of the session's set-up with its output in a
+# file, never a pipe, for the same reason. Now and then, more often under
+# load, Wine fails at its own start with "Inconsistency detected by ld.so"
+# and status 127 before the program runs. Every set-up command can be run
+# twice (wineboot -i, reg add /f, an echo), so a failed one is tried again
+# a second later, three times in all.
 sondara_wine__run_logged()
 {
     local log="$1" attempt status
@@ -168,8 +170,9 @@ sondara_wine__run_logged()
     for attempt in 1 2 3; do
         status=0
         sondara_wine__spawn "$@" </dev/null >>"$log" 2>&1 || status=$?
-        ((status == 127)) || break
-        echo "wine-env: $1 ended with status 127 (attempt $attempt of 3)" >>"$log"
+        ((status != 0)) || return 0
+        echo "wine-env: $1 ended with status $status (attempt $attempt of 3)" >>"$log"
+        ((attempt == 3)) || sleep 1
     done
     return "$status"
 }
@@ -262,13 +265,12 @@ sondara_wine__start_server()
 sondara_wine__warm_up()
 {
     local out="$SONDARA_WINE_HOME/warm-up.out"
-    local attempt
     rm -f "$out"
-    for attempt in 1 2 3; do
-        sondara_wine__run_logged "$out" wine cmd.exe /c echo sondara-wine-ready || true
-        grep -q sondara-wine-ready "$out" 2>/dev/null && return 0
-    done
-    sondara_wine__fail "Wine does not run programs (see also $SONDARA_WINE_HOME/wine.log)" "$out"
+    sondara_wine__run_logged "$out" wine cmd.exe /c echo sondara-wine-ready || true
+    if ! grep -q sondara-wine-ready "$out" 2>/dev/null; then
+        sondara_wine__fail "Wine does not run programs (see also $SONDARA_WINE_HOME/wine.log)" "$out"
+        return 1
+    fi
 }
 
 # Keeps one program of the session on the desktop until the fifo's writer,
