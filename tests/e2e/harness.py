@@ -266,14 +266,24 @@ class Program:
         self.before = self.desktop.windows("^Sondara$")
         self.window = None
         self.log = open(os.path.join(harness.out_dir, "program.log"), "ab")
-        self.process = subprocess.Popen(["wine", harness.program], cwd=harness.build_dir, env=PROGRAM_ENV,
+        self.starts = 0
+        self.start()
+
+    def start(self):
+        self.starts += 1
+        self.process = subprocess.Popen(["wine", self.h.program], cwd=self.h.build_dir, env=PROGRAM_ENV,
                                         stdin=subprocess.DEVNULL, stdout=self.log, stderr=self.log)
 
     def wait_window(self):
         """Waits for the window and measures it: the client area comes from
-        the system, the widgets' places from it and the layout."""
+        the system, the widgets' places from it and the layout. A start that
+        Wine gives up before the program runs (status 127, as in run_wine)
+        is made again, three times in all."""
 
         def window():
+            if self.process.poll() == 127 and self.starts < 3:
+                self.start()
+                return None
             if self.process.poll() is not None:
                 raise Failure("Sondara.exe ended with exit code %d before its window showed" %
                               self.process.returncode)
