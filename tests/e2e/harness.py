@@ -274,14 +274,21 @@ class Program:
         self.process = subprocess.Popen(["wine", self.h.program], cwd=self.h.build_dir, env=PROGRAM_ENV,
                                         stdin=subprocess.DEVNULL, stdout=self.log, stderr=self.log)
 
+    # The program ends with 0 when it has no window and 2 when it is closed,
+    # never with these: they are Wine's own ways of giving up a start, status
+    # 127 ("Inconsistency detected by ld.so", as in run_wine) and, seen once
+    # under load, 1 after a fraction of a second with nothing said.
+    WINE_START_FAILURES = (1, 127)
+
     def wait_window(self):
         """Waits for the window and measures it: the client area comes from
         the system, the widgets' places from it and the layout. A start that
-        Wine gives up before the program runs (status 127, as in run_wine)
-        is made again, three times in all."""
+        Wine gave up is made again, three times in all."""
 
         def window():
-            if self.process.poll() == 127 and self.starts < 3:
+            code = self.process.poll()
+            if code in self.WINE_START_FAILURES and self.starts < 3:
+                print("   Wine gave up the start of Sondara.exe with status %d; starting it again" % code, flush=True)
                 self.start()
                 return None
             if self.process.poll() is not None:
