@@ -1,72 +1,45 @@
 #include "check/CheckCommand.h"
 
 #include "base/Utf8.h"
+#include "check/CheckRun.h"
 #include "check/ChunkList.h"
+#include "check/ConsoleSink.h"
+#include "check/FileSources.h"
 #include "check/Levels.h"
 #include "check/TextFormat.h"
 #include "check/TidyCopy.h"
-#include "check/WaveCheck.h"
 #include "platform/Console.h"
 
 #include <cstdio>
 
 namespace {
 
-constexpr char kUsage[] = "usage: sondara-check [--json] [--chunks | --levels] FILE...\n"
+constexpr char kUsage[] = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [-j N] FILE...\n"
+                          "       sondara-check [--json] [--chunks | --levels] FILE...\n"
                           "       sondara-check [--json] --tidy OUT FILE";
 constexpr char kHelp[] =
-    "Checks WAV files as the Sondara window does and prints a report for each.\n"
+    "Checks WAV files as the Sondara window does and prints a report for each,\n"
+    "followed by warnings of what the report leaves unsaid.\n"
+    "A FILE may be a folder (every .wav file below it, in sorted order) or -\n"
+    "(paths from standard input, one a line).\n"
+    "  --json      one JSON array: path, report, hasError and findings\n"
+    "  --jsonl     one JSON object a line, and a summary line at the end\n"
+    "  --csv       one row a finding (UTF-8 with a byte order mark)\n"
+    "  --strict    warnings count as findings for the exit status\n"
+    "  -j N        check N files at once (default: one a core)\n"
     "  --chunks    list every chunk: offset, id, declared size, list type and\n"
     "              INFO entries; marks a size that runs past an end\n"
     "  --levels    per channel peak and RMS in dBFS, DC offset and samples at\n"
     "              full scale, and the duration (8, 16 and 24-bit PCM)\n"
     "  --tidy OUT  write a mended copy of FILE to the new path OUT and say\n"
     "              what changed; refused where anything would be lost\n"
-    "  --json      the same as one JSON array\n"
-    "Exit status: 0 when all is well, 1 when a file has a finding or can't be\n"
-    "listed, measured or copied, 2 for bad usage.";
+    "Exit status:\n"
+    "  0  every report is clear (warnings alone too, unless --strict)\n"
+    "  1  a report has a finding, a path can't be read, or with --strict a\n"
+    "     file has a warning; a file can't be listed, measured or copied\n"
+    "  2  bad usage";
 
 enum class Mode { Check, Chunks, Levels, Tidy };
-
-// Text whose lines end in LF, with the given line end instead.
-std::string WithLineEnd(std::string_view text, const char* lineEnd)
-{
-    if (std::string_view(lineEnd) == "\n")
-        return std::string(text);
-    std::string converted;
-    converted.reserve(text.size() + text.size() / 8);
-    for (char c : text) {
-        if (c == '\n')
-            converted += lineEnd;
-        else
-            converted += c;
-    }
-    return converted;
-}
-
-// Standard output in pieces of some size, with the platform's line end for
-// text; JSON keeps its LF.
-class ConsoleSink : public TextSink {
-public:
-    explicit ConsoleSink(bool json) : json(json) {}
-    ~ConsoleSink() override { Flush(); }
-
-    void Put(std::string_view text) override
-    {
-        pending += json ? std::string(text) : WithLineEnd(text, platform::kLineEnd);
-        if (pending.size() >= 64 * 1024)
-            Flush();
-    }
-    void Flush()
-    {
-        platform::WriteToStandardOutput(pending);
-        pending.clear();
-    }
-
-private:
-    bool json;
-    std::string pending;
-};
 
 // The message, if any, and the usage on standard error; exit status 2.
 int UsageError(const std::string& message)
@@ -80,7 +53,7 @@ int UsageError(const std::string& message)
 // array for each file.
 int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths)
 {
-    ConsoleSink sink(json);
+    ConsoleSink sink(json ? ConsoleSink::Bytes::Exact : ConsoleSink::Bytes::Text);
     bool allWell = true;
     if (json)
         sink.Put("[");
@@ -122,7 +95,7 @@ int RunTidy(bool json, const WideString& output, const WideString& input)
     std::vector<std::string> changes;
     std::string problem;
     const bool written = MakeTidyCopy(input, output, changes, problem);
-    ConsoleSink sink(json);
+    ConsoleSink sink(json ? ConsoleSink::Bytes::Exact : ConsoleSink::Bytes::Text);
     if (json) {
         std::string object = "[\n  {\"path\": ";
         AppendJsonString(object, input.View());
@@ -151,42 +124,29 @@ int RunTidy(bool json, const WideString& output, const WideString& input)
     return written ? 0 : 1;
 }
 
+// The number behind -j: a whole number from 1 to 256; 0 when it is none.
+unsigned ParseJobs(const std::u16string& text)
+{
+    if (text.empty() || text.size() > 3)
+        return 0;
+    unsigned jobs = 0;
+    for (char16_t unit : text) {
+        if (unit < u'0' || unit > u'9')
+            return 0;
+        jobs = jobs * 10 + (unit - u'0');
+    }
+    return jobs <= 256 ? jobs : 0;
+}
+
 } // namespace
-
-std::string FormatJson(const std::vector<CheckResult>& results)
-{
-    std::string out = "[";
-    for (std::size_t i = 0; i < results.size(); ++i) {
-        out += i == 0 ? "\n  " : ",\n  ";
-        out += "{\"path\": ";
-        AppendJsonString(out, results[i].path.View());
-        out += ", \"report\": ";
-        AppendJsonString(out, results[i].report.View());
-        out += ", \"hasError\": ";
-        out += results[i].hasError ? "true" : "false";
-        out += "}";
-    }
-    out += results.empty() ? "]\n" : "\n]\n";
-    return out;
-}
-
-std::string FormatText(const std::vector<CheckResult>& results, const char* lineEnd)
-{
-    std::string out;
-    for (const CheckResult& result : results) {
-        if (results.size() > 1)
-            out += "== " + WideToUtf8(result.path.View()) + "\n";
-        // Lines end in LF here and take the platform's line end below.
-        out += WideToUtf8(result.report.Replaced(u"\r\n", u"\n").View());
-    }
-    return WithLineEnd(out, lineEnd);
-}
 
 int ConsoleMain(const std::vector<std::u16string>& arguments)
 {
     bool json = false;
     bool optionsEnded = false;
     Mode mode = Mode::Check;
+    CheckRunOptions run;
+    bool formatChosen = false;
     WideString output;
     std::vector<WideString> paths;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -196,45 +156,65 @@ int ConsoleMain(const std::vector<std::u16string>& arguments)
             return 0;
         }
         const bool modeOption = argument == u"--chunks" || argument == u"--levels" || argument == u"--tidy";
-        if (!optionsEnded && modeOption && mode != Mode::Check) {
+        const bool formatOption = argument == u"--json" || argument == u"--jsonl" || argument == u"--csv";
+        if (optionsEnded || argument.size() < 2 || argument[0] != u'-') {
+            paths.emplace_back(argument);
+        } else if (modeOption && mode != Mode::Check) {
             return UsageError("sondara-check: --chunks, --levels and --tidy go one at a time");
-        } else if (!optionsEnded && argument == u"--json") {
+        } else if (formatOption && formatChosen) {
+            return UsageError("sondara-check: --json, --jsonl and --csv go one at a time");
+        } else if (argument == u"--json") {
             json = true;
-        } else if (!optionsEnded && argument == u"--chunks") {
+            formatChosen = true;
+            run.format = OutputFormat::Json;
+        } else if (argument == u"--jsonl") {
+            formatChosen = true;
+            run.format = OutputFormat::JsonLines;
+        } else if (argument == u"--csv") {
+            formatChosen = true;
+            run.format = OutputFormat::Csv;
+        } else if (argument == u"--strict") {
+            run.strict = true;
+        } else if (argument.rfind(u"-j", 0) == 0) {
+            const bool separate = argument.size() == 2;
+            if (separate && i + 1 == arguments.size())
+                return UsageError("sondara-check: -j needs a number of files to check at once");
+            run.jobs = ParseJobs(separate ? arguments[++i] : argument.substr(2));
+            if (run.jobs == 0)
+                return UsageError("sondara-check: -j takes a number from 1 to 256");
+        } else if (argument == u"--chunks") {
             mode = Mode::Chunks;
-        } else if (!optionsEnded && argument == u"--levels") {
+        } else if (argument == u"--levels") {
             mode = Mode::Levels;
-        } else if (!optionsEnded && argument == u"--tidy") {
+        } else if (argument == u"--tidy") {
             if (i + 1 == arguments.size())
                 return UsageError("sondara-check: --tidy needs the path of the copy");
             mode = Mode::Tidy;
             output = WideString(arguments[++i]);
-        } else if (!optionsEnded && argument == u"--") {
+        } else if (argument == u"--") {
             optionsEnded = true;
-        } else if (!optionsEnded && argument.size() > 1 && argument[0] == u'-') {
-            return UsageError("sondara-check: unknown option " + WideToUtf8(argument));
         } else {
-            paths.emplace_back(argument);
+            return UsageError("sondara-check: unknown option " + WideToUtf8(argument));
         }
     }
     if (paths.empty())
         return UsageError("");
+    if (mode != Mode::Check && (run.format == OutputFormat::JsonLines || run.format == OutputFormat::Csv))
+        return UsageError("sondara-check: --jsonl and --csv go with the check only");
     if (mode == Mode::Tidy) {
         if (paths.size() != 1)
             return UsageError("sondara-check: --tidy copies one file at a time");
         return RunTidy(json, output, paths[0]);
     }
-    if (mode != Mode::Check)
-        return RunEachFile(mode, json, paths);
 
-    std::vector<CheckResult> results;
-    bool anyFinding = false;
-    for (const WideString& path : paths) {
-        CheckResult result{path, {}, false};
-        RunWaveCheck(path, result.report, result.hasError);
-        anyFinding = anyFinding || result.hasError;
-        results.push_back(result);
+    std::vector<SourcePath> sources;
+    ExpandSources(paths, sources);
+    if (mode != Mode::Check) {
+        std::vector<WideString> files;
+        for (const SourcePath& source : sources)
+            files.push_back(source.path);
+        return RunEachFile(mode, json, files);
     }
-    platform::WriteToStandardOutput(json ? FormatJson(results) : FormatText(results, platform::kLineEnd));
-    return anyFinding ? 1 : 0;
+    ConsoleSink sink(run.format == OutputFormat::Text ? ConsoleSink::Bytes::Text : ConsoleSink::Bytes::Exact);
+    return RunChecks(sources, run, sink);
 }

@@ -1,6 +1,7 @@
 #include "check/WaveCheck.h"
 
 #include "check/FileFacts.h"
+#include "check/Finding.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
 #include "wave/WaveDocument.h"
@@ -10,30 +11,26 @@
 
 namespace {
 
-constexpr char16_t kNoFile[] = u"ファイルがありません。\r\n";
-constexpr char16_t kNotRiff[] = u"RIFF形式ではありません。\r\n";
-constexpr char16_t kRiffError[] = u"RIFF構造にエラーがあります。\r\n";
-constexpr char16_t kNoFormat[] = u"フォーマット構造がありません。\r\n";
-constexpr char16_t kNoData[] = u"データ構造がありません。\r\n";
+// The lines of the report come from the table of findings, which names
+// each by its code.
 constexpr char16_t kAllClear[] = u"チェック完了しました。\r\n";
 
-constexpr char16_t kNotPcm[] = u"PCMではありません。";
-constexpr char16_t kBadRate[] = u"サンプリング周波数が0～19200Hzではありません。";
-constexpr char16_t kBadBits[] = u"ビット数が8/16/24Bitではありません。";
-constexpr char16_t kBadChannels[] = u"チャンネル数が1/2チャンネルではありません。";
-constexpr char16_t kBadDataSize[] = u"データ情報のサイズが正しくありません。";
-constexpr char16_t kBadFrameCount[] = u"サンプル数が正しくありません。";
+void AppendLine(CheckReport& report, const char* code)
+{
+    report += ReportLineText(code);
+    report += u"\r\n";
+}
 
 constexpr std::uint32_t kHighestRate = 192000;
 
 // A finding is the message and then the value in brackets, which brings the
 // line end.
 template <typename... Values>
-void AppendFinding(CheckReport& report, const char16_t* message, const char* suffixFormat, Values... values)
+void AppendFinding(CheckReport& report, const char* code, const char* suffixFormat, Values... values)
 {
     char suffix[64];
     std::snprintf(suffix, sizeof suffix, suffixFormat, values...);
-    report += message;
+    report += ReportLineText(code);
     report += WideString::FromAscii(suffix);
 }
 
@@ -41,21 +38,21 @@ void CheckFormat(const FormatChunk& formatChunk, CheckReport& report)
 {
     const WaveFormat format = formatChunk.GetFormat();
     if (!formatChunk.IsPcm())
-        AppendFinding(report, kNotPcm, " [%04X]\r\n", static_cast<unsigned>(format.formatTag));
+        AppendFinding(report, "format.not-pcm", " [%04X]\r\n", static_cast<unsigned>(format.formatTag));
     if (format.samplesPerSec == 0 || format.samplesPerSec > kHighestRate)
-        AppendFinding(report, kBadRate, " [%d]\r\n", static_cast<int>(static_cast<std::int32_t>(format.samplesPerSec)));
+        AppendFinding(report, "format.sample-rate", " [%d]\r\n", static_cast<int>(static_cast<std::int32_t>(format.samplesPerSec)));
     if (format.bitsPerSample != 8 && format.bitsPerSample != 16 && format.bitsPerSample != 24)
-        AppendFinding(report, kBadBits, " [%d]\r\n", static_cast<int>(format.bitsPerSample));
+        AppendFinding(report, "format.bits", " [%d]\r\n", static_cast<int>(format.bitsPerSample));
     if (format.channels != 1 && format.channels != 2)
-        AppendFinding(report, kBadChannels, " [%d]\r\n", static_cast<int>(format.channels));
+        AppendFinding(report, "format.channels", " [%d]\r\n", static_cast<int>(format.channels));
 }
 
 void CheckData(const DataChunk& dataChunk, CheckReport& report)
 {
     if (dataChunk.GetSize() <= 0)
-        AppendFinding(report, kBadDataSize, " [%" PRId64 "]\r\n", dataChunk.GetSize());
+        AppendFinding(report, "data.size", " [%" PRId64 "]\r\n", dataChunk.GetSize());
     if (dataChunk.GetFrameCount() <= 0)
-        AppendFinding(report, kBadFrameCount, " [%" PRId64 "]\r\n", dataChunk.GetFrameCount());
+        AppendFinding(report, "data.frames", " [%" PRId64 "]\r\n", dataChunk.GetFrameCount());
 }
 
 } // namespace
@@ -70,7 +67,7 @@ void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportH
     const WideString path = wavePath;
 
     if (!IsExistingFile(path)) {
-        report += kNoFile;
+        AppendLine(report, "file.missing");
         return;
     }
 
@@ -80,21 +77,21 @@ void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportH
     document.SetTreeForm(TreeForm::SlotsOnly);
     if (!document.Open(path)) {
         if (document.GetContainerKind() != kContainerRiff) {
-            report += kNotRiff;
+            AppendLine(report, "riff.not-riff");
             return;
         }
-        report += kRiffError;
+        AppendLine(report, "riff.structure");
     }
 
     if (const FormatChunk* formatChunk = document.GetFormatChunk())
         CheckFormat(*formatChunk, report);
     else
-        report += kNoFormat;
+        AppendLine(report, "format.missing");
 
     if (const DataChunk* dataChunk = document.GetDataChunk())
         CheckData(*dataChunk, report);
     else
-        report += kNoData;
+        AppendLine(report, "data.missing");
 
     if (report.IsEmpty()) {
         report = WideString(kAllClear);

@@ -13,6 +13,12 @@ extern const char* const kLineEnd;
 
 void WriteToStandardOutput(std::string_view bytes);
 void WriteToStandardError(std::string_view bytes);
+// The next line of standard input, without its line end, as text of the
+// system's paths; false at the end of the input.
+bool ReadStandardInputLine(std::u16string& line);
+// True when standard error is a terminal that a person watches, rather than
+// a pipe or a file.
+bool IsStandardErrorTerminal();
 
 } // namespace platform
 

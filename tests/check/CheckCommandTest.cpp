@@ -13,35 +13,6 @@
 #include <unistd.h>
 #endif
 
-TEST(CheckCommandOutput, JsonIsAsciiWithEscapes)
-{
-    std::vector<CheckResult> results = {
-        {WideString(u"dir\\\"a\".wav"), WideString(u"チェック完了しました。\r\n"), false},
-        {WideString(u"b.wav"), WideString(u"PCMではありません。 [0003]\r\n"), true},
-    };
-    EXPECT_EQ(FormatJson(results),
-              "[\n"
-              "  {\"path\": \"dir\\\\\\\"a\\\".wav\", \"report\": "
-              "\"\\u30c1\\u30a7\\u30c3\\u30af\\u5b8c\\u4e86\\u3057\\u307e\\u3057\\u305f\\u3002\\r\\n\", "
-              "\"hasError\": false},\n"
-              "  {\"path\": \"b.wav\", \"report\": \"PCM\\u3067\\u306f\\u3042\\u308a\\u307e\\u305b\\u3093\\u3002 "
-              "[0003]\\r\\n\", \"hasError\": true}\n"
-              "]\n");
-    EXPECT_EQ(FormatJson({}), "[]\n");
-}
-
-TEST(CheckCommandOutput, TextTakesThePlatformLineEnd)
-{
-    std::vector<CheckResult> one = {{WideString(u"a.wav"), WideString(u"x\r\ny\r\n"), true}};
-    EXPECT_EQ(FormatText(one, "\n"), "x\ny\n");
-    EXPECT_EQ(FormatText(one, "\r\n"), "x\r\ny\r\n");
-
-    std::vector<CheckResult> two = {one[0], {WideString(u"b.wav"), WideString(u"ファイルがありません。\r\n"), true}};
-    EXPECT_EQ(FormatText(two, "\r\n"),
-              "== a.wav\r\nx\r\ny\r\n== b.wav\r\n\xE3\x83\x95\xE3\x82\xA1\xE3\x82\xA4\xE3\x83\xAB\xE3\x81\x8C\xE3\x81\x82"
-              "\xE3\x82\x8A\xE3\x81\xBE\xE3\x81\x9B\xE3\x82\x93\xE3\x80\x82\r\n");
-}
-
 #ifdef SONDARA_CHECK_PROGRAM
 // sondara-check itself, started as its own process in a folder of sample
 // files: what it prints on each stream and its exit status.
@@ -61,7 +32,7 @@ std::string Contents(const std::string& path)
 
 // Runs the checker with these arguments in dir; the streams go to files
 // beside the samples. A checker that doesn't end normally gives -1.
-Outcome RunChecker(const TempDir& dir, std::vector<std::string> arguments)
+Outcome RunChecker(const TempDir& dir, std::vector<std::string> arguments, const std::string& input = "")
 {
     std::string program = SONDARA_CHECK_PROGRAM;
     std::vector<char*> argv{program.data()};
@@ -70,10 +41,15 @@ Outcome RunChecker(const TempDir& dir, std::vector<std::string> arguments)
     argv.push_back(nullptr);
     const std::string out = dir.Native() + "/stdout.txt";
     const std::string err = dir.Native() + "/stderr.txt";
+    const std::string in = dir.Native() + "/stdin.txt";
+    {
+        std::ofstream(in, std::ios::binary) << input;
+    }
     const pid_t child = fork();
     if (child == 0) {
         if (chdir(dir.Native().c_str()) != 0)
             _exit(126);
+        dup2(open(in.c_str(), O_RDONLY), 0);
         dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
         dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
         execv(argv[0], argv.data());
@@ -93,21 +69,27 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
     dir.Write("sound.wav", SoundWave());
     dir.Write("--json", SoundWave());
     dir.Write("-x", "not a wave file");
-    const std::string usage = "usage: sondara-check [--json] [--chunks | --levels] FILE...\n"
+    const std::string usage = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [-j N] FILE...\n"
+                              "       sondara-check [--json] [--chunks | --levels] FILE...\n"
                               "       sondara-check [--json] --tidy OUT FILE\n";
     const std::string soundChunks = "RIFF at 0, 52 bytes, form WAVE\n  fmt  at 12, 16 bytes\n  data at 36, 16 bytes\n";
     const std::string silentChannel = "peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n";
     const std::string clear = "チェック完了しました。\n";
     // Help is the usage and then a word on each option; its first line stands for it.
-    const std::string help = usage + "Checks WAV files as the Sondara window does and prints a report for each.\n";
+    const std::string help = usage + "Checks WAV files as the Sondara window does and prints a report for each,\n";
     const std::string notRiff = "RIFF形式ではありません。\n";
     const std::string noFile = "ファイルがありません。\n";
     const std::string clearJson = "\\u30c1\\u30a7\\u30c3\\u30af\\u5b8c\\u4e86\\u3057\\u307e\\u3057\\u305f\\u3002\\r\\n";
     const std::string notRiffJson = "RIFF\\u5f62\\u5f0f\\u3067\\u306f\\u3042\\u308a\\u307e\\u305b\\u3093\\u3002\\r\\n";
+    const std::string notRiffFinding = "{\"code\": \"riff.not-riff\", \"severity\": \"error\", \"message\": "
+                                       "\"The file is not a RIFF file.\", \"text\": \"" +
+                                       notRiffJson.substr(0, notRiffJson.size() - 4) + "\"}";
+    const std::string summaryOf2 = "2 files: 1 sound, 1 with findings, 0 with warnings, 0 unreadable\n";
     const struct {
         std::vector<std::string> arguments;
         int status;
         std::string out, err;
+        std::string input = "";
     } cases[] = {
         // Help goes before any check, wherever it stands among the options.
         {{"sound.wav", "--help", "-x"}, 0, help, ""},
@@ -116,21 +98,24 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
         {{"-x"}, 2, "", "sondara-check: unknown option -x\n" + usage},
         {{"sound.wav"}, 0, clear, ""},
         {{"missing.wav"}, 1, noFile, ""},
-        // A lone "-" is no option but a path.
-        {{"-"}, 1, noFile, ""},
-        {{"sound.wav", "missing.wav"}, 1, "== sound.wav\n" + clear + "== missing.wav\n" + noFile, ""},
+        // A lone "-" reads the paths from standard input, one a line.
+        {{"-"}, 1, "== sound.wav\n" + clear + "== missing.wav\n" + noFile + summaryOf2, "", "sound.wav\r\n\nmissing.wav"},
+        {{"sound.wav", "missing.wav"}, 1, "== sound.wav\n" + clear + "== missing.wav\n" + noFile + summaryOf2, ""},
         {{"--json", "sound.wav"}, 0,
-         "[\n  {\"path\": \"sound.wav\", \"report\": \"" + clearJson + "\", \"hasError\": false}\n]\n", ""},
+         "[\n  {\"path\": \"sound.wav\", \"report\": \"" + clearJson + "\", \"hasError\": false, \"findings\": []}\n]\n", ""},
+        {{"--json", "--csv", "sound.wav"}, 2, "", "sondara-check: --json, --jsonl and --csv go one at a time\n" + usage},
+        {{"-j", "0", "sound.wav"}, 2, "", "sondara-check: -j takes a number from 1 to 256\n" + usage},
+        {{"--chunks", "--csv", "sound.wav"}, 2, "", "sondara-check: --jsonl and --csv go with the check only\n" + usage},
         // After "--" everything is a path, options and help included.
         {{"--", "--help"}, 1, noFile, ""},
         {{"--json", "--", "--json", "-x"}, 1,
-         "[\n  {\"path\": \"--json\", \"report\": \"" + clearJson + "\", \"hasError\": false},\n"
-         "  {\"path\": \"-x\", \"report\": \"" + notRiffJson + "\", \"hasError\": true}\n]\n", ""},
-        {{"--", "-x", "sound.wav"}, 1, "== -x\n" + notRiff + "== sound.wav\n" + clear, ""},
+         "[\n  {\"path\": \"--json\", \"report\": \"" + clearJson + "\", \"hasError\": false, \"findings\": []},\n"
+         "  {\"path\": \"-x\", \"report\": \"" + notRiffJson + "\", \"hasError\": true, \"findings\": [" + notRiffFinding + "]}\n]\n", ""},
+        {{"--", "-x", "sound.wav"}, 1, "== -x\n" + notRiff + "== sound.wav\n" + clear + summaryOf2, ""},
         // The chunk list and the levels: a file that can't be listed or
         // measured says why in its place, and makes the status 1.
         {{"--chunks", "sound.wav"}, 0, soundChunks, ""},
-        {{"--chunks", "-", "sound.wav"}, 1, "== -\n(no such file)\n== sound.wav\n" + soundChunks, ""},
+        {{"--chunks", "missing.wav", "sound.wav"}, 1, "== missing.wav\n(no such file)\n== sound.wav\n" + soundChunks, ""},
         {{"--json", "--chunks", "--", "-x"}, 1, "[\n  {\"path\": \"-x\", \"error\": \"not a RIFF file\"}\n]\n", ""},
         {{"--levels", "sound.wav"}, 0,
          "duration 0:00.000 (4 frames at 44,100 Hz, 16-bit)\nchannel 1: " + silentChannel + "channel 2: " + silentChannel, ""},
@@ -152,7 +137,7 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
         for (const std::string& argument : c.arguments)
             line += " " + argument;
         SCOPED_TRACE("sondara-check" + line);
-        const Outcome outcome = RunChecker(dir, c.arguments);
+        const Outcome outcome = RunChecker(dir, c.arguments, c.input);
         EXPECT_EQ(outcome.status, c.status);
         EXPECT_EQ(c.out == help ? outcome.out.substr(0, help.size()) : outcome.out, c.out);
         EXPECT_EQ(outcome.err, c.err);

@@ -8,7 +8,8 @@ of what an earlier build printed for them.
 The files are the samples and the wave fuzzing corpora (seeds and
 regressions). Each is run alone through the report, --chunks, --levels and
 --tidy, all with --json. A digest covers the exit status and every byte
-printed, and for --tidy the bytes of the copy as well. `check` fails on the
+printed, and for --tidy the bytes of the copy as well; the report's
+findings, which came later, are left out of its digest. `check` fails on the
 first file whose digest differs, saying which and what was printed now;
 `write` records the digests of the build given, for a change of output
 that is meant.
@@ -34,6 +35,18 @@ def corpus(source_root):
     return [os.path.join("src", path) for path in files]
 
 
+def without_findings(stdout):
+    """The report's JSON as it was before each object gained its findings:
+    the fields before them are the record's, byte for byte."""
+    lines = []
+    for line in stdout.split(b"\n"):
+        start = line.find(b', "findings": [')
+        if start >= 0:
+            line = line[:start] + b"}" + (b"," if line.endswith(b",") else b"")
+        lines.append(line)
+    return b"\n".join(lines)
+
+
 def run(checker, mode, path):
     """The digest of one run, and what it printed."""
     if os.path.exists(COPY):
@@ -42,7 +55,8 @@ def run(checker, mode, path):
     # INFO texts are decoded in the locale's character set: one locale for all.
     environment = dict(os.environ, LC_ALL="C.UTF-8")
     result = subprocess.run([checker, "--json"] + options + ["--", path], capture_output=True, env=environment)
-    digest = hashlib.sha256(b"%d\n" % result.returncode + result.stdout)
+    stdout = without_findings(result.stdout) if mode == "report" else result.stdout
+    digest = hashlib.sha256(b"%d\n" % result.returncode + stdout)
     if os.path.exists(COPY):
         with open(COPY, "rb") as copy:
             digest.update(copy.read())

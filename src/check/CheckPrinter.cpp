@@ -1,0 +1,275 @@
+#include "check/CheckPrinter.h"
+
+#include "base/Utf8.h"
+#include "check/TextFormat.h"
+
+namespace {
+
+constexpr char16_t kAllClear[] = u"チェック完了しました。";
+// Warnings follow the report in its own voice, marked as such.
+constexpr char kWarningMark[] = "注意：";
+
+void AppendNumber(std::string& out, const char* name, const std::optional<std::int64_t>& number)
+{
+    if (number)
+        out += std::string(", \"") + name + "\": " + std::to_string(*number);
+}
+
+std::string FindingsJson(const std::vector<Finding>& findings)
+{
+    std::string out = "\"findings\": [";
+    for (std::size_t i = 0; i < findings.size(); ++i) {
+        out += i ? ", " : "";
+        AppendFindingJson(out, findings[i]);
+    }
+    return out + "]";
+}
+
+Finding UnreadableFinding(const std::string& code)
+{
+    const FindingKind* kind = FindFindingKind(code);
+    Finding finding;
+    finding.kind = kind;
+    finding.message = kind->message;
+    finding.text = WideString(kind->text);
+    return finding;
+}
+
+class TextPrinter : public CheckPrinter {
+public:
+    TextPrinter(TextSink& sink, bool headed) : sink(sink), headed(headed) {}
+
+    void File(const FileCheck& check) override
+    {
+        Head(check.path);
+        if (check.unreadable) {
+            sink.Put(WideToUtf8(UnreadableFinding("file.unreadable").text.View()) + "\n");
+            return;
+        }
+        std::string text = WideToUtf8(check.report.Replaced(u"\r\n", u"\n").View());
+        for (const Finding& finding : check.findings) {
+            if (finding.kind->severity == Severity::Warning)
+                text += kWarningMark + WideToUtf8(finding.text.View()) + "\n";
+        }
+        sink.Put(text);
+    }
+    void Unreadable(const WideString& path, const std::string& code) override
+    {
+        Head(path);
+        sink.Put(WideToUtf8(UnreadableFinding(code).text.View()) + "\n");
+    }
+    void End(const RunSummary& summary) override
+    {
+        if (headed)
+            sink.Put(FormatSummary(summary));
+    }
+
+private:
+    void Head(const WideString& path)
+    {
+        if (headed)
+            sink.Put("== " + WideToUtf8(path.View()) + "\n");
+    }
+
+    TextSink& sink;
+    bool headed;
+};
+
+// One array; the fields before "findings" are those the checker always
+// printed, byte for byte.
+class JsonPrinter : public CheckPrinter {
+public:
+    explicit JsonPrinter(TextSink& sink) : sink(sink) {}
+
+    void Begin() override { sink.Put("["); }
+    void File(const FileCheck& check) override
+    {
+        std::string object = Separator() + "{\"path\": ";
+        AppendJsonString(object, check.path.View());
+        if (check.unreadable) {
+            object += ", " + FindingsJson({UnreadableFinding("file.unreadable")}) + "}";
+        } else {
+            object += ", \"report\": ";
+            AppendJsonString(object, check.report.View());
+            object += std::string(", \"hasError\": ") + (check.hasError ? "true" : "false");
+            object += ", " + FindingsJson(check.findings) + "}";
+        }
+        sink.Put(object);
+    }
+    void Unreadable(const WideString& path, const std::string& code) override
+    {
+        std::string object = Separator() + "{\"path\": ";
+        AppendJsonString(object, path.View());
+        object += ", " + FindingsJson({UnreadableFinding(code)}) + "}";
+        sink.Put(object);
+    }
+    void End(const RunSummary&) override { sink.Put(any ? "\n]\n" : "]\n"); }
+
+private:
+    std::string Separator()
+    {
+        const bool first = !any;
+        any = true;
+        return first ? "\n  " : ",\n  ";
+    }
+
+    TextSink& sink;
+    bool any = false;
+};
+
+// One object a line, each with its type, so that a long run parses line
+// by line and a run cut short loses at most its last line.
+class JsonLinesPrinter : public CheckPrinter {
+public:
+    explicit JsonLinesPrinter(TextSink& sink) : sink(sink) {}
+
+    void File(const FileCheck& check) override
+    {
+        if (check.unreadable) {
+            Unreadable(check.path, "file.unreadable");
+            return;
+        }
+        std::string object = "{\"type\": \"file\", \"path\": ";
+        AppendJsonString(object, check.path.View());
+        object += ", \"report\": ";
+        AppendJsonString(object, check.report.View());
+        object += std::string(", \"hasError\": ") + (check.hasError ? "true" : "false");
+        sink.Put(object + ", " + FindingsJson(check.findings) + "}\n");
+    }
+    void Unreadable(const WideString& path, const std::string& code) override
+    {
+        std::string object = "{\"type\": \"unreadable\", \"path\": ";
+        AppendJsonString(object, path.View());
+        sink.Put(object + ", " + FindingsJson({UnreadableFinding(code)}) + "}\n");
+    }
+    void End(const RunSummary& summary) override
+    {
+        sink.Put("{\"type\": \"summary\", \"files\": " + std::to_string(summary.files) +
+                 ", \"sound\": " + std::to_string(summary.sound) +
+                 ", \"withFindings\": " + std::to_string(summary.withFindings) +
+                 ", \"withWarnings\": " + std::to_string(summary.withWarnings) +
+                 ", \"unreadable\": " + std::to_string(summary.unreadable) + "}\n");
+    }
+
+private:
+    TextSink& sink;
+};
+
+// A row a finding, as spreadsheets read CSV: UTF-8 behind a byte order
+// mark (without it some take the bytes for the system's code page and
+// garble the Japanese), every field quoted, rows ending in CR LF.
+class CsvPrinter : public CheckPrinter {
+public:
+    explicit CsvPrinter(TextSink& sink) : sink(sink) {}
+
+    void Begin() override
+    {
+        sink.Put("\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\","
+                 "\"message\",\"text\"\r\n");
+    }
+    void File(const FileCheck& check) override
+    {
+        if (check.unreadable) {
+            Unreadable(check.path, "file.unreadable");
+            return;
+        }
+        if (check.findings.empty()) {
+            Finding sound;
+            sound.message = "The file is sound.";
+            sound.text = WideString(kAllClear);
+            Row(check.path, "ok", "file.sound", sound);
+        }
+        for (const Finding& finding : check.findings)
+            Row(check.path, SeverityName(finding.kind->severity), finding.kind->code, finding);
+    }
+    void Unreadable(const WideString& path, const std::string& code) override
+    {
+        Row(path, "error", code, UnreadableFinding(code));
+    }
+    void End(const RunSummary&) override {}
+
+private:
+    static std::string Field(const std::string& text)
+    {
+        std::string out = "\"";
+        for (char c : text) {
+            out += c;
+            if (c == '"')
+                out += '"';
+        }
+        return out + "\"";
+    }
+    static std::string Number(const std::optional<std::int64_t>& number)
+    {
+        return number ? std::to_string(*number) : "";
+    }
+    void Row(const WideString& path, const std::string& severity, const std::string& code, const Finding& finding)
+    {
+        sink.Put(Field(WideToUtf8(path.View())) + "," + Field(severity) + "," + Field(code) + "," +
+                 Number(finding.offset) + "," + Field(finding.chunk) + "," + Number(finding.value) + "," +
+                 Number(finding.declared) + "," + Number(finding.actual) + "," + Field(finding.message) + "," +
+                 Field(WideToUtf8(finding.text.View())) + "\r\n");
+    }
+
+    TextSink& sink;
+};
+
+} // namespace
+
+void RunSummary::Count(const FileCheck& check)
+{
+    ++files;
+    if (check.unreadable)
+        ++unreadable;
+    else if (check.hasError)
+        ++withFindings;
+    else if (check.HasWarnings())
+        ++withWarnings;
+    else
+        ++sound;
+}
+
+void RunSummary::CountUnreadable()
+{
+    ++files;
+    ++unreadable;
+}
+
+std::unique_ptr<CheckPrinter> MakeCheckPrinter(OutputFormat format, TextSink& sink, bool headed)
+{
+    switch (format) {
+    case OutputFormat::Json: return std::make_unique<JsonPrinter>(sink);
+    case OutputFormat::JsonLines: return std::make_unique<JsonLinesPrinter>(sink);
+    case OutputFormat::Csv: return std::make_unique<CsvPrinter>(sink);
+    case OutputFormat::Text: break;
+    }
+    return std::make_unique<TextPrinter>(sink, headed);
+}
+
+void AppendFindingJson(std::string& out, const Finding& finding)
+{
+    out += "{\"code\": \"";
+    out += finding.kind->code;
+    out += "\", \"severity\": \"";
+    out += SeverityName(finding.kind->severity);
+    out += "\", \"message\": ";
+    AppendJsonString(out, Utf8ToWide(finding.message));
+    out += ", \"text\": ";
+    AppendJsonString(out, finding.text.View());
+    AppendNumber(out, "value", finding.value);
+    AppendNumber(out, "offset", finding.offset);
+    if (!finding.chunk.empty()) {
+        out += ", \"chunk\": ";
+        AppendJsonString(out, Utf8ToWide(finding.chunk));
+    }
+    AppendNumber(out, "declared", finding.declared);
+    AppendNumber(out, "actual", finding.actual);
+    out += "}";
+}
+
+std::string FormatSummary(const RunSummary& summary)
+{
+    return FormatCount(summary.files) + " files: " + FormatCount(summary.sound) + " sound, " +
+           FormatCount(summary.withFindings) + " with findings, " + FormatCount(summary.withWarnings) +
+           " with warnings, " + FormatCount(summary.unreadable) + " unreadable\n";
+}

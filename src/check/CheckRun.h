@@ -1,0 +1,21 @@
+#pragma once
+
+#include "check/CheckPrinter.h"
+#include "check/FileSources.h"
+
+#include <vector>
+
+struct CheckRunOptions {
+    OutputFormat format = OutputFormat::Text;
+    // Files checked at once; 0 for one a core.
+    unsigned jobs = 0;
+    // Warnings make the exit status 1 too.
+    bool strict = false;
+};
+
+// Checks the paths, several at once, and prints each as soon as it and
+// every path before it are done, in the order given, then the summary. Only
+// a window of results ahead of the printer is held, so a run of any length
+// needs the same memory. Gives the exit status: 0 when every report is
+// clear (and, with strict, no file has a warning), 1 otherwise.
+int RunChecks(const std::vector<SourcePath>& paths, const CheckRunOptions& options, TextSink& sink);

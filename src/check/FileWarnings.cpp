@@ -1,0 +1,220 @@
+#include "check/FileWarnings.h"
+
+#include "files/FileStream.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr std::uint32_t kPlaceholderSize = 0xFFFFFFFF;
+constexpr std::uint16_t kTagPcm = 1;
+constexpr std::uint16_t kTagFloat = 3;
+constexpr std::uint16_t kTagAlaw = 6;
+constexpr std::uint16_t kTagMulaw = 7;
+constexpr std::uint16_t kTagExtensible = 0xFFFE;
+// The sub-format of an extensible format is a GUID whose first two bytes
+// hold a format tag and whose other fourteen are these.
+constexpr std::uint8_t kSubFormatTail[14] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
+                                             0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+
+std::uint32_t U32(const std::uint8_t* bytes)
+{
+    return bytes[0] | (bytes[1] << 8) | (bytes[2] << 16) | (static_cast<std::uint32_t>(bytes[3]) << 24);
+}
+
+std::uint16_t U16(const std::uint8_t* bytes)
+{
+    return static_cast<std::uint16_t>(bytes[0] | (bytes[1] << 8));
+}
+
+std::string IdText(const std::uint8_t* id)
+{
+    std::string text;
+    for (int i = 0; i < 4; ++i) {
+        const char c = static_cast<char>(id[i]);
+        text += c >= 0x20 && c < 0x7F ? c : '?';
+    }
+    return text;
+}
+
+// Four bytes that may begin a chunk: printable ASCII, as every chunk id
+// that writers use is.
+bool LooksLikeId(const std::uint8_t* bytes)
+{
+    for (int i = 0; i < 4; ++i) {
+        if (bytes[i] < 0x20 || bytes[i] > 0x7E)
+            return false;
+    }
+    return true;
+}
+
+class Scan {
+public:
+    Scan(FileStream& stream, std::int64_t fileSize, std::vector<Finding>& warnings)
+        : stream(stream), fileSize(fileSize), warnings(warnings)
+    {
+    }
+
+    bool ReadAt(std::int64_t position, void* bytes, std::uint32_t count)
+    {
+        return position >= 0 && position + count <= fileSize && stream.SeekTo(position) &&
+               stream.Read(bytes, count) == count;
+    }
+
+    void Warn(const char* code, std::optional<std::int64_t> offset, const std::string& chunk,
+              std::optional<std::int64_t> declared, std::optional<std::int64_t> actual)
+    {
+        warnings.push_back(MakeFinding(*FindFindingKind(code), offset, chunk, declared, actual));
+    }
+
+    void CheckFormat(std::int64_t offset, const std::uint8_t* body, std::uint32_t length)
+    {
+        if (length < 16)
+            return;
+        const std::uint16_t tag = U16(body);
+        const std::uint16_t channels = U16(body + 2);
+        const std::uint32_t rate = U32(body + 4);
+        const std::uint32_t byteRate = U32(body + 8);
+        const std::uint16_t blockAlign = U16(body + 12);
+        const std::uint16_t bits = U16(body + 14);
+        std::uint16_t sampleTag = tag;
+        if (tag == kTagExtensible) {
+            // An extensible format without its sub-format says nothing
+            // more; the check takes any extensible format for PCM.
+            if (length < 40)
+                return;
+            const bool standard = std::memcmp(body + 26, kSubFormatTail, sizeof kSubFormatTail) == 0;
+            sampleTag = standard ? U16(body + 24) : 0;
+            if (sampleTag != kTagPcm)
+                Warn("format.extensible-not-pcm", offset, "fmt ", std::nullopt, std::nullopt);
+        }
+        // Only formats of whole samples have one right block align; a
+        // compressed format sets its own.
+        const bool wholeSamples =
+            sampleTag == kTagPcm || sampleTag == kTagFloat || sampleTag == kTagAlaw || sampleTag == kTagMulaw;
+        if (!wholeSamples || channels == 0 || bits == 0)
+            return;
+        const std::int64_t rightAlign = std::int64_t{channels} * ((bits + 7) / 8);
+        if (blockAlign != rightAlign)
+            Warn("format.block-align", offset, "fmt ", blockAlign, rightAlign);
+        // The byte rate follows the block align as declared, so that one
+        // wrong figure gives one warning.
+        const std::int64_t rightRate = std::int64_t{rate} * blockAlign;
+        if (byteRate != rightRate)
+            Warn("format.byte-rate", offset, "fmt ", byteRate, rightRate);
+    }
+
+    // The chunks of the RIFF chunk from position to end, the end of the
+    // RIFF chunk or of the file.
+    void WalkChunks(std::int64_t position, std::int64_t end, FileLayout& layout)
+    {
+        int formats = 0;
+        std::uint8_t header[8];
+        while (position + 8 <= end && ReadAt(position, header, 8)) {
+            const std::string id = IdText(header);
+            const std::uint32_t size = U32(header + 4);
+            const std::int64_t bodyEnd = position + 8 + size;
+            if (id == "fmt ") {
+                if (++formats == 1) {
+                    layout.formatOffset = position;
+                    std::uint8_t body[40] = {};
+                    const std::uint32_t length = size < 40 ? size : 40;
+                    if (ReadAt(position + 8, body, length))
+                        CheckFormat(position, body, length);
+                } else {
+                    Warn("format.duplicate", position, "fmt ", std::nullopt, std::nullopt);
+                }
+            }
+            if (id == "data") {
+                const bool first = !layout.dataOffset;
+                if (first)
+                    layout.dataOffset = position;
+                // A data size of 0 with bytes behind it, or of 0xFFFFFFFF, is
+                // what a recorder writes before it knows the length. What is
+                // there runs to the end of the RIFF chunk when its size is
+                // known, else to the end of the file.
+                const std::int64_t present = end - (position + 8);
+                const bool placeholder =
+                    size == kPlaceholderSize || (size == 0 && present > 0 && !NextIsChunk(position + 8, end));
+                if (placeholder) {
+                    Warn("data.size-placeholder", position, "data", size, present);
+                    return;
+                }
+                if (bodyEnd > fileSize) {
+                    Warn("data.truncated", position, "data", size, fileSize - (position + 8));
+                    return;
+                }
+            }
+            if (bodyEnd > end)
+                return;
+            position = bodyEnd;
+            if (size % 2 == 1) {
+                // The pad byte is missing where the file ends right behind
+                // the body, or where a chunk starts there and none a byte on.
+                std::uint8_t next[5];
+                const bool atEnd = position == fileSize;
+                const bool chunkWithoutPad = !atEnd && position + 9 <= end && ReadAt(position, next, 5) &&
+                                             LooksLikeId(next) && !LooksLikeId(next + 1);
+                if (atEnd || chunkWithoutPad)
+                    Warn("chunk.missing-pad", position - 8 - size, id, size, std::nullopt);
+                if (!chunkWithoutPad)
+                    position += 1;
+            }
+        }
+    }
+
+    bool NextIsChunk(std::int64_t position, std::int64_t end)
+    {
+        std::uint8_t next[8];
+        return position + 8 <= end && ReadAt(position, next, 8) && LooksLikeId(next) &&
+               position + 8 + U32(next + 4) <= end;
+    }
+
+private:
+    FileStream& stream;
+    std::int64_t fileSize;
+    std::vector<Finding>& warnings;
+};
+
+} // namespace
+
+bool FindWarnings(const WideString& path, FileLayout& layout, std::vector<Finding>& warnings)
+{
+    layout = FileLayout();
+    FileStream stream;
+    if (!stream.OpenPlain(path, 0))
+        return false;
+    stream.EnableReadAhead(64 * 1024);
+    layout.opened = true;
+    const std::int64_t fileSize = stream.GetSize();
+    Scan scan(stream, fileSize, warnings);
+    std::uint8_t header[12];
+    if (!scan.ReadAt(0, header, 12))
+        return true;
+    if (std::memcmp(header, "RF64", 4) == 0) {
+        scan.Warn("container.rf64", 0, "RF64", std::nullopt, std::nullopt);
+        return true;
+    }
+    if (std::memcmp(header, "RIFF", 4) != 0)
+        return true;
+
+    const std::uint32_t riffSize = U32(header + 4);
+    const std::int64_t actualSize = fileSize - 8;
+    const bool placeholder = riffSize == 0 || riffSize == kPlaceholderSize;
+    const std::int64_t riffEnd = placeholder ? fileSize : std::min<std::int64_t>(fileSize, 8 + std::int64_t{riffSize});
+    std::vector<Finding> riffWarnings;
+    if (placeholder) {
+        riffWarnings.push_back(MakeFinding(*FindFindingKind("riff.size-placeholder"), 4, "RIFF", riffSize, actualSize));
+    } else if (8 + std::int64_t{riffSize} > fileSize) {
+        riffWarnings.push_back(MakeFinding(*FindFindingKind("riff.size-mismatch"), 4, "RIFF", riffSize, actualSize));
+    } else if (8 + std::int64_t{riffSize} < fileSize && !(riffSize % 2 == 1 && 9 + std::int64_t{riffSize} == fileSize)) {
+        // An odd RIFF chunk's pad byte behind it is no stray byte.
+        const std::int64_t behind = 8 + std::int64_t{riffSize} + riffSize % 2;
+        riffWarnings.push_back(MakeFinding(*FindFindingKind("riff.trailing-bytes"), behind, "RIFF", riffSize, actualSize));
+    }
+    warnings.insert(warnings.end(), riffWarnings.begin(), riffWarnings.end());
+    if (std::memcmp(header + 8, "WAVE", 4) == 0)
+        scan.WalkChunks(12, riffEnd, layout);
+    return true;
+}

@@ -1,0 +1,150 @@
+#include "check/Finding.h"
+
+#include "check/TextFormat.h"
+
+#include <cstring>
+
+namespace {
+
+// The one table of what the checker can say. The Japanese texts of the
+// errors are the lines of the check's report, which the window shows too;
+// the check takes them from here.
+constexpr FindingKind kKinds[] = {
+    {"file.missing", Severity::Error, u"ファイルがありません。", "The file does not exist.",
+     "Check the path; a folder is not a file."},
+    {"riff.not-riff", Severity::Error, u"RIFF形式ではありません。", "The file is not a RIFF file.",
+     "Make sure it is a WAV file; an RF64 file counts as not RIFF."},
+    {"riff.structure", Severity::Error, u"RIFF構造にエラーがあります。", "The RIFF structure has an error.",
+     "List the chunks with --chunks to see where; a tidy copy (--tidy) may mend it."},
+    {"format.missing", Severity::Error, u"フォーマット構造がありません。", "There is no format chunk.",
+     "Export the file again from the program that made it."},
+    {"data.missing", Severity::Error, u"データ構造がありません。", "There is no data chunk.",
+     "Export the file again from the program that made it."},
+    {"format.not-pcm", Severity::Error, u"PCMではありません。", "The audio is not PCM.",
+     "Convert it to linear PCM."},
+    {"format.sample-rate", Severity::Error, u"サンプリング周波数が0～19200Hzではありません。",
+     "The sample rate is not from 1 to 192000 Hz.", "Resample it to a rate up to 192000 Hz."},
+    {"format.bits", Severity::Error, u"ビット数が8/16/24Bitではありません。",
+     "The sample size is not 8, 16 or 24 bits.", "Convert it to 8, 16 or 24-bit samples."},
+    {"format.channels", Severity::Error, u"チャンネル数が1/2チャンネルではありません。",
+     "The file has neither one nor two channels.", "Mix it down to mono or stereo."},
+    {"data.size", Severity::Error, u"データ情報のサイズが正しくありません。", "The data size is not right.",
+     "A data size of 0 often means an unfinished recording: try --tidy."},
+    {"data.frames", Severity::Error, u"サンプル数が正しくありません。", "The number of sample frames is not right.",
+     "The data holds no whole frame; export the file again."},
+
+    // What keeps a path from being checked at all; never a line of the
+    // report.
+    {"file.unreadable", Severity::Error, u"ファイルを読めません。", "The file can't be opened for reading.",
+     "Check the file's permissions, and that no other program holds it locked."},
+    {"folder.unreadable", Severity::Error, u"フォルダを読めません。", "The folder can't be read.",
+     "Check the folder's permissions."},
+    {"folder.link-loop", Severity::Error, u"リンクが上のフォルダに戻っています。",
+     "A link leads back to a folder above it; the walk does not follow it.", "Nothing to do, unless the link is a mistake."},
+    {"file.broken-link", Severity::Error, u"リンク先がありません。", "A link leads to nothing.",
+     "Mend or remove the link."},
+
+    {"container.rf64", Severity::Warning, u"RF64形式のファイルです。", "The file is RF64, not RIFF.",
+     "RF64 holds recordings over 4 GiB; convert it to RIFF if it fits, or use a tool that reads RF64."},
+    {"riff.size-placeholder", Severity::Warning, u"RIFFのサイズが仮の値のままです（録音が終わっていない可能性があります）。",
+     "The RIFF size is a placeholder, as an unfinished recording leaves it.",
+     "Make a tidy copy with --tidy, which writes the sizes of what is there."},
+    {"riff.size-mismatch", Severity::Warning, u"RIFFのサイズがファイルの大きさと合いません。",
+     "The RIFF size runs past the end of the file.",
+     "The file was cut short; get it again, or make a tidy copy with --tidy."},
+    {"riff.trailing-bytes", Severity::Warning, u"RIFFチャンクの後ろに余分なデータがあります。",
+     "There are bytes after the RIFF chunk.",
+     "Some programs ignore them, some refuse the file; --chunks shows what they are."},
+    {"data.size-placeholder", Severity::Warning, u"データのサイズが仮の値のままです（録音が終わっていない可能性があります）。",
+     "The data size is a placeholder, as an unfinished recording leaves it.",
+     "Make a tidy copy with --tidy, which writes the size of the audio that is there."},
+    {"data.truncated", Severity::Warning, u"データがファイルの途中で切れています。",
+     "The audio is cut short: the data chunk runs past the end of the file.",
+     "Get the file again; --tidy makes a copy that declares the audio present."},
+    {"chunk.missing-pad", Severity::Warning, u"奇数サイズのチャンクにパディングのバイトがありません。",
+     "A chunk of odd size has no pad byte after it.",
+     "Strict readers lose their way after this chunk; export the file again."},
+    {"format.duplicate", Severity::Warning, u"フォーマット構造が2つ以上あります。",
+     "There is more than one format chunk.",
+     "Readers differ on which one counts; export the file again."},
+    {"format.block-align", Severity::Warning, u"ブロックサイズがフォーマットと合いません。",
+     "The block align contradicts the channels and sample size.",
+     "Readers that trust it play noise; export the file again."},
+    {"format.byte-rate", Severity::Warning, u"バイトレートがフォーマットと合いません。",
+     "The byte rate contradicts the sample rate and block align.",
+     "Durations shown by players will be wrong; export the file again."},
+    {"format.extensible-not-pcm", Severity::Warning, u"拡張フォーマットのサブフォーマットがPCMではありません。",
+     "The extensible format's sub-format is not PCM, though the check takes it for PCM.",
+     "The audio is not linear integer PCM (float, say); convert it if PCM is needed."},
+};
+
+void AppendFigure(std::u16string& text, std::string& message, const char16_t* label, const char* english,
+                  std::int64_t figure)
+{
+    const std::string digits = std::to_string(figure);
+    if (!text.empty())
+        text += u", ";
+    text += label;
+    text += u' ';
+    text.append(digits.begin(), digits.end());
+    message += message.empty() ? "" : ", ";
+    message += english;
+    message += ' ';
+    message += FormatCount(figure);
+}
+
+} // namespace
+
+const FindingKind* FindingKinds(std::size_t& count)
+{
+    count = std::size(kKinds);
+    return kKinds;
+}
+
+const FindingKind* FindFindingKind(std::string_view code)
+{
+    for (const FindingKind& kind : kKinds) {
+        if (code == kind.code)
+            return &kind;
+    }
+    return nullptr;
+}
+
+const char* SeverityName(Severity severity)
+{
+    return severity == Severity::Error ? "error" : "warning";
+}
+
+const char16_t* ReportLineText(std::string_view code)
+{
+    const FindingKind* kind = FindFindingKind(code);
+    return kind ? kind->text : u"";
+}
+
+// A warning reads as a line of the report: the text, and the figures in
+// brackets: "declared 0, actual 17,678, at offset 4" in English.
+Finding MakeFinding(const FindingKind& kind, std::optional<std::int64_t> offset, const std::string& chunk,
+                    std::optional<std::int64_t> declared, std::optional<std::int64_t> actual)
+{
+    Finding finding;
+    finding.kind = &kind;
+    finding.offset = offset;
+    finding.chunk = chunk;
+    finding.declared = declared;
+    finding.actual = actual;
+    std::u16string figures;
+    std::string english;
+    if (declared)
+        AppendFigure(figures, english, u"宣言", "declared", *declared);
+    if (actual)
+        AppendFigure(figures, english, u"実際", "actual", *actual);
+    if (offset)
+        AppendFigure(figures, english, u"位置", "at offset", *offset);
+    finding.text = WideString(kind.text);
+    finding.message = kind.message;
+    if (!figures.empty()) {
+        finding.text += WideString(u" [" + figures + u"]");
+        finding.message += " (" + english + ")";
+    }
+    return finding;
+}
