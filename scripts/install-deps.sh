@@ -20,8 +20,9 @@ packages=(
     # that goes with Debian's default clang (a clang of another version on
     # PATH gets its own runtime below).
     clang libclang-rt-dev
-    # Differential tests: sox writes and reads WAV files of its own.
-    sox
+    # Differential tests: sox and ffmpeg write and read WAV files of their
+    # own, the real-world files that the checker's warnings are tried on.
+    sox ffmpeg
     # The benchmarks measure time and peak memory with /usr/bin/time, and
     # set sondara-check beside mediainfo.
     time mediainfo

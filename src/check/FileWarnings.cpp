@@ -7,7 +7,11 @@
 
 namespace {
 
+// The sizes that writers put in a header before they know the length, and
+// leave there when they can't go back to it (writing to a pipe, a crash):
+// all ones, or the largest run of whole 4 KiB pages below 2 GiB.
 constexpr std::uint32_t kPlaceholderSize = 0xFFFFFFFF;
+constexpr std::uint32_t kPagedPlaceholderSize = 0x7FFFF000;
 constexpr std::uint16_t kTagPcm = 1;
 constexpr std::uint16_t kTagFloat = 3;
 constexpr std::uint16_t kTagAlaw = 6;
@@ -135,9 +139,11 @@ public:
                 // there runs to the end of the RIFF chunk when its size is
                 // known, else to the end of the file.
                 const std::int64_t present = end - (position + 8);
-                const bool placeholder =
-                    size == kPlaceholderSize || (size == 0 && present > 0 && !NextIsChunk(position + 8, end));
+                const bool placeholder = size == kPlaceholderSize || (size == kPagedPlaceholderSize && bodyEnd > fileSize) ||
+                                         (size == 0 && present > 0 && !NextIsChunk(position + 8, end));
                 if (placeholder) {
+                    if (first)
+                        dataPlaceholderEnd = bodyEnd;
                     Warn("data.size-placeholder", position, "data", size, present);
                     return;
                 }
@@ -171,6 +177,9 @@ public:
                position + 8 + U32(next + 4) <= end;
     }
 
+    // Where the data chunk ends by its placeholder size, when it has one.
+    std::int64_t dataPlaceholderEnd = -1;
+
 private:
     FileStream& stream;
     std::int64_t fileSize;
@@ -200,21 +209,25 @@ bool FindWarnings(const WideString& path, FileLayout& layout, std::vector<Findin
         return true;
 
     const std::uint32_t riffSize = U32(header + 4);
-    const std::int64_t actualSize = fileSize - 8;
-    const bool placeholder = riffSize == 0 || riffSize == kPlaceholderSize;
-    const std::int64_t riffEnd = placeholder ? fileSize : std::min<std::int64_t>(fileSize, 8 + std::int64_t{riffSize});
-    std::vector<Finding> riffWarnings;
-    if (placeholder) {
-        riffWarnings.push_back(MakeFinding(*FindFindingKind("riff.size-placeholder"), 4, "RIFF", riffSize, actualSize));
-    } else if (8 + std::int64_t{riffSize} > fileSize) {
-        riffWarnings.push_back(MakeFinding(*FindFindingKind("riff.size-mismatch"), 4, "RIFF", riffSize, actualSize));
-    } else if (8 + std::int64_t{riffSize} < fileSize && !(riffSize % 2 == 1 && 9 + std::int64_t{riffSize} == fileSize)) {
-        // An odd RIFF chunk's pad byte behind it is no stray byte.
-        const std::int64_t behind = 8 + std::int64_t{riffSize} + riffSize % 2;
-        riffWarnings.push_back(MakeFinding(*FindFindingKind("riff.trailing-bytes"), behind, "RIFF", riffSize, actualSize));
-    }
-    warnings.insert(warnings.end(), riffWarnings.begin(), riffWarnings.end());
+    const std::int64_t declaredEnd = 8 + std::int64_t{riffSize};
+    const bool allOnesOrZero = riffSize == 0 || riffSize == kPlaceholderSize;
+    const std::int64_t riffEnd = allOnesOrZero ? fileSize : std::min(fileSize, declaredEnd);
+    std::vector<Finding> chunkWarnings;
+    Scan chunks(stream, fileSize, chunkWarnings);
     if (std::memcmp(header + 8, "WAVE", 4) == 0)
-        scan.WalkChunks(12, riffEnd, layout);
+        chunks.WalkChunks(12, riffEnd, layout);
+
+    // A RIFF size that ends where a placeholder data size ends is one too.
+    const bool placeholder = allOnesOrZero || (chunks.dataPlaceholderEnd >= 0 && declaredEnd == chunks.dataPlaceholderEnd);
+    const std::int64_t actualSize = fileSize - 8;
+    if (placeholder) {
+        scan.Warn("riff.size-placeholder", 4, "RIFF", riffSize, actualSize);
+    } else if (declaredEnd > fileSize) {
+        scan.Warn("riff.size-mismatch", 4, "RIFF", riffSize, actualSize);
+    } else if (declaredEnd < fileSize && !(riffSize % 2 == 1 && declaredEnd + 1 == fileSize)) {
+        // An odd RIFF chunk's pad byte behind it is no stray byte.
+        scan.Warn("riff.trailing-bytes", declaredEnd + riffSize % 2, "RIFF", riffSize, actualSize);
+    }
+    warnings.insert(warnings.end(), chunkWarnings.begin(), chunkWarnings.end());
     return true;
 }

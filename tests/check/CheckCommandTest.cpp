@@ -144,3 +144,66 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
     }
 }
 #endif
+
+#ifdef SONDARA_CHECK_PROGRAM
+// A folder given as FILE: every .wav file below it in the order of the
+// names, whatever the number of checks at once; a link back up and a link
+// to nothing said in their places; warnings count for the status only with
+// --strict; --jsonl and --csv as scripts and spreadsheets read them.
+TEST(CheckCommandProgram, FoldersInOrderWithLoopsBrokenLinksAndTheirFormats)
+{
+    TempDir dir;
+    for (const char* folder : {"deliveries", "deliveries/a", "deliveries/many"})
+        dir.MakeDir(folder);
+    dir.Write("deliveries/b.WAV", SoundWave());
+    dir.Write("deliveries/a/z.wav", SoundWave());
+    dir.Write("deliveries/a/notes.txt", "not a wave file");
+    dir.Write("deliveries/c.wav", Riff(RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes() +
+                                       RiffBytes().Chunk("data", std::string(16, '\0')).Bytes()) + "ab");
+    for (int i = 0; i < 30; ++i)
+        dir.Write("deliveries/many/" + std::to_string(100 + i) + ".wav", i % 7 == 3 ? "not riff" : SoundWave());
+    ASSERT_EQ(symlink("..", (dir.Native() + "/deliveries/a/up").c_str()), 0);
+    ASSERT_EQ(symlink("gone.wav", (dir.Native() + "/deliveries/d.wav").c_str()), 0);
+
+    // The order of the walk, with one check at a time.
+    const Outcome serial = RunChecker(dir, {"--jsonl", "-j", "1", "deliveries"});
+    std::vector<std::string> order;
+    for (std::size_t at = serial.out.find("\"path\": \""); at != std::string::npos;
+         at = serial.out.find("\"path\": \"", at + 1)) {
+        const std::size_t start = at + 9;
+        order.push_back(serial.out.substr(start, serial.out.find('"', start) - start));
+    }
+    ASSERT_EQ(order.size(), 35u);
+    EXPECT_EQ(order[0], "deliveries/a/up");
+    EXPECT_EQ(order[1], "deliveries/a/z.wav");
+    EXPECT_EQ(order[2], "deliveries/b.WAV");
+    EXPECT_EQ(order[3], "deliveries/c.wav");
+    EXPECT_EQ(order[4], "deliveries/d.wav");
+    EXPECT_EQ(order[5], "deliveries/many/100.wav");
+    EXPECT_NE(serial.out.find("{\"type\": \"unreadable\", \"path\": \"deliveries/a/up\", \"findings\": [{\"code\": \"folder.link-loop\""), std::string::npos);
+    EXPECT_NE(serial.out.find("\"path\": \"deliveries/d.wav\", \"findings\": [{\"code\": \"file.broken-link\""), std::string::npos);
+    EXPECT_NE(serial.out.find("\"code\": \"riff.trailing-bytes\""), std::string::npos);
+    EXPECT_TRUE(serial.out.ends_with(
+        "{\"type\": \"summary\", \"files\": 35, \"sound\": 28, \"withFindings\": 4, \"withWarnings\": 1, \"unreadable\": 2}\n"));
+    EXPECT_EQ(serial.status, 1);
+
+    // Many checks at once print the very same.
+    const Outcome parallel = RunChecker(dir, {"--jsonl", "-j7", "deliveries"});
+    EXPECT_EQ(parallel.out, serial.out);
+
+    // Warnings alone: exit 0, or 1 with --strict.
+    EXPECT_EQ(RunChecker(dir, {"deliveries/c.wav"}).status, 0);
+    EXPECT_EQ(RunChecker(dir, {"--strict", "deliveries/c.wav"}).status, 1);
+    const Outcome text = RunChecker(dir, {"deliveries/c.wav"});
+    EXPECT_EQ(text.out, "チェック完了しました。\n注意：RIFFチャンクの後ろに余分なデータがあります。 [宣言 52, 実際 54, 位置 60]\n");
+
+    // CSV: a byte order mark, a header, a row a finding, a row for a sound file.
+    const Outcome csv = RunChecker(dir, {"--csv", "deliveries/b.WAV", "deliveries/c.wav"});
+    EXPECT_EQ(csv.out,
+              "\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\",\"message\",\"text\"\r\n"
+              "\"deliveries/b.WAV\",\"ok\",\"file.sound\",,\"\",,,,\"The file is sound.\",\"チェック完了しました。\"\r\n"
+              "\"deliveries/c.wav\",\"warning\",\"riff.trailing-bytes\",60,\"RIFF\",,52,54,"
+              "\"There are bytes after the RIFF chunk. (declared 52, actual 54, at offset 60)\","
+              "\"RIFFチャンクの後ろに余分なデータがあります。 [宣言 52, 実際 54, 位置 60]\"\r\n");
+}
+#endif
