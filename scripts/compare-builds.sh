@@ -193,4 +193,34 @@ for option in "" --chunks --levels; do
         status=1
     fi
 done
+
+# compare_walk LABEL NATIVE-ARGUMENTS -- WINDOWS-ARGUMENTS: the JSON Lines of
+# a run that found its files itself must be the same from both builds.
+compare_walk()
+{
+    local label="$1" native_status=0 windows_status=0 native_arguments=() windows_arguments=()
+    shift
+    while [[ $1 != -- ]]; do native_arguments+=("$1"); shift; done
+    shift
+    windows_arguments=("$@")
+    "${native_run[@]}" --jsonl "${native_arguments[@]}" >"$work/walk-native.jsonl" || native_status=$?
+    "${windows_run[@]}" --jsonl "${windows_arguments[@]}" >"$work/walk-windows.jsonl" || windows_status=$?
+    if ((native_status > 1 || windows_status > 1 || native_status != windows_status)); then
+        echo "compare-builds: $label: exit $native_status natively, $windows_status under Wine" >&2
+        return 1
+    fi
+    if ! grep -q '"type": "file"' "$work/walk-native.jsonl" || ! cmp -s "$work/walk-native.jsonl" "$work/walk-windows.jsonl"; then
+        echo "compare-builds: $label: the Windows build's JSON Lines differ from the native ones:" >&2
+        diff "$work/walk-native.jsonl" "$work/walk-windows.jsonl" | head -20 >&2
+        return 1
+    fi
+    echo "compare-builds: $label, the same JSON Lines from both builds ($(grep -c '"type": "file"' "$work/walk-native.jsonl") files)"
+}
+
+# Folders walked by each build; a folder written with "/" is continued with
+# "/" on Windows too, so the paths are the same strings.
+compare_walk "folders walked" -j 2 ./samples "./$work/files" -- -j 2 ./samples "./$work/files" || status=1
+# The shell expands *.wav for the native build; the Windows build gets the
+# pattern itself, as cmd hands it over, and expands it.
+compare_walk "*.wav expanded" samples/*.wav -- "samples/*.wav" || status=1
 exit "$status"
