@@ -195,7 +195,8 @@ for option in "" --chunks --levels; do
 done
 
 # compare_walk LABEL NATIVE-ARGUMENTS -- WINDOWS-ARGUMENTS: the JSON Lines of
-# a run that found its files itself must be the same from both builds.
+# a run that found its files itself must be the same from both builds. Both
+# read $work/list.txt as standard input.
 compare_walk()
 {
     local label="$1" native_status=0 windows_status=0 native_arguments=() windows_arguments=()
@@ -203,8 +204,8 @@ compare_walk()
     while [[ $1 != -- ]]; do native_arguments+=("$1"); shift; done
     shift
     windows_arguments=("$@")
-    "${native_run[@]}" --jsonl "${native_arguments[@]}" >"$work/walk-native.jsonl" || native_status=$?
-    "${windows_run[@]}" --jsonl "${windows_arguments[@]}" >"$work/walk-windows.jsonl" || windows_status=$?
+    "${native_run[@]}" --jsonl "${native_arguments[@]}" <"$work/list.txt" >"$work/walk-native.jsonl" || native_status=$?
+    "${windows_run[@]}" --jsonl "${windows_arguments[@]}" <"$work/list.txt" >"$work/walk-windows.jsonl" || windows_status=$?
     if ((native_status > 1 || windows_status > 1 || native_status != windows_status)); then
         echo "compare-builds: $label: exit $native_status natively, $windows_status under Wine" >&2
         return 1
@@ -217,6 +218,9 @@ compare_walk()
     echo "compare-builds: $label, the same JSON Lines from both builds ($(grep -c '"type": "file"' "$work/walk-native.jsonl") files)"
 }
 
+# Paths on standard input, one a line, with either line end.
+printf '%s\r\n' samples/*.wav "$work"/files/*.wav >"$work/list.txt"
+compare_walk "paths from standard input" - -- - || status=1
 # Folders walked by each build; a folder written with "/" is continued with
 # "/" on Windows too, so the paths are the same strings.
 compare_walk "folders walked" -j 2 ./samples "./$work/files" -- -j 2 ./samples "./$work/files" || status=1

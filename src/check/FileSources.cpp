@@ -80,6 +80,33 @@ private:
     std::vector<platform::FolderIdentity> above;
 };
 
+// Calls line with each line of standard input, without its line end
+// (LF or CR LF).
+template <typename LineUse>
+void ForEachInputLine(LineUse line)
+{
+    std::string pending;
+    char buffer[65536];
+    for (;;) {
+        const std::int64_t got = platform::ReadFromStandardInput(buffer, sizeof buffer);
+        if (got > 0)
+            pending.append(buffer, static_cast<std::size_t>(got));
+        std::size_t start = 0;
+        for (std::size_t end; (end = pending.find('\n', start)) != std::string::npos; start = end + 1) {
+            std::string_view text(pending.data() + start, end - start);
+            if (!text.empty() && text.back() == '\r')
+                text.remove_suffix(1);
+            line(platform::StandardInputToWide(text));
+        }
+        pending.erase(0, start);
+        if (got <= 0) {
+            if (!pending.empty())
+                line(platform::StandardInputToWide(pending));
+            return;
+        }
+    }
+}
+
 // The separator a path is written with: the last one in it, else the
 // system's.
 char16_t SeparatorOf(std::u16string_view path)
@@ -105,11 +132,10 @@ void ExpandSources(const std::vector<WideString>& arguments, std::vector<SourceP
     for (const WideString& argument : arguments) {
         const std::u16string text(argument.View());
         if (text == u"-") {
-            std::u16string line;
-            while (platform::ReadStandardInputLine(line)) {
+            ForEachInputLine([&](const std::u16string& line) {
                 if (!line.empty())
                     AddPath(line, paths);
-            }
+            });
             continue;
         }
         std::vector<std::u16string> matches;

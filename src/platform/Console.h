@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,9 +14,12 @@ extern const char* const kLineEnd;
 
 void WriteToStandardOutput(std::string_view bytes);
 void WriteToStandardError(std::string_view bytes);
-// The next line of standard input, without its line end, as text of the
-// system's paths; false at the end of the input.
-bool ReadStandardInputLine(std::u16string& line);
+// One read of standard input: the bytes that came, 0 at its end, -1 on
+// failure.
+std::int64_t ReadFromStandardInput(void* destination, std::uint32_t count);
+// Bytes of standard input as text, in the character set that programs
+// which list paths write there.
+std::u16string StandardInputToWide(std::string_view bytes);
 // True when standard error is a terminal that a person watches, rather than
 // a pipe or a file.
 bool IsStandardErrorTerminal();

@@ -36,32 +36,20 @@ void WriteToStandardError(std::string_view bytes)
     WriteAll(STDERR_FILENO, bytes);
 }
 
-// Lines are bytes in the locale's character set, as the arguments are.
-bool ReadStandardInputLine(std::u16string& line)
+std::int64_t ReadFromStandardInput(void* destination, std::uint32_t count)
 {
-    static std::string pending;
-    static bool ended = false;
     for (;;) {
-        const std::size_t end = pending.find('\n');
-        if (end != std::string::npos || (ended && !pending.empty())) {
-            std::string bytes = pending.substr(0, end);
-            pending.erase(0, end == std::string::npos ? pending.size() : end + 1);
-            if (!bytes.empty() && bytes.back() == '\r')
-                bytes.pop_back();
-            line = ThreadBytesToWide(bytes.data(), bytes.size());
-            return true;
-        }
-        if (ended)
-            return false;
-        char buffer[65536];
-        const ssize_t count = read(STDIN_FILENO, buffer, sizeof buffer);
-        if (count < 0 && errno == EINTR)
+        const ssize_t got = read(STDIN_FILENO, destination, count);
+        if (got < 0 && errno == EINTR)
             continue;
-        if (count <= 0)
-            ended = true;
-        else
-            pending.append(buffer, static_cast<std::size_t>(count));
+        return got;
     }
+}
+
+// The locale's character set, as the arguments are read.
+std::u16string StandardInputToWide(std::string_view bytes)
+{
+    return ThreadBytesToWide(bytes.data(), bytes.size());
 }
 
 bool IsStandardErrorTerminal()

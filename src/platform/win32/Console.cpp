@@ -33,39 +33,25 @@ void WriteToStandardError(std::string_view bytes)
     WriteAll(STD_ERROR_HANDLE, bytes);
 }
 
-// Lines that come through a pipe are read as UTF-8, which is what the
-// programs that list paths write; a console gives its own code page, which
-// ReadFile hands over as bytes of that page.
-bool ReadStandardInputLine(std::u16string& line)
+std::int64_t ReadFromStandardInput(void* destination, std::uint32_t count)
 {
-    static std::string pending;
-    static bool ended = false;
-    for (;;) {
-        const std::size_t end = pending.find('\n');
-        if (end != std::string::npos || (ended && !pending.empty())) {
-            std::string bytes = pending.substr(0, end);
-            pending.erase(0, end == std::string::npos ? pending.size() : end + 1);
-            if (!bytes.empty() && bytes.back() == '\r')
-                bytes.pop_back();
-            const UINT codePage = GetFileType(GetStdHandle(STD_INPUT_HANDLE)) == FILE_TYPE_CHAR ? GetConsoleCP() : CP_UTF8;
-            line.clear();
-            if (!bytes.empty()) {
-                const int length = MultiByteToWideChar(codePage, 0, bytes.data(), static_cast<int>(bytes.size()), nullptr, 0);
-                std::wstring wide(static_cast<std::size_t>(length), L'\0');
-                MultiByteToWideChar(codePage, 0, bytes.data(), static_cast<int>(bytes.size()), wide.data(), length);
-                line.assign(wide.begin(), wide.end());
-            }
-            return true;
-        }
-        if (ended)
-            return false;
-        char buffer[65536];
-        DWORD count = 0;
-        if (!ReadFile(GetStdHandle(STD_INPUT_HANDLE), buffer, sizeof buffer, &count, nullptr) || count == 0)
-            ended = true;
-        else
-            pending.append(buffer, count);
-    }
+    DWORD got = 0;
+    if (!ReadFile(GetStdHandle(STD_INPUT_HANDLE), destination, count, &got, nullptr))
+        return GetLastError() == ERROR_BROKEN_PIPE ? 0 : -1;
+    return got;
+}
+
+// A pipe brings UTF-8, which is what the programs that list paths write; a
+// console brings bytes of its own code page.
+std::u16string StandardInputToWide(std::string_view bytes)
+{
+    if (bytes.empty())
+        return {};
+    const UINT codePage = GetFileType(GetStdHandle(STD_INPUT_HANDLE)) == FILE_TYPE_CHAR ? GetConsoleCP() : CP_UTF8;
+    const int length = MultiByteToWideChar(codePage, 0, bytes.data(), static_cast<int>(bytes.size()), nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(length), L'\0');
+    MultiByteToWideChar(codePage, 0, bytes.data(), static_cast<int>(bytes.size()), wide.data(), length);
+    return std::u16string(wide.begin(), wide.end());
 }
 
 bool IsStandardErrorTerminal()
