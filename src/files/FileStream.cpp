@@ -20,8 +20,11 @@ FileStream::~FileStream()
     Close();
 }
 
+// Each open closes what the stream had open before, so that a second open
+// neither leaks the first handle nor reads the first file.
 bool FileStream::OpenPlain(const WideString& newPath, std::uint32_t flags)
 {
+    Close();
     handle = platform::OpenFileForReading(newPath.View(), flags);
     if (!handle)
         return false;
@@ -34,6 +37,7 @@ bool FileStream::OpenPlain(const WideString& newPath, std::uint32_t flags)
 
 bool FileStream::CreateNew(const WideString& newPath, bool aligned)
 {
+    Close();
     handle = platform::OpenFileForWriting(newPath.View(),
                                           platform::kFileAttributeNormal | (aligned ? platform::kFileFlagNoBuffering : 0),
                                           true);

@@ -22,6 +22,7 @@ FileStream::TransferBuffer::~TransferBuffer()
 
 bool FileStream::OpenAligned(const WideString& newPath, std::uint32_t flags)
 {
+    Close();
     handle = platform::OpenFileForReading(newPath.View(), flags | platform::kFileFlagNoBuffering);
     if (!handle)
         return false;
@@ -155,9 +156,12 @@ std::uint32_t FileStream::WriteAligned(const std::uint8_t* source, std::uint32_t
 }
 
 // The logical position moves; the system's pointer goes to the start of
-// its sector.
+// its sector. A place before the start of the file is refused, and the
+// position stays where it was.
 bool FileStream::SeekAligned(std::int64_t target)
 {
+    if (target < 0)
+        return false;
     position = target;
     return MoveSystemPointer(target - target % sectorSize);
 }

@@ -48,6 +48,28 @@ TEST(FileStream, OpenCloseAndReopen)
     char bytes[8] = {};
     EXPECT_EQ(stream.Read(bytes, 8), 5u);
     EXPECT_EQ(std::string(bytes, 5), "hello");
+
+    // Opening again without Close reads the new file from its start, in
+    // every mode and from every mode.
+    const WideString other = dir.Write("b", "world!");
+    for (int from = 0; from < 3; ++from) {
+        for (int to = 0; to < 3; ++to) {
+            SCOPED_TRACE(testing::Message() << from << " -> " << to);
+            const auto open = [&](int mode, const WideString& file) {
+                const bool opened = mode == 1 ? stream.OpenAligned(file, platform::kFileAttributeNormal)
+                                              : stream.OpenPlain(file, platform::kFileAttributeNormal);
+                return opened && (mode != 2 || stream.EnableReadAhead(64));
+            };
+            ASSERT_TRUE(open(from, path));
+            EXPECT_EQ(stream.Read(bytes, 2), 2u);
+            ASSERT_TRUE(open(to, other));
+            EXPECT_EQ(stream.GetPath(), other);
+            EXPECT_EQ(stream.Tell(), 0);
+            EXPECT_EQ(stream.GetSize(), 6);
+            EXPECT_EQ(stream.Read(bytes, 8), 6u);
+            EXPECT_EQ(std::string(bytes, 6), "world!");
+        }
+    }
 }
 
 // Read-ahead and aligned mode must not change any result of plain mode:
@@ -82,14 +104,18 @@ TEST(FileStream, ReadAheadAndAlignedModeGivePlainResults)
         {'s', 100, B},   {'r', 4, B},      {'s', 510, B},    {'r', 4, B},     {'s', 7, B},
         {'r', 1200000, B}, {'s', 1299990, B}, {'r', 20, B},  {'r', 4, B},     {'s', 0, E},
         {'r', 4, B},
+        // Before the start: refused in every mode, the position kept.
+        {'s', 100, B},   {'s', -1, B},     {'r', 4, B},      {'s', -200, C},  {'r', 4, B},
+        {'s', -1300001, E}, {'r', 4, B},
     };
     for (const Step& step : steps) {
         SCOPED_TRACE(testing::Message() << step.kind << " " << step.amount << " " << static_cast<int>(step.origin));
         if (step.kind == 's') {
             const bool moved = plain.Seek(step.amount, step.origin);
             EXPECT_EQ(buffered.Seek(step.amount, step.origin), moved);
-            // Aligned mode counts back from the end; its only use is at 0.
-            EXPECT_EQ(step.origin == E ? aligned.SeekTo(plain.Tell()) : aligned.Seek(step.amount, step.origin), moved);
+            // Aligned mode counts back from the end (the only use is at 0):
+            // -offset there is what +offset is in plain mode.
+            EXPECT_EQ(aligned.Seek(step.origin == E ? -step.amount : step.amount, step.origin), moved);
         } else {
             std::string a(static_cast<std::size_t>(step.amount), 'x'), b = a, c = a;
             std::uint32_t gotA = plain.Read(a.data(), static_cast<std::uint32_t>(step.amount));
