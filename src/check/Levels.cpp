@@ -2,6 +2,7 @@
 
 #include "check/TextFormat.h"
 #include "check/FileFacts.h"
+#include "files/FileStream.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
 #include "wave/WaveDocument.h"
@@ -9,13 +10,25 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 
 namespace {
 
-constexpr char kOnlyPcm[] = ": levels are measured for 8, 16 and 24-bit PCM only";
+constexpr char kOnlyPcm[] = ": levels are measured for PCM (8, 16, 24 and 32-bit) and float (32 and 64-bit) only";
+constexpr std::uint16_t kTagPcm = 1;
+constexpr std::uint16_t kTagFloat = 3;
+constexpr std::uint16_t kTagExtensible = 0xFFFE;
+// An extensible format's sub-format GUID: a format tag, then these bytes.
+constexpr std::uint8_t kSubFormatTail[14] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
+                                             0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+// Audio is read in pieces of about this many bytes, whole frames each.
+constexpr std::uint32_t kReadBytes = 4 * 1024 * 1024;
 
-// Sums of one channel, exact: the squares in 128 bits, as two halves.
+enum class SampleKind { Unsigned8, Signed16, Signed24, Signed32, Float32, Float64 };
+
+// Sums of one channel. Integers of up to 24 bits are summed exactly, the
+// squares in 128 bits as two halves; 32-bit integers and floats in doubles.
 struct ChannelSums {
     std::int64_t sum = 0;
     std::uint64_t squaresLow = 0;
@@ -23,11 +36,15 @@ struct ChannelSums {
     std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
     std::int32_t highest = std::numeric_limits<std::int32_t>::min();
     std::uint64_t fullScale = 0;
+    double squares = 0;
+    double sumOfFloats = 0;
+    double peak = 0;
+    std::uint64_t overFullScale = 0;
 
-    void AddSquares(std::uint64_t squares)
+    void AddSquares(std::uint64_t runSquares)
     {
-        squaresLow += squares;
-        squaresHigh += squaresLow < squares;
+        squaresLow += runSquares;
+        squaresHigh += squaresLow < runSquares;
     }
 };
 
@@ -40,8 +57,19 @@ std::int32_t SampleAt(const std::uint8_t* bytes)
         return static_cast<std::int32_t>(bytes[0]) - 128;
     else if constexpr (Bytes == 2)
         return static_cast<std::int16_t>(bytes[0] | bytes[1] << 8);
-    else
+    else if constexpr (Bytes == 3)
         return static_cast<std::int32_t>(static_cast<std::uint32_t>(bytes[0] << 8 | bytes[1] << 16 | bytes[2] << 24)) >> 8;
+    else
+        return static_cast<std::int32_t>(bytes[0] | bytes[1] << 8 | bytes[2] << 16 |
+                                         static_cast<std::uint32_t>(bytes[3]) << 24);
+}
+
+template <typename Float>
+Float FloatAt(const std::uint8_t* bytes)
+{
+    Float value;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
 }
 
 // Adds one channel of frames to its sums. The squares of a run of 65536
@@ -75,11 +103,75 @@ void AddChannel(const std::uint8_t* data, std::uint32_t frames, std::uint32_t st
     sums.fullScale += fullScale;
 }
 
-template <int Bytes>
-void AddFrames(const std::uint8_t* data, std::uint32_t frames, std::uint32_t stride, std::vector<ChannelSums>& sums)
+// 32-bit integers: the sum exactly, the squares in doubles, a run at a time.
+void AddChannel32(const std::uint8_t* data, std::uint32_t frames, std::uint32_t stride, ChannelSums& sums)
 {
-    for (std::size_t c = 0; c < sums.size(); ++c)
-        AddChannel<Bytes>(data + c * Bytes, frames, stride, sums[c]);
+    constexpr std::uint32_t kRun = 4096;
+    std::int64_t sum = 0;
+    std::int32_t lowest = sums.lowest, highest = sums.highest;
+    std::uint64_t fullScale = 0;
+    for (std::uint32_t start = 0; start < frames; start += kRun) {
+        const std::uint32_t end = std::min(frames, start + kRun);
+        double squares = 0;
+        for (std::uint32_t frame = start; frame < end; ++frame) {
+            const std::int32_t v = SampleAt<4>(data + std::size_t{frame} * stride);
+            sum += v;
+            squares += static_cast<double>(v) * v;
+            lowest = std::min(lowest, v);
+            highest = std::max(highest, v);
+            fullScale += (v == std::numeric_limits<std::int32_t>::max()) | (v == std::numeric_limits<std::int32_t>::min());
+        }
+        sums.squares += squares;
+    }
+    sums.sum += sum;
+    sums.lowest = lowest;
+    sums.highest = highest;
+    sums.fullScale += fullScale;
+}
+
+// Floats: full scale is 1.0; a sample at or beyond it counts as at full
+// scale, one beyond it as over full scale too.
+template <typename Float>
+void AddChannelFloat(const std::uint8_t* data, std::uint32_t frames, std::uint32_t stride, ChannelSums& sums)
+{
+    constexpr std::uint32_t kRun = 4096;
+    double sum = 0, peak = sums.peak;
+    std::uint64_t fullScale = 0, over = 0;
+    for (std::uint32_t start = 0; start < frames; start += kRun) {
+        const std::uint32_t end = std::min(frames, start + kRun);
+        double squares = 0, runSum = 0;
+        for (std::uint32_t frame = start; frame < end; ++frame) {
+            const double v = FloatAt<Float>(data + std::size_t{frame} * stride);
+            const double magnitude = std::fabs(v);
+            runSum += v;
+            squares += v * v;
+            peak = std::max(peak, magnitude);
+            fullScale += magnitude >= 1.0;
+            over += magnitude > 1.0;
+        }
+        sums.squares += squares;
+        sum += runSum;
+    }
+    sums.sumOfFloats += sum;
+    sums.peak = peak;
+    sums.fullScale += fullScale;
+    sums.overFullScale += over;
+}
+
+void AddFrames(SampleKind kind, std::uint32_t bytesPerSample, const std::uint8_t* data, std::uint32_t frames,
+               std::uint32_t stride, std::vector<ChannelSums>& sums)
+{
+    for (std::size_t c = 0; c < sums.size(); ++c) {
+        const std::uint8_t* channel = data + c * bytesPerSample;
+        switch (kind) {
+        case SampleKind::Unsigned8: AddChannel<1>(channel, frames, stride, sums[c]); break;
+        case SampleKind::Signed16: AddChannel<2>(channel, frames, stride, sums[c]); break;
+        case SampleKind::Signed24: AddChannel<3>(channel, frames, stride, sums[c]); break;
+        case SampleKind::Signed32: AddChannel32(channel, frames, stride, sums[c]); break;
+        case SampleKind::Float32: AddChannelFloat<float>(channel, frames, stride, sums[c]); break;
+        case SampleKind::Float64: AddChannelFloat<double>(channel, frames, stride, sums[c]); break;
+        }
+    }
 }
 
 bool Refuse(std::string& problem, const std::string& why)
@@ -92,6 +184,41 @@ std::string Decibels(double fraction, const char* silent)
 {
     const double db = ToDecibels(fraction);
     return std::isinf(db) ? silent : FormatFixed(db, 2);
+}
+
+// The sample format of a format chunk: its tag, or an extensible format's
+// sub-format, with the container's bits. False with the reason in problem
+// for anything else.
+bool SampleKindOf(WaveDocument& document, const FormatChunk& formatChunk, SampleKind& kind, std::string& problem)
+{
+    const WaveFormat format = formatChunk.GetFormat();
+    std::uint16_t tag = format.formatTag;
+    if (tag == kTagExtensible) {
+        std::uint8_t body[40] = {};
+        StreamGuard guard;
+        FileStream& stream = document.AcquireStream(guard);
+        const bool read = formatChunk.GetSize() >= 40 && stream.SeekTo(formatChunk.GetPosition() + 8) &&
+                          stream.Read(body, 40) == 40;
+        if (!read || std::memcmp(body + 26, kSubFormatTail, sizeof kSubFormatTail) != 0)
+            return Refuse(problem, "an extensible format without a known sub-format" + std::string(kOnlyPcm));
+        tag = static_cast<std::uint16_t>(body[24] | body[25] << 8);
+    }
+    const std::uint16_t bits = format.bitsPerSample;
+    if (tag == kTagPcm && (bits == 8 || bits == 16 || bits == 24 || bits == 32)) {
+        kind = bits == 8 ? SampleKind::Unsigned8 : bits == 16 ? SampleKind::Signed16
+             : bits == 24 ? SampleKind::Signed24 : SampleKind::Signed32;
+        return true;
+    }
+    if (tag == kTagFloat && (bits == 32 || bits == 64)) {
+        kind = bits == 32 ? SampleKind::Float32 : SampleKind::Float64;
+        return true;
+    }
+    char detail[96];
+    if (tag == kTagPcm || tag == kTagFloat)
+        std::snprintf(detail, sizeof detail, "%u-bit %s samples", static_cast<unsigned>(bits), tag == kTagPcm ? "PCM" : "float");
+    else
+        std::snprintf(detail, sizeof detail, "format tag 0x%04X is not PCM", static_cast<unsigned>(tag));
+    return Refuse(problem, detail + std::string(kOnlyPcm));
 }
 
 } // namespace
@@ -107,7 +234,6 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     if (!IsExistingFile(path))
         return Refuse(problem, "no such file");
     WaveDocument document;
-    document.SetAlignedIo(true);
     document.SetTreeForm(TreeForm::SlotsOnly);
     document.Open(path);
     if (document.GetContainerKind() != kContainerRiff)
@@ -116,16 +242,12 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     if (!formatChunk)
         return Refuse(problem, "no format chunk");
     const WaveFormat format = formatChunk->GetFormat();
-    char detail[96];
-    if (!formatChunk->IsPcm()) {
-        std::snprintf(detail, sizeof detail, "format tag 0x%04X is not PCM", static_cast<unsigned>(format.formatTag));
-        return Refuse(problem, detail + std::string(kOnlyPcm));
-    }
-    if (format.bitsPerSample != 8 && format.bitsPerSample != 16 && format.bitsPerSample != 24)
-        return Refuse(problem, std::to_string(format.bitsPerSample) + "-bit samples" + kOnlyPcm);
+    SampleKind kind;
+    if (!SampleKindOf(document, *formatChunk, kind, problem))
+        return false;
     const std::uint32_t bytesPerSample = format.bitsPerSample / 8u;
-    if (format.channels < 1 || format.channels > FrameBlock::kMostChannels)
-        return Refuse(problem, std::to_string(format.channels) + " channels: levels are measured for 1 to 8 channels");
+    if (format.channels < 1)
+        return Refuse(problem, "no channels");
     if (format.blockAlign < format.channels * bytesPerSample)
         return Refuse(problem, "a frame of " + std::to_string(format.blockAlign) + " bytes can't hold " +
                                    std::to_string(format.channels) + " samples of " +
@@ -134,22 +256,24 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     if (!dataChunk)
         return Refuse(problem, "no data chunk");
 
+    // The audio is read past the system's cache, in large pieces of whole
+    // frames, straight from the data chunk's body.
+    FileStream audio;
+    if (!audio.OpenAligned(path, platform::kFileAttributeNormal) || !audio.SeekTo(dataChunk->GetPosition() + 8))
+        return Refuse(problem, "the audio can't be read");
+    const std::uint32_t stride = format.blockAlign;
+    const std::uint32_t pieceFrames = std::max<std::uint32_t>(1, kReadBytes / stride);
+    std::vector<std::uint8_t> piece(std::size_t{pieceFrames} * stride);
     std::vector<ChannelSums> sums(format.channels);
-    FrameBlock block;
+    const std::int64_t frameCount = std::max<std::int64_t>(0, dataChunk->GetFrameCount());
     std::int64_t first = 0;
-    while (first < dataChunk->GetFrameCount()) {
-        const auto wanted = static_cast<std::int32_t>(
-            std::min<std::int64_t>(FrameBlock::kMostFrames, dataChunk->GetFrameCount() - first));
-        if (!dataChunk->ReadFrames(dataChunk->GetFrameStream(), block, first, wanted))
-            break;
-        const std::uint32_t frames = block.GetFrameCount();
-        switch (bytesPerSample) {
-        case 1: AddFrames<1>(block.Data(), frames, format.blockAlign, sums); break;
-        case 2: AddFrames<2>(block.Data(), frames, format.blockAlign, sums); break;
-        default: AddFrames<3>(block.Data(), frames, format.blockAlign, sums); break;
-        }
+    while (first < frameCount) {
+        const auto wanted = static_cast<std::uint32_t>(std::min<std::int64_t>(pieceFrames, frameCount - first));
+        const std::uint32_t got = audio.Read(piece.data(), wanted * stride);
+        const std::uint32_t frames = got / stride;
+        AddFrames(kind, bytesPerSample, piece.data(), frames, stride, sums);
         first += frames;
-        if (frames < static_cast<std::uint32_t>(wanted))
+        if (frames < wanted)
             break;
     }
     if (first == 0)
@@ -158,14 +282,24 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     report.frames = first;
     report.sampleRate = format.samplesPerSec;
     report.bits = format.bitsPerSample;
-    const double fullScale = std::ldexp(1.0, format.bitsPerSample - 1);
+    report.isFloat = kind == SampleKind::Float32 || kind == SampleKind::Float64;
     const auto count = static_cast<double>(first);
     for (const ChannelSums& s : sums) {
         ChannelLevels levels;
-        levels.peak = std::max(-static_cast<double>(s.lowest), static_cast<double>(s.highest)) / fullScale;
-        const double squares = std::ldexp(static_cast<double>(s.squaresHigh), 64) + static_cast<double>(s.squaresLow);
-        levels.rms = std::sqrt(squares / count) / fullScale;
-        levels.dcOffset = static_cast<double>(s.sum) / count / fullScale;
+        if (report.isFloat) {
+            levels.peak = s.peak;
+            levels.rms = std::sqrt(s.squares / count);
+            levels.dcOffset = s.sumOfFloats / count;
+            levels.overFullScale = s.overFullScale;
+        } else {
+            const double fullScale = std::ldexp(1.0, format.bitsPerSample - 1);
+            const double squares = kind == SampleKind::Signed32
+                                       ? s.squares
+                                       : std::ldexp(static_cast<double>(s.squaresHigh), 64) + static_cast<double>(s.squaresLow);
+            levels.peak = std::max(-static_cast<double>(s.lowest), static_cast<double>(s.highest)) / fullScale;
+            levels.rms = std::sqrt(squares / count) / fullScale;
+            levels.dcOffset = static_cast<double>(s.sum) / count / fullScale;
+        }
         levels.fullScale = s.fullScale;
         report.channels.push_back(levels);
     }
@@ -188,12 +322,15 @@ std::string FormatLevelsText(const LevelReport& report)
         std::snprintf(duration, sizeof duration, "%d:%02d.%03d", static_cast<int>(millis / 60000),
                       static_cast<int>(millis / 1000 % 60), static_cast<int>(millis % 1000));
     std::string text = "duration " + std::string(duration) + " (" + FormatCount(report.frames) + " frames at " +
-                       FormatCount(report.sampleRate) + " Hz, " + std::to_string(report.bits) + "-bit)\n";
+                       FormatCount(report.sampleRate) + " Hz, " + std::to_string(report.bits) + "-bit" +
+                       (report.isFloat ? " float" : "") + ")\n";
     for (std::size_t c = 0; c < report.channels.size(); ++c) {
         const ChannelLevels& levels = report.channels[c];
         text += "channel " + std::to_string(c + 1) + ": peak " + Decibels(levels.peak, "-inf") + " dBFS, RMS " +
                 Decibels(levels.rms, "-inf") + " dBFS, DC offset " + FormatFixed(levels.dcOffset, 6) + ", " +
-                FormatCount(static_cast<std::int64_t>(levels.fullScale)) + " samples at full scale\n";
+                FormatCount(static_cast<std::int64_t>(levels.fullScale)) + " samples at full scale" +
+                (report.isFloat ? ", " + FormatCount(static_cast<std::int64_t>(levels.overFullScale)) + " over it" : "") +
+                "\n";
     }
     return text;
 }
@@ -208,7 +345,8 @@ std::string FormatLevelsJson(const LevelReport& report)
     };
     std::string json = "\"frames\": " + std::to_string(report.frames) +
                        ", \"sampleRate\": " + std::to_string(report.sampleRate) +
-                       ", \"bits\": " + std::to_string(report.bits) + ", \"seconds\": " +
+                       ", \"bits\": " + std::to_string(report.bits) + (report.isFloat ? ", \"float\": true" : "") +
+                       ", \"seconds\": " +
                        FormatFixed(report.sampleRate ? static_cast<double>(report.frames) / report.sampleRate : 0, 6) +
                        ", \"channels\": [";
     for (std::size_t c = 0; c < report.channels.size(); ++c) {
@@ -216,7 +354,8 @@ std::string FormatLevelsJson(const LevelReport& report)
         json += c ? ", " : "";
         json += "{\"peak\": " + decibels(levels.peak) + ", \"rms\": " + decibels(levels.rms) +
                 ", \"dcOffset\": " + FormatFixed(levels.dcOffset, 6) +
-                ", \"fullScale\": " + std::to_string(levels.fullScale) + "}";
+                ", \"fullScale\": " + std::to_string(levels.fullScale) +
+                (report.isFloat ? ", \"overFullScale\": " + std::to_string(levels.overFullScale) : "") + "}";
     }
     return json + "]";
 }

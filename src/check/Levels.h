@@ -11,20 +11,23 @@ struct ChannelLevels {
     double peak = 0;      // the largest magnitude
     double rms = 0;       // root mean square
     double dcOffset = 0;  // mean
-    std::uint64_t fullScale = 0; // samples at the highest or lowest code
+    std::uint64_t fullScale = 0; // samples at the highest or lowest code; for floats, at or beyond ±1.0
+    std::uint64_t overFullScale = 0; // floats only: samples beyond ±1.0
 };
 
 struct LevelReport {
     std::int64_t frames = 0; // frames measured: those present in the file
     std::uint32_t sampleRate = 0;
     std::uint16_t bits = 0;
+    bool isFloat = false;
     std::vector<ChannelLevels> channels;
 };
 
 // Reads every sample frame of the file's data chunk in aligned mode, past
-// the system's cache, and measures each channel. 8, 16 and 24-bit PCM of up
-// to 8 channels; anything else, or a file without audio, gives false and a
-// message for the user in problem.
+// the system's cache, and measures each channel: 8, 16, 24 and 32-bit PCM
+// and 32 and 64-bit float, plain or extensible, of any number of channels,
+// full scale at the highest code or at ±1.0. Anything else, or a file
+// without audio, gives false and a message for the user in problem.
 bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem);
 
 // Decibels relative to full scale, and the lines of a report: text ending

@@ -110,8 +110,9 @@ TEST(ChunkList, ShowsOnlyWhatTheWalkKeeps)
 }
 
 // Full scale is the highest and the lowest code; 8-bit samples are
-// unsigned around 128, 24-bit ones signed. What is not 8, 16 or 24-bit PCM
-// is refused with a word on why.
+// unsigned around 128, 24 and 32-bit ones signed; floats are at full scale
+// from 1.0 on. What is not PCM or float of those widths is refused with a
+// word on why.
 TEST(LevelsOf, EachSampleWidth)
 {
     TempDir dir;
@@ -128,9 +129,29 @@ TEST(LevelsOf, EachSampleWidth)
          "duration 0:00.000 (2 frames at 8,000 Hz, 24-bit)\n"
          "channel 1: peak 0.00 dBFS, RMS -2.04 dBFS, DC offset 0.750000, 1 samples at full scale\n"
          "channel 2: peak 0.00 dBFS, RMS -3.01 dBFS, DC offset -0.500000, 1 samples at full scale\n"},
-        {wave(3, 2, 32, std::string(8, '\0')), "format tag 0x0003 is not PCM: levels are measured for 8, 16 and 24-bit PCM only"},
-        {wave(1, 2, 32, std::string(8, '\0')), "32-bit samples: levels are measured for 8, 16 and 24-bit PCM only"},
-        {wave(1, 9, 16, std::string(18, '\0')), "9 channels: levels are measured for 1 to 8 channels"},
+        {wave(1, 1, 32, std::string("\xFF\xFF\xFF\x7F\x00\x00\x00\x80\x00\x00\x00\x40\x00\x00\x00\x00", 16)),
+         "duration 0:00.001 (4 frames at 8,000 Hz, 32-bit)\n"
+         "channel 1: peak 0.00 dBFS, RMS -2.50 dBFS, DC offset 0.125000, 2 samples at full scale\n"},
+        {wave(3, 1, 32, std::string("\x00\x00\xC0\x3F\x00\x00\x80\xBF\x00\x00\x00\x3F\x00\x00\x00\x00", 16)),
+         "duration 0:00.001 (4 frames at 8,000 Hz, 32-bit float)\n"
+         "channel 1: peak 3.52 dBFS, RMS -0.58 dBFS, DC offset 0.250000, 2 samples at full scale, 1 over it\n"},
+        {wave(3, 2, 16, std::string(8, '\0')),
+         "16-bit float samples: levels are measured for PCM (8, 16, 24 and 32-bit) and float (32 and 64-bit) only"},
+        {wave(6, 2, 8, std::string(8, '\0')),
+         "format tag 0x0006 is not PCM: levels are measured for PCM (8, 16, 24 and 32-bit) and float (32 and 64-bit) only"},
+        {wave(1, 2, 12, std::string(8, '\0')),
+         "12-bit PCM samples: levels are measured for PCM (8, 16, 24 and 32-bit) and float (32 and 64-bit) only"},
+        {wave(1, 9, 16, std::string(18, '\0')),
+         "duration 0:00.000 (1 frames at 8,000 Hz, 16-bit)\n" + std::string(
+         "channel 1: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
+         "channel 2: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
+         "channel 3: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
+         "channel 4: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
+         "channel 5: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
+         "channel 6: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
+         "channel 7: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
+         "channel 8: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
+         "channel 9: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n")},
         {Riff(kFormat), "no data chunk"},
         {Riff(kFormat + RiffBytes().Chunk("data", "").Bytes()), "no audio data"},
         {"not a wave", "not a RIFF file"},

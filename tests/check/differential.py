@@ -2,8 +2,9 @@
 """sondara-check against tools of its own kind, on the same files.
 
   differential.py levels SONDARA-CHECK WORK-FOLDER
-      Makes WAV files with sox (8, 16 and 24 bits, one and two channels,
-      tones, noise, a DC offset, clipping) and compares the peak and RMS
+      Makes WAV files with sox (8, 16, 24 and 32-bit PCM, 32 and 64-bit
+      float, plain and extensible, 1 to 8 channels, tones, noise, a DC
+      offset, clipping) and compares the peak and RMS
       of each channel from `sondara-check --json --levels` with
       `sox FILE -n stats`: they must agree within 0.01 dB, the DC offset
       within 0.0001.
@@ -61,13 +62,29 @@ def levels(checker, work):
         "dc-16-mono": ["-b", "16", "-c", "1", "synth", "1", "sine", "200", "gain", "-12", "dcshift", "0.25"],
         "clipped-16-stereo": ["-b", "16", "-c", "2", "synth", "0.5", "square", "100", "sine", "100", "gain", "3"],
         "quiet-24-mono": ["-b", "24", "-c", "1", "synth", "1", "sine", "1000", "gain", "-90"],
+        "tone-32-stereo": ["-b", "32", "-c", "2", "synth", "1", "sine", "440", "whitenoise", "gain", "-6"],
+        "float-32-mono": ["-b", "32", "-c", "1", "-e", "float", "synth", "1", "sine", "440", "gain", "-2"],
+        "float-64-stereo": ["-b", "64", "-c", "2", "-e", "float", "synth", "1", "pinknoise", "sine", "90", "gain", "-8"],
+        "dc-float-32-mono": ["-b", "32", "-c", "1", "-e", "float", "synth", "1", "sine", "200", "gain", "-12", "dcshift", "0.25"],
+        # More than two channels or more than 16 bits: sox writes an
+        # extensible format chunk.
+        "tone-16-six": ["-b", "16", "-c", "6", "synth", "1", "sine", "440", "sine", "550", "pinknoise", "gain", "-9"],
+        "tone-24-eight": ["-b", "24", "-c", "8", "synth", "0.5", "sine", "300", "whitenoise", "gain", "-4"],
+        "float-32-three": ["-b", "32", "-c", "3", "-e", "float", "synth", "0.5", "sine", "300", "gain", "-1"],
     }
     paths = []
     for name, arguments in cases.items():
         path = os.path.join(work, name + ".wav")
-        subprocess.run(["sox", "-V1", "-n", "-r", "44100"] + arguments[:4] + [path] + arguments[4:], check=True)
+        effects = arguments.index("synth")
+        subprocess.run(["sox", "-V1", "-n", "-r", "44100"] + arguments[:effects] + [path] + arguments[effects:],
+                       check=True)
         paths.append(path)
-    compared = 0
+    # ffmpeg writes float in an extensible format chunk, of any channels.
+    extensible = os.path.join(work, "float-32-three-extensible.wav")
+    subprocess.run(["ffmpeg", "-v", "error", "-y", "-i", os.path.join(work, "float-32-three.wav"),
+                    "-c:a", "pcm_f32le", extensible], check=True)
+    paths.append(extensible)
+    compared = over_full_scale(checker, work)
     for entry in run_json(checker, "--levels", paths):
         path = entry["path"]
         if "error" in entry:
@@ -81,6 +98,28 @@ def levels(checker, work):
                     sys.exit(f"{path}: channel {channel + 1}: {key} {ours} against sox's {theirs}")
                 compared += 1
     return compared
+
+
+def over_full_scale(checker, work):
+    """Float samples beyond 1.0, which sox clips when it writes: a file
+    written here, its figures worked out here."""
+    samples = [0.5, -1.5, 1.0, 2.0, -0.25, -1.0, 0.0, 1.25]
+    fmt = struct.pack("<HHIIHH", 3, 1, 8000, 32000, 4, 32)
+    data = struct.pack("<%df" % len(samples), *samples)
+    body = b"WAVE" + b"fmt " + struct.pack("<I", len(fmt)) + fmt + b"data" + struct.pack("<I", len(data)) + data
+    path = os.path.join(work, "over-full-scale.wav")
+    with open(path, "wb") as out:
+        out.write(b"RIFF" + struct.pack("<I", len(body)) + body)
+    entry = run_json(checker, "--levels", [path])[0]
+    channel = entry["channels"][0]
+    import math
+    expected = {"peak": round(20 * math.log10(2.0), 4),
+                "rms": round(10 * math.log10(sum(v * v for v in samples) / len(samples)), 4),
+                "dcOffset": round(sum(samples) / len(samples), 6), "fullScale": 5, "overFullScale": 3}
+    for key, value in expected.items():
+        if abs(channel[key] - value) > 1e-9:
+            sys.exit(f"{path}: {key} {channel[key]}, worked out {value}")
+    return len(expected)
 
 
 def walk(data, start, end, depth, out):
