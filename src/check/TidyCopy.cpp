@@ -11,7 +11,11 @@
 #include "wave/RootChunk.h"
 #include "wave/WaveDocument.h"
 
+#include "files/FileStream.h"
+
+#include <algorithm>
 #include <cstdio>
+#include <vector>
 
 namespace {
 
@@ -40,20 +44,117 @@ std::size_t CountChunks(const Array<std::unique_ptr<Chunk>>& list)
     return count;
 }
 
+// The end of the audio of a data chunk whose size is a placeholder, from
+// the chunks behind it: a run of well-formed chunks (ids of printable
+// ASCII, each behind the one before, on its pad byte) that ends exactly at
+// the end of the file. The run is looked for in the last kTailWindow bytes
+// of the file; chunks written behind the audio are small.
+constexpr std::int64_t kTailWindow = 16 * 1024 * 1024;
+
+bool IsIdByte(std::uint8_t byte)
+{
+    return byte >= 0x20 && byte <= 0x7E;
+}
+
+bool IsPlainId(const std::uint8_t* id)
+{
+    for (int i = 0; i < 4; ++i) {
+        const char c = static_cast<char>(id[i]);
+        if (!((c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == ' ' || c == '_'))
+            return false;
+    }
+    return true;
+}
+
+class AudioEnd {
+public:
+    // False when the file can't be read.
+    bool Find(FileStream& input, std::int64_t audioStart, std::int64_t fileSize)
+    {
+        const std::int64_t from = std::max(audioStart, fileSize - kTailWindow);
+        tail.resize(static_cast<std::size_t>(fileSize - from));
+        if (!input.SeekTo(from) || input.Read(tail.data(), static_cast<std::uint32_t>(tail.size())) != tail.size())
+            return false;
+        // reaches[i]: a run of chunks from from + i reaches the end exactly.
+        std::vector<std::uint8_t> reaches(tail.size() + 2, 0);
+        reaches[tail.size()] = 1;
+        starts.clear();
+        for (std::size_t i = tail.size(); i-- > 0;) {
+            if (i + 8 > tail.size() || !IsIdByte(tail[i]) || !IsIdByte(tail[i + 1]) || !IsIdByte(tail[i + 2]) ||
+                !IsIdByte(tail[i + 3]))
+                continue;
+            const std::uint64_t size = tail[i + 4] | tail[i + 5] << 8 | tail[i + 6] << 16 |
+                                       static_cast<std::uint64_t>(tail[i + 7]) << 24;
+            const std::uint64_t end = i + 8 + size;
+            // The last chunk may go without its pad byte.
+            if (end == tail.size() || (end + size % 2 <= tail.size() && reaches[end + size % 2]))
+                reaches[i] = 1;
+        }
+        // The earliest run is the reading: every later position where a run
+        // begins lies inside it (its later chunks, or a list's entries).
+        // Its first chunk is taken for certain when its id is of letters,
+        // digits, spaces and underscores, as the ids of writers are; audio
+        // that merely looks like a chunk gives the next reading too.
+        starts.clear();
+        for (std::size_t i = 0; i < tail.size(); ++i) {
+            if (!reaches[i])
+                continue;
+            starts.push_back(from + static_cast<std::int64_t>(i));
+            if (!IsPlainId(tail.data() + i)) {
+                const std::uint64_t size = tail[i + 4] | tail[i + 5] << 8 | tail[i + 6] << 16 |
+                                           static_cast<std::uint64_t>(tail[i + 7]) << 24;
+                starts.push_back(std::min<std::int64_t>(from + static_cast<std::int64_t>(i + 8 + size + size % 2),
+                                                        from + static_cast<std::int64_t>(tail.size())));
+            }
+            break;
+        }
+        return true;
+    }
+
+    // Where the run of chunks behind the audio begins: none, one reading, or
+    // two when the first can't be told for certain.
+    const std::vector<std::int64_t>& Starts() const { return starts; }
+
+    // The ids of the run of chunks from start, as a reader would list them.
+    std::string Describe(std::int64_t start, std::int64_t fileSize) const
+    {
+        const std::int64_t from = fileSize - static_cast<std::int64_t>(tail.size());
+        if (start >= fileSize)
+            return "nothing";
+        std::string ids;
+        int count = 0;
+        for (std::int64_t at = start; at + 8 <= fileSize && count < 4; ++count) {
+            const std::uint8_t* header = tail.data() + (at - from);
+            ids += (ids.empty() ? "" : ", ") + std::string(reinterpret_cast<const char*>(header), 4);
+            const std::uint32_t size = header[4] | header[5] << 8 | header[6] << 16 | static_cast<std::uint32_t>(header[7]) << 24;
+            at += 8 + std::int64_t{size} + size % 2;
+        }
+        return ids;
+    }
+
+private:
+    std::vector<std::uint8_t> tail;
+    std::vector<std::int64_t> starts;
+};
+
 class Mender {
 public:
-    Mender(std::int64_t fileSize, std::vector<std::string>& changes, std::string& problem)
-        : fileSize(fileSize), changes(changes), problem(problem)
+    Mender(FileStream& input, std::int64_t fileSize, std::uint32_t blockAlign, std::vector<std::string>& changes,
+           std::string& problem)
+        : input(input), fileSize(fileSize), blockAlign(blockAlign), changes(changes), problem(problem)
     {
     }
 
     // The chunks of a RIFF chunk must follow one another without a gap,
     // each on the even position behind the one before, up to expectedEnd;
-    // bodies that run past the end of the file are cut to what is there.
+    // bodies that run past the end of the file are cut to what is there. A
+    // data chunk whose size is a placeholder ends the walk: its audio runs
+    // up to the chunks written behind it, which the copy takes as they are.
     bool MendChildren(const Chunk& parent, std::int64_t expectedEnd)
     {
         next = parent.GetPosition() + kRootHeaderBytes;
         for (const auto& child : parent.GetChildren()) {
+            ++childrenKept;
             if (auto* run = dynamic_cast<ChunkRun*>(child.get())) {
                 for (std::size_t i = 0; i < run->Count(); ++i) {
                     const ChunkRun::Record& record = run->At(i);
@@ -67,20 +168,25 @@ public:
             Kind kind = Kind::WrittenAsRead;
             if (dynamic_cast<const RootChunk*>(child.get()))
                 kind = Kind::Riff;
-            else if (dynamic_cast<const FormatChunk*>(child.get()))
-                kind = Kind::Format;
             else if (dynamic_cast<const DataChunk*>(child.get()))
                 kind = Kind::Data;
             std::int64_t size = child->GetSize();
             if (!MendChild(child->GetId(), child->GetPosition(), size, kind))
                 return false;
             child->SetSize(size);
+            if (tailStart >= 0)
+                return true;
         }
         return CheckGap(next, std::min(expectedEnd, fileSize));
     }
 
+    // How many children of the RIFF chunk the copy writes from the tree, and
+    // where the chunks behind a placeholder's audio begin (-1 for none).
+    std::size_t ChildrenKept() const { return childrenKept; }
+    std::int64_t TailStart() const { return tailStart; }
+
 private:
-    enum class Kind { Riff, Format, Data, WrittenAsRead };
+    enum class Kind { Riff, Data, WrittenAsRead };
 
     // One child, whether held whole or as a record: refuses it, or cuts its
     // size to what the file holds.
@@ -93,19 +199,51 @@ private:
             return Refuse(at() + " is cut short inside its header");
         if (kind == Kind::Riff)
             return Refuse("a RIFF chunk inside the RIFF chunk at " + FormatCount(position));
-        if (kind == Kind::Format && size > 18)
-            return Refuse(at() + " holds " + FormatCount(size) + " bytes; the copy would keep only the first 18");
         const std::int64_t present = fileSize - (position + 8);
-        const bool dataToEnd = kind == Kind::Data && size == 0 && present > 0;
-        if (size > present || dataToEnd) {
+        const bool placeholder = kind == Kind::Data && present > 0 &&
+                                 (size == 0 || size == 0xFFFFFFFF || size > present);
+        if (placeholder)
+            return MendPlaceholder(position, size);
+        if (size > present) {
             changes.push_back(Name(id) + ": " + FormatCount(size) + " bytes declared, " + FormatCount(present) +
                               " present");
             size = present;
         }
-        if (id == kIdFormat && size < 18)
-            changes.push_back("fmt: " + FormatCount(size) + " -> 18 bytes");
         next = position + 8 + size;
         next += next % 2;
+        return true;
+    }
+
+    // The audio of a data chunk at position whose size was never written:
+    // up to the one run of chunks that ends the file, in whole frames.
+    bool MendPlaceholder(std::int64_t position, std::int64_t& size)
+    {
+        const std::int64_t audioStart = position + 8;
+        AudioEnd end;
+        if (!end.Find(input, audioStart, fileSize))
+            return Refuse("the file can't be read behind the data chunk at " + FormatCount(position));
+        std::int64_t audioEnd = fileSize;
+        if (end.Starts().size() > 1) {
+            const std::int64_t first = end.Starts()[0], second = end.Starts()[1];
+            return Refuse("where the audio of data at " + FormatCount(position) + " ends can't be told: " +
+                          FormatCount(first - audioStart) + " bytes and then " + end.Describe(first, fileSize) +
+                          ", or " + FormatCount(second - audioStart) + " bytes and then " +
+                          end.Describe(second, fileSize));
+        }
+        if (!end.Starts().empty())
+            audioEnd = end.Starts()[0];
+        const std::int64_t present = audioEnd - audioStart;
+        changes.push_back("data: " + FormatCount(size) + " bytes declared, " + FormatCount(present) + " present");
+        const std::int64_t partial = blockAlign > 0 ? present % blockAlign : 0;
+        if (partial > 0)
+            changes.push_back("data: a partial frame of " + FormatCount(partial) + (partial == 1 ? " byte" : " bytes") +
+                              " cut");
+        size = present - partial;
+        if (size > 0xFFFFFFFFLL)
+            return Refuse("the audio of data at " + FormatCount(position) + " is over 4 GiB");
+        if (audioEnd < fileSize)
+            changes.push_back("chunks behind the audio kept: " + end.Describe(audioEnd, fileSize));
+        tailStart = audioEnd;
         return true;
     }
 
@@ -125,10 +263,79 @@ private:
         return false;
     }
 
+    FileStream& input;
     std::int64_t fileSize;
+    std::uint32_t blockAlign;
     std::vector<std::string>& changes;
     std::string& problem;
     std::int64_t next = 0;
+    std::size_t childrenKept = 0;
+    std::int64_t tailStart = -1;
+};
+
+// Writes the copy: the RIFF header, each chunk as it stands in the input
+// with its mended size (the format chunk too, whatever its length), and the
+// bytes behind a placeholder's audio as they are.
+class CopyWriter {
+public:
+    CopyWriter(FileStream& input, FileStream& target) : input(input), target(target), buffer(1024 * 1024) {}
+
+    bool Write(const Chunk& root, std::size_t childrenKept, std::int64_t tailStart, std::int64_t fileSize)
+    {
+        if (!Put("RIFF\0\0\0\0WAVE", 12))
+            return false;
+        std::size_t index = 0;
+        for (const auto& child : root.GetChildren()) {
+            if (index++ == childrenKept)
+                break;
+            if (const auto* run = dynamic_cast<const ChunkRun*>(child.get())) {
+                for (std::size_t i = 0; i < run->Count(); ++i) {
+                    const ChunkRun::Record& record = run->At(i);
+                    if (!WriteChunk(record.id, record.position, record.size))
+                        return false;
+                }
+            } else if (!WriteChunk(child->GetId(), child->GetPosition(), child->GetSize())) {
+                return false;
+            }
+        }
+        if (tailStart >= 0 && !Copy(tailStart, fileSize - tailStart))
+            return false;
+        const std::int64_t end = target.GetSize();
+        const auto riffSize = static_cast<std::uint32_t>(end - 8);
+        const std::uint8_t size[4] = {static_cast<std::uint8_t>(riffSize), static_cast<std::uint8_t>(riffSize >> 8),
+                                      static_cast<std::uint8_t>(riffSize >> 16), static_cast<std::uint8_t>(riffSize >> 24)};
+        return end - 8 <= 0xFFFFFFFFLL && target.SeekTo(4) && Put(size, 4) && target.SeekTo(end);
+    }
+
+private:
+    bool WriteChunk(std::uint32_t id, std::int64_t position, std::int64_t size)
+    {
+        const auto bodySize = static_cast<std::uint32_t>(size);
+        const std::uint8_t header[8] = {static_cast<std::uint8_t>(id), static_cast<std::uint8_t>(id >> 8),
+                                        static_cast<std::uint8_t>(id >> 16), static_cast<std::uint8_t>(id >> 24),
+                                        static_cast<std::uint8_t>(bodySize), static_cast<std::uint8_t>(bodySize >> 8),
+                                        static_cast<std::uint8_t>(bodySize >> 16), static_cast<std::uint8_t>(bodySize >> 24)};
+        return Put(header, 8) && Copy(position + 8, size) && (size % 2 == 0 || Put("", 1));
+    }
+
+    bool Copy(std::int64_t from, std::int64_t count)
+    {
+        if (!input.SeekTo(from))
+            return false;
+        while (count > 0) {
+            const auto piece = static_cast<std::uint32_t>(std::min<std::int64_t>(count, buffer.size()));
+            if (input.Read(buffer.data(), piece) != piece || !Put(buffer.data(), piece))
+                return false;
+            count -= piece;
+        }
+        return true;
+    }
+
+    bool Put(const void* bytes, std::uint32_t count) { return target.Write(bytes, count) == count; }
+
+    FileStream& input;
+    FileStream& target;
+    std::vector<std::uint8_t> buffer;
 };
 
 // A free name beside output for the file being written.
@@ -185,16 +392,19 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
     if (outside > 0)
         changes.push_back(std::to_string(outside) + (outside == 1 ? " chunk" : " chunks") +
                           " behind the declared end of RIFF taken into it");
-    Mender mender(fileSize, changes, problem);
+    const FormatChunk* format = document.GetFormatChunk();
+    if (document.GetDataChunk() && (!format || format->GetFormat().channels < 1 || format->GetFormat().blockAlign < 1)) {
+        problem = "the data can't be written without a format of at least one channel and one byte per frame";
+        return false;
+    }
+    FileStream source;
+    if (!source.OpenPlain(input, platform::kFileAttributeNormal)) {
+        problem = "the file can't be opened for reading";
+        return false;
+    }
+    Mender mender(source, fileSize, format ? format->GetFormat().blockAlign : 0, changes, problem);
     if (!mender.MendChildren(*root, fileSize))
         return false;
-    if (document.GetDataChunk()) {
-        const FormatChunk* format = document.GetFormatChunk();
-        if (!format || format->GetFormat().channels < 1 || format->GetFormat().blockAlign < 1) {
-            problem = "the data can't be written without a format of at least one channel and one byte per frame";
-            return false;
-        }
-    }
 
     FileStream target;
     WideString temporary;
@@ -202,8 +412,9 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
         problem = "can't make a file beside " + WideToUtf8(output.View());
         return false;
     }
-    const bool written = root->Write(target);
-    const std::int64_t newRiffSize = target.GetSize() - 8 - target.GetSize() % 2;
+    const bool written = CopyWriter(source, target).Write(*root, mender.ChildrenKept(), mender.TailStart(), fileSize) &&
+                         target.Flush();
+    const std::int64_t newRiffSize = target.GetSize() - 8;
     target.Close();
     if (!written) {
         platform::RemoveFile(temporary.View());
@@ -215,6 +426,8 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
         problem = "can't give the copy the name " + WideToUtf8(output.View());
         return false;
     }
+    // The new name is on the disk only once its folder is.
+    platform::FlushFolderOf(output.View());
     if (newRiffSize != root->GetSize())
         changes.insert(changes.begin(), "RIFF size " + FormatCount(root->GetSize()) + " -> " + FormatCount(newRiffSize));
     return true;

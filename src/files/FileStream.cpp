@@ -69,6 +69,11 @@ bool FileStream::EnableReadAhead(std::uint32_t bufferSize)
     return true;
 }
 
+bool FileStream::Flush()
+{
+    return handle && platform::FlushFileToDisk(handle);
+}
+
 // The transfer buffer stays until the next aligned open or the destructor.
 void FileStream::Close()
 {

@@ -38,6 +38,9 @@ public:
     // the stream then stays in plain mode.
     bool EnableReadAhead(std::uint32_t bufferSize);
     void Close();
+    // Waits until what was written is on the disk; false when it can't be
+    // told that it is.
+    bool Flush();
     bool IsOpen() const { return handle != nullptr; }
     bool IsAligned() const { return sectorSize > 0; }
 

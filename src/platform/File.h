@@ -38,6 +38,8 @@ bool SeekFile(FileHandle file, std::int64_t offset, SeekOrigin origin, std::int6
 bool QueryFileSize(FileHandle file, std::int64_t& size);
 // Cuts the file, or lengthens it, to end at the file pointer.
 bool SetFileEnd(FileHandle file);
+// Waits until what was written to the file is on the disk.
+bool FlushFileToDisk(FileHandle file);
 
 // The unit of unbuffered transfers on the volume of the file at fullPath:
 // the bytes per sector, or what the system reports as the alignment of

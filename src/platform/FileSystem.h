@@ -33,5 +33,8 @@ bool RemoveFile(std::u16string_view path);
 // Gives the file at from the name to, never replacing a file that is there
 // already: false then, and when the rename fails.
 bool RenameFileNoReplace(std::u16string_view from, std::u16string_view to);
+// Waits until the names in the folder that holds path, a rename among
+// them, are on the disk; false when that can't be done.
+bool FlushFolderOf(std::u16string_view path);
 
 } // namespace platform

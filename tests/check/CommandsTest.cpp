@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -205,13 +207,39 @@ TEST(TidyCopy, UnfinishedHeaderBecomesSound)
             ASSERT_TRUE(MakeTidyCopy(path, dir.PathOf(name), changes, problem)) << problem;
             EXPECT_EQ(Contents(dir, "unfinished.wav"), input);
             EXPECT_EQ(Check(dir.PathOf(name)), "チェック完了しました。\r\n");
+            // The format as it stands; the audio in whole frames.
             const std::string output = Contents(dir, name);
-            EXPECT_EQ(output.substr(46), audio + std::string(1, '\0'));
+            EXPECT_EQ(output.substr(12, 24), kFormat);
+            EXPECT_EQ(output.substr(44), Tone(3001));
+            EXPECT_NE(std::find(changes.begin(), changes.end(), "data: a partial frame of 1 byte cut"), changes.end());
             EXPECT_EQ(changes.front(), "RIFF size " + FormatCount(riffSize) + " -> " + FormatCount(output.size() - 8));
             EXPECT_NE(std::find(changes.begin(), changes.end(),
                                 "data: " + FormatCount(dataSize) + " bytes declared, 12,005 present"),
                       changes.end());
         }
+    }
+}
+
+// A placeholder's audio ends where the chunks written behind it begin,
+// which are kept byte for byte, and so is a format chunk of any length.
+TEST(TidyCopy, KeepsChunksBehindTheAudioAndTheFormatAsItStands)
+{
+    TempDir dir;
+    const std::string format = RiffBytes().Chunk("fmt ", FormatBody(0xFFFE, 2, 44100, 16) + std::string(24, '\0')).Bytes();
+    const std::string behind = RiffBytes().Chunk("LIST", std::string("INFOINAM", 8) + std::string("\5\0\0\0take\0\0", 10))
+                                   .Chunk("PEAK", "abc").Bytes();
+    const std::string sound = Riff(format + RiffBytes().Chunk("data", Tone(100)).Bytes() + behind);
+    for (std::uint32_t placeholder : {0u, 0xFFFFFFFFu}) {
+        SCOPED_TRACE(placeholder);
+        std::string unfinished = sound;
+        for (std::size_t at : {std::size_t{4}, format.size() + 16})
+            std::memcpy(&unfinished[at], &placeholder, 4);
+        std::vector<std::string> changes;
+        std::string problem;
+        const std::string name = "copy" + std::to_string(placeholder % 7) + ".wav";
+        ASSERT_TRUE(MakeTidyCopy(dir.Write("unfinished.wav", unfinished), dir.PathOf(name), changes, problem)) << problem;
+        EXPECT_EQ(Contents(dir, name), sound);
+        EXPECT_NE(std::find(changes.begin(), changes.end(), "chunks behind the audio kept: LIST, PEAK"), changes.end());
     }
 }
 
@@ -224,8 +252,11 @@ TEST(TidyCopy, RefusesWhereSomethingWouldBeLost)
     const struct {
         std::string bytes, problem;
     } cases[] = {
-        {Riff(RiffBytes().Chunk("fmt ", FormatBody(0xFFFE, 2, 44100, 16) + std::string(24, '\0')).Raw(data).Bytes()),
-         "fmt at 12 holds 40 bytes; the copy would keep only the first 18"},
+        // Audio whose end can't be told: a chunk of an id no writer uses may
+        // be audio or not.
+        {RiffBytes().Id("RIFF").U32(0).Id("WAVE").Raw(kFormat).Id("data").U32(0xFFFFFFFF).Raw(Tone(4))
+             .Chunk("a-b!", "").Chunk("LIST", "INFO").Bytes(),
+         "where the audio of data at 36 ends can't be told: 16 bytes and then a-b!, LIST, or 24 bytes and then LIST"},
         {Riff(kFormat + data) + "junk", "junk at 60 is cut short inside its header"},
         {Riff(kFormat + data + "junk"), "4 bytes at 60 belong to no chunk that the copy keeps"},
         {Riff(kFormat + data) + Riff(""), "a second RIFF chunk at 60"},

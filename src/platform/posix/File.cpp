@@ -128,6 +128,11 @@ bool QueryFileSize(FileHandle file, std::int64_t& size)
     return true;
 }
 
+bool FlushFileToDisk(FileHandle file)
+{
+    return fsync(Descriptor(file)) == 0;
+}
+
 bool SetFileEnd(FileHandle file)
 {
     off_t end = lseek(Descriptor(file), 0, SEEK_CUR);

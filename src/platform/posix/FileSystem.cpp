@@ -64,6 +64,19 @@ bool HasDrive(std::u16string_view path)
     return !path.empty() && path.front() == u'/';
 }
 
+bool FlushFolderOf(std::u16string_view path)
+{
+    std::string folder = posix::PathToBytes(path);
+    const std::size_t slash = folder.rfind('/');
+    folder = slash == std::string::npos ? "." : slash == 0 ? "/" : folder.substr(0, slash);
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    if (descriptor < 0)
+        return false;
+    const bool flushed = fsync(descriptor) == 0;
+    close(descriptor);
+    return flushed;
+}
+
 bool RemoveFile(std::u16string_view path)
 {
     return unlink(posix::PathToBytes(path).c_str()) == 0;

@@ -72,6 +72,11 @@ bool QueryFileSize(FileHandle file, std::int64_t& size)
     return true;
 }
 
+bool FlushFileToDisk(FileHandle file)
+{
+    return FlushFileBuffers(reinterpret_cast<HANDLE>(file)) != FALSE;
+}
+
 bool SetFileEnd(FileHandle file)
 {
     return SetEndOfFile(reinterpret_cast<HANDLE>(file)) != FALSE;

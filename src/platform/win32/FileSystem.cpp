@@ -67,7 +67,16 @@ bool RemoveFile(std::u16string_view path)
 bool RenameFileNoReplace(std::u16string_view from, std::u16string_view to)
 {
     const std::u16string source(from), target(to);
-    return MoveFileExW(win32::Wide(source), win32::Wide(target), MOVEFILE_COPY_ALLOWED) != FALSE;
+    // Write-through: the call returns once the new name is on the disk.
+    return MoveFileExW(win32::Wide(source), win32::Wide(target), MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH) !=
+           FALSE;
+}
+
+// A folder can't be flushed on Windows without rights to write it; the
+// renames of this program are made write-through instead.
+bool FlushFolderOf(std::u16string_view)
+{
+    return true;
 }
 
 } // namespace platform
