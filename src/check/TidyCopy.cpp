@@ -3,18 +3,16 @@
 #include "base/Utf8.h"
 #include "check/TextFormat.h"
 #include "check/FileFacts.h"
+#include "files/FileStream.h"
 #include "platform/FileSystem.h"
-#include "wave/ChunkRun.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
 #include "wave/FourCc.h"
-#include "wave/RootChunk.h"
 #include "wave/WaveDocument.h"
-
-#include "files/FileStream.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -31,17 +29,6 @@ std::string Name(std::uint32_t id)
     while (!text.empty() && text.back() == ' ')
         text.pop_back();
     return text;
-}
-
-// How many chunks a list holds, each record of a run counted.
-std::size_t CountChunks(const Array<std::unique_ptr<Chunk>>& list)
-{
-    std::size_t count = 0;
-    for (const auto& chunk : list) {
-        const auto* run = dynamic_cast<const ChunkRun*>(chunk.get());
-        count += run ? run->Count() : 1;
-    }
-    return count;
 }
 
 // The end of the audio of a data chunk whose size is a placeholder, from
@@ -115,6 +102,13 @@ public:
     // two when the first can't be told for certain.
     const std::vector<std::int64_t>& Starts() const { return starts; }
 
+    // The byte at a position of the file in the window; -1 outside it.
+    int ByteAt(std::int64_t position, std::int64_t fileSize) const
+    {
+        const std::int64_t from = fileSize - static_cast<std::int64_t>(tail.size());
+        return position >= from && position < fileSize ? tail[static_cast<std::size_t>(position - from)] : -1;
+    }
+
     // The ids of the run of chunks from start, as a reader would list them.
     std::string Describe(std::int64_t start, std::int64_t fileSize) const
     {
@@ -137,92 +131,98 @@ private:
     std::vector<std::int64_t> starts;
 };
 
-class Mender {
+// The copy, written as the input's chunks are walked: the RIFF header,
+// then each chunk as it stands with its size mended, from the first chunk
+// behind the form type to the end of the file, whatever the RIFF size
+// says. Memory doesn't grow with the number of chunks.
+class TidyWalk {
 public:
-    Mender(FileStream& input, std::int64_t fileSize, std::uint32_t blockAlign, std::vector<std::string>& changes,
-           std::string& problem)
-        : input(input), fileSize(fileSize), blockAlign(blockAlign), changes(changes), problem(problem)
+    TidyWalk(FileStream& input, FileStream& target, std::int64_t fileSize, std::uint32_t blockAlign,
+             std::vector<std::string>& changes, std::string& problem)
+        : input(input), target(target), fileSize(fileSize), blockAlign(blockAlign), changes(changes),
+          problem(problem), buffer(1024 * 1024)
     {
     }
 
-    // The chunks of a RIFF chunk must follow one another without a gap,
-    // each on the even position behind the one before, up to expectedEnd;
-    // bodies that run past the end of the file are cut to what is there. A
-    // data chunk whose size is a placeholder ends the walk: its audio runs
-    // up to the chunks written behind it, which the copy takes as they are.
-    bool MendChildren(const Chunk& parent, std::int64_t expectedEnd)
+    bool Copy()
     {
-        next = parent.GetPosition() + kRootHeaderBytes;
-        for (const auto& child : parent.GetChildren()) {
-            ++childrenKept;
-            if (auto* run = dynamic_cast<ChunkRun*>(child.get())) {
-                for (std::size_t i = 0; i < run->Count(); ++i) {
-                    const ChunkRun::Record& record = run->At(i);
-                    std::int64_t size = record.size;
-                    if (!MendChild(record.id, record.position, size, Kind::WrittenAsRead))
-                        return false;
-                    run->SetSizeAt(i, static_cast<std::uint32_t>(size));
-                }
-                continue;
+        std::uint8_t riff[12];
+        if (!input.SeekTo(0) || input.Read(riff, 12) != 12 || std::memcmp(riff, "RIFF", 4) != 0)
+            return Refuse("the file does not begin with its RIFF chunk");
+        const std::uint32_t riffSize = riff[4] | riff[5] << 8 | riff[6] << 16 | static_cast<std::uint32_t>(riff[7]) << 24;
+        const bool placeholder = riffSize == 0 || riffSize == 0xFFFFFFFF;
+        const std::int64_t declaredEnd = 8 + std::int64_t{riffSize};
+        if (!Put(riff, 12))
+            return Failed();
+        std::int64_t position = kRootHeaderBytes;
+        std::size_t outside = 0;
+        while (position < fileSize) {
+            std::uint8_t header[8] = {};
+            const auto headerBytes = static_cast<std::uint32_t>(std::min<std::int64_t>(8, fileSize - position));
+            if (!input.SeekTo(position) || input.Read(header, headerBytes) != headerBytes)
+                return Failed();
+            const std::uint32_t id = header[0] | header[1] << 8 | header[2] << 16 | static_cast<std::uint32_t>(header[3]) << 24;
+            const bool inside = placeholder || position < declaredEnd;
+            if (headerBytes < 8) {
+                // A missing pad byte at the end of the file loses nothing.
+                if (headerBytes == 1 && header[0] == 0 && padPending)
+                    break;
+                if (inside && fileSize <= declaredEnd)
+                    return Refuse(FormatCount(fileSize - position) + " bytes at " + FormatCount(position) +
+                                  " belong to no chunk that the copy keeps");
+                return Refuse(Name(id) + " at " + FormatCount(position) + " is cut short inside its header");
             }
-            Kind kind = Kind::WrittenAsRead;
-            if (dynamic_cast<const RootChunk*>(child.get()))
-                kind = Kind::Riff;
-            else if (dynamic_cast<const DataChunk*>(child.get()))
-                kind = Kind::Data;
-            std::int64_t size = child->GetSize();
-            if (!MendChild(child->GetId(), child->GetPosition(), size, kind))
-                return false;
-            child->SetSize(size);
-            if (tailStart >= 0)
-                return true;
+            if (id == kIdRiff)
+                return Refuse((inside ? "a RIFF chunk inside the RIFF chunk at " : "a second RIFF chunk at ") +
+                              FormatCount(position));
+            if (!inside)
+                ++outside;
+            std::int64_t size = header[4] | header[5] << 8 | header[6] << 16 | static_cast<std::int64_t>(header[7]) << 24;
+            const std::int64_t present = fileSize - (position + 8);
+            if (id == kIdData && present > 0 && (size == 0 || size == 0xFFFFFFFF || size > present)) {
+                if (!CopyPlaceholderData(position, size))
+                    return false;
+                break;
+            }
+            if (size > present) {
+                changes.push_back(Name(id) + ": " + FormatCount(size) + " bytes declared, " + FormatCount(present) +
+                                  " present");
+                size = present;
+            }
+            if (!WriteChunk(id, position + 8, size))
+                return Failed();
+            position += 8 + size;
+            padPending = size % 2 == 1;
+            position += size % 2;
         }
-        return CheckGap(next, std::min(expectedEnd, fileSize));
-    }
-
-    // How many children of the RIFF chunk the copy writes from the tree, and
-    // where the chunks behind a placeholder's audio begin (-1 for none).
-    std::size_t ChildrenKept() const { return childrenKept; }
-    std::int64_t TailStart() const { return tailStart; }
-
-private:
-    enum class Kind { Riff, Data, WrittenAsRead };
-
-    // One child, whether held whole or as a record: refuses it, or cuts its
-    // size to what the file holds.
-    bool MendChild(std::uint32_t id, std::int64_t position, std::int64_t& size, Kind kind)
-    {
-        const auto at = [&] { return Name(id) + " at " + FormatCount(position); };
-        if (!CheckGap(next, position))
-            return false;
-        if (size < 0 || position + 8 > fileSize)
-            return Refuse(at() + " is cut short inside its header");
-        if (kind == Kind::Riff)
-            return Refuse("a RIFF chunk inside the RIFF chunk at " + FormatCount(position));
-        const std::int64_t present = fileSize - (position + 8);
-        const bool placeholder = kind == Kind::Data && present > 0 &&
-                                 (size == 0 || size == 0xFFFFFFFF || size > present);
-        if (placeholder)
-            return MendPlaceholder(position, size);
-        if (size > present) {
-            changes.push_back(Name(id) + ": " + FormatCount(size) + " bytes declared, " + FormatCount(present) +
-                              " present");
-            size = present;
-        }
-        next = position + 8 + size;
-        next += next % 2;
+        if (outside > 0)
+            changes.push_back(std::to_string(outside) + (outside == 1 ? " chunk" : " chunks") +
+                              " behind the declared end of RIFF taken into it");
+        const std::int64_t end = target.GetSize();
+        if (end - 8 > 0xFFFFFFFFLL)
+            return Refuse("the copy would pass 4 GiB");
+        const auto newSize = static_cast<std::uint32_t>(end - 8);
+        const std::uint8_t size[4] = {static_cast<std::uint8_t>(newSize), static_cast<std::uint8_t>(newSize >> 8),
+                                      static_cast<std::uint8_t>(newSize >> 16), static_cast<std::uint8_t>(newSize >> 24)};
+        if (!target.SeekTo(4) || !Put(size, 4) || !target.SeekTo(end))
+            return Failed();
+        if (newSize != riffSize)
+            changes.insert(changes.begin(), "RIFF size " + FormatCount(riffSize) + " -> " + FormatCount(newSize));
         return true;
     }
 
+private:
     // The audio of a data chunk at position whose size was never written:
-    // up to the one run of chunks that ends the file, in whole frames.
-    bool MendPlaceholder(std::int64_t position, std::int64_t& size)
+    // up to the one run of chunks that ends the file, in whole frames; then
+    // that run as it stands.
+    bool CopyPlaceholderData(std::int64_t position, std::int64_t declared)
     {
+        if (blockAlign == 0)
+            return Refuse("the data can't be written without a format of at least one channel and one byte per frame");
         const std::int64_t audioStart = position + 8;
         AudioEnd end;
         if (!end.Find(input, audioStart, fileSize))
-            return Refuse("the file can't be read behind the data chunk at " + FormatCount(position));
-        std::int64_t audioEnd = fileSize;
+            return Failed();
         if (end.Starts().size() > 1) {
             const std::int64_t first = end.Starts()[0], second = end.Starts()[1];
             return Refuse("where the audio of data at " + FormatCount(position) + " ends can't be told: " +
@@ -230,95 +230,40 @@ private:
                           ", or " + FormatCount(second - audioStart) + " bytes and then " +
                           end.Describe(second, fileSize));
         }
-        if (!end.Starts().empty())
-            audioEnd = end.Starts()[0];
-        const std::int64_t present = audioEnd - audioStart;
-        changes.push_back("data: " + FormatCount(size) + " bytes declared, " + FormatCount(present) + " present");
-        const std::int64_t partial = blockAlign > 0 ? present % blockAlign : 0;
+        const std::int64_t audioEnd = end.Starts().empty() ? fileSize : end.Starts()[0];
+        std::int64_t present = audioEnd - audioStart;
+        // Whole frames of an odd length and then a zero: their pad byte.
+        const std::int64_t unpadded = present - 1;
+        if (unpadded % 2 == 1 && unpadded % blockAlign == 0 && end.ByteAt(audioEnd - 1, fileSize) == 0)
+            present = unpadded;
+        changes.push_back("data: " + FormatCount(declared) + " bytes declared, " + FormatCount(present) + " present");
+        const std::int64_t partial = present % blockAlign;
         if (partial > 0)
             changes.push_back("data: a partial frame of " + FormatCount(partial) + (partial == 1 ? " byte" : " bytes") +
                               " cut");
-        size = present - partial;
-        if (size > 0xFFFFFFFFLL)
+        if (present - partial > 0xFFFFFFFFLL)
             return Refuse("the audio of data at " + FormatCount(position) + " is over 4 GiB");
-        if (audioEnd < fileSize)
+        if (!WriteChunk(kIdData, audioStart, present - partial))
+            return Failed();
+        if (audioEnd < fileSize) {
             changes.push_back("chunks behind the audio kept: " + end.Describe(audioEnd, fileSize));
-        tailStart = audioEnd;
+            if (!CopyBytes(audioEnd, fileSize - audioEnd))
+                return Failed();
+        }
         return true;
     }
 
-    // Bytes between next and position belong to no chunk that is kept; a
-    // missing pad byte at the end of the file loses nothing.
-    bool CheckGap(std::int64_t next, std::int64_t position)
-    {
-        if (position <= next || (position == fileSize && next == fileSize + 1))
-            return true;
-        return Refuse(FormatCount(position - next) + " bytes at " + FormatCount(next) +
-                      " belong to no chunk that the copy keeps");
-    }
-
-    bool Refuse(const std::string& why)
-    {
-        problem = why;
-        return false;
-    }
-
-    FileStream& input;
-    std::int64_t fileSize;
-    std::uint32_t blockAlign;
-    std::vector<std::string>& changes;
-    std::string& problem;
-    std::int64_t next = 0;
-    std::size_t childrenKept = 0;
-    std::int64_t tailStart = -1;
-};
-
-// Writes the copy: the RIFF header, each chunk as it stands in the input
-// with its mended size (the format chunk too, whatever its length), and the
-// bytes behind a placeholder's audio as they are.
-class CopyWriter {
-public:
-    CopyWriter(FileStream& input, FileStream& target) : input(input), target(target), buffer(1024 * 1024) {}
-
-    bool Write(const Chunk& root, std::size_t childrenKept, std::int64_t tailStart, std::int64_t fileSize)
-    {
-        if (!Put("RIFF\0\0\0\0WAVE", 12))
-            return false;
-        std::size_t index = 0;
-        for (const auto& child : root.GetChildren()) {
-            if (index++ == childrenKept)
-                break;
-            if (const auto* run = dynamic_cast<const ChunkRun*>(child.get())) {
-                for (std::size_t i = 0; i < run->Count(); ++i) {
-                    const ChunkRun::Record& record = run->At(i);
-                    if (!WriteChunk(record.id, record.position, record.size))
-                        return false;
-                }
-            } else if (!WriteChunk(child->GetId(), child->GetPosition(), child->GetSize())) {
-                return false;
-            }
-        }
-        if (tailStart >= 0 && !Copy(tailStart, fileSize - tailStart))
-            return false;
-        const std::int64_t end = target.GetSize();
-        const auto riffSize = static_cast<std::uint32_t>(end - 8);
-        const std::uint8_t size[4] = {static_cast<std::uint8_t>(riffSize), static_cast<std::uint8_t>(riffSize >> 8),
-                                      static_cast<std::uint8_t>(riffSize >> 16), static_cast<std::uint8_t>(riffSize >> 24)};
-        return end - 8 <= 0xFFFFFFFFLL && target.SeekTo(4) && Put(size, 4) && target.SeekTo(end);
-    }
-
-private:
-    bool WriteChunk(std::uint32_t id, std::int64_t position, std::int64_t size)
+    bool WriteChunk(std::uint32_t id, std::int64_t body, std::int64_t size)
     {
         const auto bodySize = static_cast<std::uint32_t>(size);
         const std::uint8_t header[8] = {static_cast<std::uint8_t>(id), static_cast<std::uint8_t>(id >> 8),
                                         static_cast<std::uint8_t>(id >> 16), static_cast<std::uint8_t>(id >> 24),
                                         static_cast<std::uint8_t>(bodySize), static_cast<std::uint8_t>(bodySize >> 8),
                                         static_cast<std::uint8_t>(bodySize >> 16), static_cast<std::uint8_t>(bodySize >> 24)};
-        return Put(header, 8) && Copy(position + 8, size) && (size % 2 == 0 || Put("", 1));
+        return Put(header, 8) && CopyBytes(body, size) && (size % 2 == 0 || Put("", 1));
     }
 
-    bool Copy(std::int64_t from, std::int64_t count)
+    bool CopyBytes(std::int64_t from, std::int64_t count)
     {
         if (!input.SeekTo(from))
             return false;
@@ -333,9 +278,22 @@ private:
 
     bool Put(const void* bytes, std::uint32_t count) { return target.Write(bytes, count) == count; }
 
+    bool Failed() { return Refuse("the copy could not be written in full"); }
+
+    bool Refuse(const std::string& why)
+    {
+        problem = why;
+        return false;
+    }
+
     FileStream& input;
     FileStream& target;
+    std::int64_t fileSize;
+    std::uint32_t blockAlign;
+    std::vector<std::string>& changes;
+    std::string& problem;
     std::vector<std::uint8_t> buffer;
+    bool padPending = false;
 };
 
 // A free name beside output for the file being written.
@@ -364,61 +322,40 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
         return false;
     }
 
-    // The writer needs the whole tree, so a file of millions of chunks costs
-    // memory in proportion: compact form holds it down to a record a chunk.
+    // The reader finds the format, which the audio's frames are cut by.
     WaveDocument document;
-    document.SetTreeForm(TreeForm::Compact);
+    document.SetTreeForm(TreeForm::SlotsOnly);
     document.Open(input);
-    const std::int64_t fileSize = GetDocumentFileSize(document);
-    if (document.GetContainerKind() != kContainerRiff || document.GetChunks().IsEmpty()) {
+    if (document.GetContainerKind() != kContainerRiff) {
         problem = "not a RIFF file";
         return false;
     }
-    auto* root = dynamic_cast<RootChunk*>(document.GetChunks().At(0).get());
-    if (!root || root->GetPosition() != 0) {
-        problem = "the file does not begin with its RIFF chunk";
-        return false;
-    }
-    // Whatever the walk met behind the declared end of the RIFF chunk
-    // belongs inside it.
-    const std::size_t outside = CountChunks(document.GetChunks()) - 1;
-    while (document.GetChunks().Count() > 1) {
-        if (dynamic_cast<const RootChunk*>(document.GetChunks().At(1).get())) {
-            problem = "a second RIFF chunk at " + FormatCount(document.GetChunks().At(1)->GetPosition());
-            return false;
-        }
-        root->AdoptChild(document.TakeChunk(1));
-    }
-    if (outside > 0)
-        changes.push_back(std::to_string(outside) + (outside == 1 ? " chunk" : " chunks") +
-                          " behind the declared end of RIFF taken into it");
     const FormatChunk* format = document.GetFormatChunk();
     if (document.GetDataChunk() && (!format || format->GetFormat().channels < 1 || format->GetFormat().blockAlign < 1)) {
         problem = "the data can't be written without a format of at least one channel and one byte per frame";
         return false;
     }
+    const std::uint32_t blockAlign = format ? format->GetFormat().blockAlign : 0;
+
     FileStream source;
     if (!source.OpenPlain(input, platform::kFileAttributeNormal)) {
         problem = "the file can't be opened for reading";
         return false;
     }
-    Mender mender(source, fileSize, format ? format->GetFormat().blockAlign : 0, changes, problem);
-    if (!mender.MendChildren(*root, fileSize))
-        return false;
-
+    source.EnableReadAhead(64 * 1024);
     FileStream target;
     WideString temporary;
     if (!CreateTemporary(output, target, temporary)) {
         problem = "can't make a file beside " + WideToUtf8(output.View());
         return false;
     }
-    const bool written = CopyWriter(source, target).Write(*root, mender.ChildrenKept(), mender.TailStart(), fileSize) &&
+    const bool written = TidyWalk(source, target, source.GetSize(), blockAlign, changes, problem).Copy() &&
                          target.Flush();
-    const std::int64_t newRiffSize = target.GetSize() - 8;
     target.Close();
     if (!written) {
         platform::RemoveFile(temporary.View());
-        problem = "the copy could not be written in full";
+        if (problem.empty())
+            problem = "the copy could not be written in full";
         return false;
     }
     if (!platform::RenameFileNoReplace(temporary.View(), output.View())) {
@@ -428,7 +365,5 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
     }
     // The new name is on the disk only once its folder is.
     platform::FlushFolderOf(output.View());
-    if (newRiffSize != root->GetSize())
-        changes.insert(changes.begin(), "RIFF size " + FormatCount(root->GetSize()) + " -> " + FormatCount(newRiffSize));
     return true;
 }
