@@ -3,6 +3,7 @@
 #include "base/Utf8.h"
 #include "check/TextFormat.h"
 #include "check/FileFacts.h"
+#include "check/Rf64File.h"
 #include "wave/ChunkObserver.h"
 #include "wave/InfoChunk.h"
 #include "wave/ListChunk.h"
@@ -239,6 +240,70 @@ private:
     const RootChunk* closed = nullptr;
 };
 
+// An RF64 file: its RF64 chunk and the chunks in it, each with the 64-bit
+// size of ds64 beside a 32-bit field that defers to it.
+bool ListRf64(const WideString& path, bool json, TextSink& sink)
+{
+    Rf64Layout layout;
+    std::string problem;
+    if (!ReadRf64Layout(path, layout, problem)) {
+        if (json) {
+            std::string text = ", \"error\": ";
+            AppendJsonString(text, Utf8ToWide(problem));
+            sink.Put(text + "}");
+        } else {
+            sink.Put("(" + problem + ")\n");
+        }
+        return false;
+    }
+    bool allFit = true;
+    const std::int64_t riffEnd = 8 + layout.riffSize;
+    auto put = [&](bool first, int depth, std::uint32_t id, std::int64_t position, std::uint32_t size32,
+                   std::int64_t size, std::uint32_t form, std::int64_t parentEnd) {
+        const std::int64_t end = position + 8 + size;
+        const bool pastFile = end > layout.fileSize;
+        const bool pastParent = parentEnd >= 0 && end > parentEnd;
+        allFit = allFit && !pastFile && !pastParent;
+        const bool deferred = size32 == kRf64DefersSize && size != size32;
+        std::string line;
+        if (json) {
+            line = first ? "\n    " : ",\n    ";
+            line += "{\"depth\": " + std::to_string(depth) + ", \"offset\": " + std::to_string(position) + ", \"id\": ";
+            AppendJsonString(line, IdUnits(id));
+            line += ", \"size\": " + std::to_string(size32);
+            if (deferred)
+                line += ", \"size64\": " + std::to_string(size);
+            if (form) {
+                line += ", \"form\": ";
+                AppendJsonString(line, IdUnits(form));
+            }
+            line += std::string(", \"pastFileEnd\": ") + (pastFile ? "true" : "false") +
+                    ", \"pastParentEnd\": " + (pastParent ? "true" : "false") + "}";
+        } else {
+            line = std::string(static_cast<std::size_t>(depth) * 2, ' ') + IdText(id) + " at " + FormatCount(position) +
+                   ", " + FormatCount(size32) + " bytes";
+            if (deferred)
+                line += " (ds64: " + FormatCount(size) + ")";
+            if (form)
+                line += ", form " + IdText(form);
+            if (pastFile)
+                line += "; runs past the end of the file by " + FormatCount(end - layout.fileSize) + " bytes";
+            if (pastParent)
+                line += "; runs past the end of its parent by " + FormatCount(end - parentEnd) + " bytes";
+            line += "\n";
+        }
+        sink.Put(line);
+    };
+    if (json)
+        sink.Put(", \"fileSize\": " + std::to_string(layout.fileSize) + ", \"chunks\": [");
+    put(true, 0, 0x34364652 /* RF64 */, 0, layout.riffSize32, layout.riffSize, layout.formType, -1);
+    for (const Rf64Chunk& chunk : layout.chunks)
+        put(false, 1, chunk.id, chunk.position, chunk.size32, chunk.size, 0, riffEnd);
+    if (json)
+        sink.Put("\n  ]}");
+    return allFit;
+}
+
 void PutProblem(bool json, TextSink& sink, const char* problem)
 {
     if (json) {
@@ -274,6 +339,8 @@ bool ListChunks(const WideString& path, bool json, TextSink& sink)
         document.Open(path);
         fileSize = GetDocumentFileSize(document);
         if (document.GetContainerKind() != kContainerRiff) {
+            if (IsRf64File(path))
+                return ListRf64(path, json, sink);
             PutProblem(json, sink, "not a RIFF file");
             return false;
         }

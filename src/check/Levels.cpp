@@ -2,6 +2,7 @@
 
 #include "check/TextFormat.h"
 #include "check/FileFacts.h"
+#include "check/Rf64File.h"
 #include "files/FileStream.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
@@ -186,24 +187,20 @@ std::string Decibels(double fraction, const char* silent)
     return std::isinf(db) ? silent : FormatFixed(db, 2);
 }
 
-// The sample format of a format chunk: its tag, or an extensible format's
-// sub-format, with the container's bits. False with the reason in problem
-// for anything else.
-bool SampleKindOf(WaveDocument& document, const FormatChunk& formatChunk, SampleKind& kind, std::string& problem)
+// The sample format of a format chunk's body (its first 40 bytes, or
+// fewer): its tag, or an extensible format's sub-format, with the
+// container's bits. False with the reason in problem for anything else.
+bool SampleKindOf(const std::uint8_t* body, std::uint32_t length, SampleKind& kind, std::string& problem)
 {
-    const WaveFormat format = formatChunk.GetFormat();
-    std::uint16_t tag = format.formatTag;
+    if (length < 16)
+        return Refuse(problem, "a format chunk of " + std::to_string(length) + " bytes");
+    std::uint16_t tag = static_cast<std::uint16_t>(body[0] | body[1] << 8);
+    const auto bits = static_cast<std::uint16_t>(body[14] | body[15] << 8);
     if (tag == kTagExtensible) {
-        std::uint8_t body[40] = {};
-        StreamGuard guard;
-        FileStream& stream = document.AcquireStream(guard);
-        const bool read = formatChunk.GetSize() >= 40 && stream.SeekTo(formatChunk.GetPosition() + 8) &&
-                          stream.Read(body, 40) == 40;
-        if (!read || std::memcmp(body + 26, kSubFormatTail, sizeof kSubFormatTail) != 0)
+        if (length < 40 || std::memcmp(body + 26, kSubFormatTail, sizeof kSubFormatTail) != 0)
             return Refuse(problem, "an extensible format without a known sub-format" + std::string(kOnlyPcm));
         tag = static_cast<std::uint16_t>(body[24] | body[25] << 8);
     }
-    const std::uint16_t bits = format.bitsPerSample;
     if (tag == kTagPcm && (bits == 8 || bits == 16 || bits == 24 || bits == 32)) {
         kind = bits == 8 ? SampleKind::Unsigned8 : bits == 16 ? SampleKind::Signed16
              : bits == 24 ? SampleKind::Signed24 : SampleKind::Signed32;
@@ -221,6 +218,62 @@ bool SampleKindOf(WaveDocument& document, const FormatChunk& formatChunk, Sample
     return Refuse(problem, detail + std::string(kOnlyPcm));
 }
 
+// What the measuring needs of a file, whichever container it is in.
+struct AudioPlace {
+    std::uint8_t format[40] = {};
+    std::uint32_t formatBytes = 0;
+    std::int64_t dataPosition = -1;
+    std::int64_t frameCount = 0;
+};
+
+// A RIFF file through the reader; an RF64 file through its own layout. The
+// data position stays -1 when there is no data chunk.
+bool FindAudio(const WideString& path, AudioPlace& place, std::string& problem)
+{
+    WaveDocument document;
+    document.SetTreeForm(TreeForm::SlotsOnly);
+    document.Open(path);
+    if (document.GetContainerKind() != kContainerRiff) {
+        Rf64Layout layout;
+        if (!IsRf64File(path) || !ReadRf64Layout(path, layout, problem))
+            return Refuse(problem, "not a RIFF file");
+        if (layout.formatBytes == 0)
+            return Refuse(problem, "no format chunk");
+        std::memcpy(place.format, layout.format, layout.formatBytes);
+        place.formatBytes = layout.formatBytes;
+        place.dataPosition = layout.dataPosition;
+        const auto blockAlign = static_cast<std::uint16_t>(layout.format[12] | layout.format[13] << 8);
+        const std::int64_t present = std::min(layout.dataSize, layout.fileSize - (layout.dataPosition + 8));
+        place.frameCount = blockAlign ? std::max<std::int64_t>(0, present) / blockAlign : 0;
+        return true;
+    }
+    const FormatChunk* formatChunk = document.GetFormatChunk();
+    if (!formatChunk)
+        return Refuse(problem, "no format chunk");
+    const DataChunk* dataChunk = document.GetDataChunk();
+    // The record as the reader holds it, and the rest of the body from the
+    // file for an extensible format's sub-format.
+    const WaveFormat format = formatChunk->GetFormat();
+    const std::uint16_t fields[] = {format.formatTag, format.channels};
+    std::memcpy(place.format, fields, 4);
+    const std::uint32_t rates[] = {format.samplesPerSec, format.avgBytesPerSec};
+    std::memcpy(place.format + 4, rates, 8);
+    const std::uint16_t frame[] = {format.blockAlign, format.bitsPerSample};
+    std::memcpy(place.format + 12, frame, 4);
+    place.formatBytes = 16;
+    if (format.formatTag == kTagExtensible && formatChunk->GetSize() >= 40) {
+        StreamGuard guard;
+        FileStream& stream = document.AcquireStream(guard);
+        if (stream.SeekTo(formatChunk->GetPosition() + 8 + 16) && stream.Read(place.format + 16, 24) == 24)
+            place.formatBytes = 40;
+    }
+    if (dataChunk) {
+        place.dataPosition = dataChunk->GetPosition();
+        place.frameCount = std::max<std::int64_t>(0, dataChunk->GetFrameCount());
+    }
+    return true;
+}
+
 } // namespace
 
 double ToDecibels(double fraction)
@@ -233,18 +286,18 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     report = LevelReport();
     if (!IsExistingFile(path))
         return Refuse(problem, "no such file");
-    WaveDocument document;
-    document.SetTreeForm(TreeForm::SlotsOnly);
-    document.Open(path);
-    if (document.GetContainerKind() != kContainerRiff)
-        return Refuse(problem, "not a RIFF file");
-    const FormatChunk* formatChunk = document.GetFormatChunk();
-    if (!formatChunk)
-        return Refuse(problem, "no format chunk");
-    const WaveFormat format = formatChunk->GetFormat();
-    SampleKind kind;
-    if (!SampleKindOf(document, *formatChunk, kind, problem))
+    AudioPlace place;
+    if (!FindAudio(path, place, problem))
         return false;
+    SampleKind kind;
+    if (!SampleKindOf(place.format, place.formatBytes, kind, problem))
+        return false;
+    WaveFormat format;
+    format.channels = static_cast<std::uint16_t>(place.format[2] | place.format[3] << 8);
+    format.samplesPerSec = static_cast<std::uint32_t>(place.format[4] | place.format[5] << 8 | place.format[6] << 16) |
+                           static_cast<std::uint32_t>(place.format[7]) << 24;
+    format.blockAlign = static_cast<std::uint16_t>(place.format[12] | place.format[13] << 8);
+    format.bitsPerSample = static_cast<std::uint16_t>(place.format[14] | place.format[15] << 8);
     const std::uint32_t bytesPerSample = format.bitsPerSample / 8u;
     if (format.channels < 1)
         return Refuse(problem, "no channels");
@@ -252,20 +305,20 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         return Refuse(problem, "a frame of " + std::to_string(format.blockAlign) + " bytes can't hold " +
                                    std::to_string(format.channels) + " samples of " +
                                    std::to_string(format.bitsPerSample) + " bits");
-    DataChunk* dataChunk = document.GetDataChunk();
-    if (!dataChunk)
+
+    if (place.dataPosition < 0)
         return Refuse(problem, "no data chunk");
 
     // The audio is read past the system's cache, in large pieces of whole
     // frames, straight from the data chunk's body.
     FileStream audio;
-    if (!audio.OpenAligned(path, platform::kFileAttributeNormal) || !audio.SeekTo(dataChunk->GetPosition() + 8))
+    if (!audio.OpenAligned(path, platform::kFileAttributeNormal) || !audio.SeekTo(place.dataPosition + 8))
         return Refuse(problem, "the audio can't be read");
     const std::uint32_t stride = format.blockAlign;
     const std::uint32_t pieceFrames = std::max<std::uint32_t>(1, kReadBytes / stride);
     std::vector<std::uint8_t> piece(std::size_t{pieceFrames} * stride);
     std::vector<ChannelSums> sums(format.channels);
-    const std::int64_t frameCount = std::max<std::int64_t>(0, dataChunk->GetFrameCount());
+    const std::int64_t frameCount = place.frameCount;
     std::int64_t first = 0;
     while (first < frameCount) {
         const auto wanted = static_cast<std::uint32_t>(std::min<std::int64_t>(pieceFrames, frameCount - first));

@@ -3,6 +3,7 @@
 #include "base/Utf8.h"
 #include "check/TextFormat.h"
 #include "check/FileFacts.h"
+#include "check/Rf64File.h"
 #include "files/FileStream.h"
 #include "platform/FileSystem.h"
 #include "wave/DataChunk.h"
@@ -137,31 +138,67 @@ private:
 // says. Memory doesn't grow with the number of chunks.
 class TidyWalk {
 public:
+    // A dry run reads the input but writes nothing: it tells the size of
+    // the copy, so that a copy that would pass 4 GiB is written as RF64.
+    enum class Run { Dry, Riff, Rf64 };
+
     TidyWalk(FileStream& input, FileStream& target, std::int64_t fileSize, std::uint32_t blockAlign,
-             std::vector<std::string>& changes, std::string& problem)
+             std::vector<std::string>& changes, std::string& problem, Run run)
         : input(input), target(target), fileSize(fileSize), blockAlign(blockAlign), changes(changes),
-          problem(problem), buffer(1024 * 1024)
+          problem(problem), buffer(1024 * 1024), run(run)
     {
     }
+
+    // The size of what was written, or would have been.
+    std::int64_t Written() const { return written; }
 
     bool Copy()
     {
         std::uint8_t riff[12];
-        if (!input.SeekTo(0) || input.Read(riff, 12) != 12 || std::memcmp(riff, "RIFF", 4) != 0)
+        if (!input.SeekTo(0) || input.Read(riff, 12) != 12 ||
+            (std::memcmp(riff, "RIFF", 4) != 0 && std::memcmp(riff, "RF64", 4) != 0))
             return Refuse("the file does not begin with its RIFF chunk");
-        const std::uint32_t riffSize = riff[4] | riff[5] << 8 | riff[6] << 16 | static_cast<std::uint32_t>(riff[7]) << 24;
-        const bool placeholder = riffSize == 0 || riffSize == 0xFFFFFFFF;
-        const std::int64_t declaredEnd = 8 + std::int64_t{riffSize};
-        if (!Put(riff, 12))
-            return Failed();
+        const bool fromRf64 = std::memcmp(riff, "RF64", 4) == 0;
+        const std::uint32_t riffSize = U32(riff + 4);
+        std::int64_t declaredRiff = riffSize;
         std::int64_t position = kRootHeaderBytes;
+        std::uint8_t ds64[28] = {};
+        std::uint32_t ds64Size = 0;
+        if (fromRf64) {
+            // The ds64 chunk comes first; a 32-bit size of 0xFFFFFFFF defers
+            // to its 64-bit ones.
+            if (!input.SeekTo(12) || input.Read(ds64, 28) != 28 || std::memcmp(ds64, "ds64", 4) != 0 || U32(ds64 + 4) < 24)
+                return Refuse("an RF64 file without its ds64 chunk");
+            ds64Size = U32(ds64 + 4);
+            if (riffSize == kDefers)
+                declaredRiff = U64(ds64 + 8);
+            dataDeferred = U64(ds64 + 16);
+            position += 8 + ds64Size + ds64Size % 2;
+        }
+        const bool placeholder = declaredRiff == 0 || declaredRiff == 0xFFFFFFFF;
+        const std::int64_t declaredEnd = 8 + declaredRiff;
+
+        // The header: RIFF as it was, or RF64 with a ds64 chunk, the input's
+        // own (its table kept) or a new one.
+        const bool toRf64 = run == Run::Rf64 || (run == Run::Dry && fromRf64);
+        if (toRf64) {
+            const std::uint8_t head[8] = {'R', 'F', '6', '4', 0xFF, 0xFF, 0xFF, 0xFF};
+            if (!Put(head, 8) || !Put(riff + 8, 4))
+                return Failed();
+            ds64At = written + 8;
+            if (fromRf64 ? !CopyChunkAsItStands(12, ds64Size) : !WriteNewDs64())
+                return Failed();
+        } else if (!Put(riff, 12)) {
+            return Failed();
+        }
+
         std::size_t outside = 0;
         while (position < fileSize) {
             std::uint8_t header[8] = {};
             const auto headerBytes = static_cast<std::uint32_t>(std::min<std::int64_t>(8, fileSize - position));
             if (!input.SeekTo(position) || input.Read(header, headerBytes) != headerBytes)
                 return Failed();
-            const std::uint32_t id = header[0] | header[1] << 8 | header[2] << 16 | static_cast<std::uint32_t>(header[3]) << 24;
+            const std::uint32_t id = U32(header);
             const bool inside = placeholder || position < declaredEnd;
             if (headerBytes < 8) {
                 // A missing pad byte at the end of the file loses nothing.
@@ -177,9 +214,13 @@ public:
                               FormatCount(position));
             if (!inside)
                 ++outside;
-            std::int64_t size = header[4] | header[5] << 8 | header[6] << 16 | static_cast<std::int64_t>(header[7]) << 24;
+            const std::uint32_t size32 = U32(header + 4);
+            std::int64_t size = size32;
+            if (fromRf64 && id == kIdData && size32 == kDefers)
+                size = dataDeferred;
             const std::int64_t present = fileSize - (position + 8);
-            if (id == kIdData && present > 0 && (size == 0 || size == 0xFFFFFFFF || size > present)) {
+            const bool unfinished = fromRf64 ? size == 0 || size > present : size == 0 || size == 0xFFFFFFFF || size > present;
+            if (id == kIdData && present > 0 && unfinished) {
                 if (!CopyPlaceholderData(position, size))
                     return false;
                 break;
@@ -190,7 +231,7 @@ public:
                 size = present;
             }
             if (!WriteChunk(id, position + 8, size))
-                return Failed();
+                return false;
             position += 8 + size;
             padPending = size % 2 == 1;
             position += size % 2;
@@ -198,13 +239,28 @@ public:
         if (outside > 0)
             changes.push_back(std::to_string(outside) + (outside == 1 ? " chunk" : " chunks") +
                               " behind the declared end of RIFF taken into it");
-        const std::int64_t end = target.GetSize();
-        if (end - 8 > 0xFFFFFFFFLL)
+        const std::int64_t newSize = written - 8;
+        if (run == Run::Dry)
+            return true;
+        if (toRf64) {
+            // The 64-bit sizes, and the frames of the audio.
+            std::uint8_t sizes[24];
+            PutU64(sizes, newSize);
+            PutU64(sizes + 8, dataBytes);
+            PutU64(sizes + 16, blockAlign ? dataBytes / blockAlign : 0);
+            if (!PatchAt(ds64At, sizes, 24))
+                return Failed();
+            if (!fromRf64)
+                changes.insert(changes.begin(), "written as RF64: the copy passes 4 GiB");
+            else if (newSize != declaredRiff)
+                changes.insert(changes.begin(), "ds64 RIFF size " + FormatCount(declaredRiff) + " -> " + FormatCount(newSize));
+            return true;
+        }
+        if (newSize > 0xFFFFFFFFLL)
             return Refuse("the copy would pass 4 GiB");
-        const auto newSize = static_cast<std::uint32_t>(end - 8);
-        const std::uint8_t size[4] = {static_cast<std::uint8_t>(newSize), static_cast<std::uint8_t>(newSize >> 8),
-                                      static_cast<std::uint8_t>(newSize >> 16), static_cast<std::uint8_t>(newSize >> 24)};
-        if (!target.SeekTo(4) || !Put(size, 4) || !target.SeekTo(end))
+        std::uint8_t sizeField[4];
+        PutU32(sizeField, static_cast<std::uint32_t>(newSize));
+        if (!PatchAt(4, sizeField, 4))
             return Failed();
         if (newSize != riffSize)
             changes.insert(changes.begin(), "RIFF size " + FormatCount(riffSize) + " -> " + FormatCount(newSize));
@@ -241,30 +297,55 @@ private:
         if (partial > 0)
             changes.push_back("data: a partial frame of " + FormatCount(partial) + (partial == 1 ? " byte" : " bytes") +
                               " cut");
-        if (present - partial > 0xFFFFFFFFLL)
-            return Refuse("the audio of data at " + FormatCount(position) + " is over 4 GiB");
         if (!WriteChunk(kIdData, audioStart, present - partial))
-            return Failed();
+            return false;
         if (audioEnd < fileSize) {
             changes.push_back("chunks behind the audio kept: " + end.Describe(audioEnd, fileSize));
             if (!CopyBytes(audioEnd, fileSize - audioEnd))
                 return Failed();
         }
+        if (blockAlign == 0)
+            return true;
         return true;
     }
 
+    // A chunk from the input with the size given. In an RF64 copy the data
+    // chunk's size field defers to ds64; a chunk of 4 GiB or more can only
+    // be that one.
     bool WriteChunk(std::uint32_t id, std::int64_t body, std::int64_t size)
     {
-        const auto bodySize = static_cast<std::uint32_t>(size);
-        const std::uint8_t header[8] = {static_cast<std::uint8_t>(id), static_cast<std::uint8_t>(id >> 8),
-                                        static_cast<std::uint8_t>(id >> 16), static_cast<std::uint8_t>(id >> 24),
-                                        static_cast<std::uint8_t>(bodySize), static_cast<std::uint8_t>(bodySize >> 8),
-                                        static_cast<std::uint8_t>(bodySize >> 16), static_cast<std::uint8_t>(bodySize >> 24)};
-        return Put(header, 8) && CopyBytes(body, size) && (size % 2 == 0 || Put("", 1));
+        const bool toRf64 = ds64At >= 0;
+        if (id == kIdData)
+            dataBytes = size;
+        if (size > 0xFFFFFFFFLL && !(toRf64 && id == kIdData) && run != Run::Dry)
+            return Refuse(Name(id) + " of " + FormatCount(size) + " bytes can't be written");
+        std::uint8_t header[8];
+        PutU32(header, id);
+        PutU32(header + 4, toRf64 && id == kIdData ? kDefers : static_cast<std::uint32_t>(size));
+        if (!Put(header, 8) || !CopyBytes(body, size) || !(size % 2 == 0 || Put("", 1)))
+            return Failed();
+        return true;
+    }
+
+    bool CopyChunkAsItStands(std::int64_t position, std::uint32_t size)
+    {
+        std::uint8_t header[8];
+        return input.SeekTo(position) && input.Read(header, 8) == 8 && Put(header, 8) &&
+               CopyBytes(position + 8, size) && (size % 2 == 0 || Put("", 1));
+    }
+
+    bool WriteNewDs64()
+    {
+        std::uint8_t chunk[36] = {'d', 's', '6', '4', 28};
+        return Put(chunk, 36);
     }
 
     bool CopyBytes(std::int64_t from, std::int64_t count)
     {
+        if (run == Run::Dry) {
+            written += count;
+            return true;
+        }
         if (!input.SeekTo(from))
             return false;
         while (count > 0) {
@@ -276,7 +357,36 @@ private:
         return true;
     }
 
-    bool Put(const void* bytes, std::uint32_t count) { return target.Write(bytes, count) == count; }
+    bool Put(const void* bytes, std::uint32_t count)
+    {
+        written += count;
+        return run == Run::Dry || target.Write(bytes, count) == count;
+    }
+
+    // Writes over what was written at position, and comes back to the end.
+    bool PatchAt(std::int64_t position, const std::uint8_t* bytes, std::uint32_t count)
+    {
+        return target.SeekTo(position) && target.Write(bytes, count) == count && target.SeekTo(written);
+    }
+
+    static std::uint32_t U32(const std::uint8_t* bytes)
+    {
+        return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
+    }
+    static std::int64_t U64(const std::uint8_t* bytes)
+    {
+        return static_cast<std::int64_t>(U32(bytes) | static_cast<std::uint64_t>(U32(bytes + 4)) << 32);
+    }
+    static void PutU32(std::uint8_t* bytes, std::uint32_t value)
+    {
+        for (int i = 0; i < 4; ++i)
+            bytes[i] = static_cast<std::uint8_t>(value >> (8 * i));
+    }
+    static void PutU64(std::uint8_t* bytes, std::int64_t value)
+    {
+        PutU32(bytes, static_cast<std::uint32_t>(value));
+        PutU32(bytes + 4, static_cast<std::uint32_t>(static_cast<std::uint64_t>(value) >> 32));
+    }
 
     bool Failed() { return Refuse("the copy could not be written in full"); }
 
@@ -293,7 +403,13 @@ private:
     std::vector<std::string>& changes;
     std::string& problem;
     std::vector<std::uint8_t> buffer;
+    Run run;
+    std::int64_t written = 0;
+    std::int64_t ds64At = -1;    // where the ds64 sizes stand in an RF64 copy
+    std::int64_t dataBytes = 0;  // the audio written
+    std::int64_t dataDeferred = 0; // an RF64 input's data size from ds64
     bool padPending = false;
+    static constexpr std::uint32_t kDefers = 0xFFFFFFFF;
 };
 
 // A free name beside output for the file being written.
@@ -323,19 +439,34 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
     }
 
     // The reader finds the format, which the audio's frames are cut by.
-    WaveDocument document;
-    document.SetTreeForm(TreeForm::SlotsOnly);
-    document.Open(input);
-    if (document.GetContainerKind() != kContainerRiff) {
-        problem = "not a RIFF file";
-        return false;
+    // An RF64 file, which the reader takes for one that is not RIFF, gives
+    // its format through its own layout.
+    std::uint32_t blockAlign = 0;
+    bool hasData = false;
+    Rf64Layout layout;
+    std::string rf64Problem;
+    const bool inputRf64 = IsRf64File(input) && ReadRf64Layout(input, layout, rf64Problem);
+    if (inputRf64) {
+        if (layout.formatBytes >= 16)
+            blockAlign = static_cast<std::uint16_t>(layout.format[12] | layout.format[13] << 8);
+        hasData = layout.dataPosition >= 0;
+    } else {
+        WaveDocument document;
+        document.SetTreeForm(TreeForm::SlotsOnly);
+        document.Open(input);
+        if (document.GetContainerKind() != kContainerRiff) {
+            problem = "not a RIFF file";
+            return false;
+        }
+        const FormatChunk* format = document.GetFormatChunk();
+        if (format && format->GetFormat().channels >= 1)
+            blockAlign = format->GetFormat().blockAlign;
+        hasData = document.GetDataChunk() != nullptr;
     }
-    const FormatChunk* format = document.GetFormatChunk();
-    if (document.GetDataChunk() && (!format || format->GetFormat().channels < 1 || format->GetFormat().blockAlign < 1)) {
+    if (hasData && blockAlign < 1) {
         problem = "the data can't be written without a format of at least one channel and one byte per frame";
         return false;
     }
-    const std::uint32_t blockAlign = format ? format->GetFormat().blockAlign : 0;
 
     FileStream source;
     if (!source.OpenPlain(input, platform::kFileAttributeNormal)) {
@@ -349,8 +480,16 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
         problem = "can't make a file beside " + WideToUtf8(output.View());
         return false;
     }
-    const bool written = TidyWalk(source, target, source.GetSize(), blockAlign, changes, problem).Copy() &&
-                         target.Flush();
+    // A dry run first: a RIFF copy that would pass 4 GiB is written as RF64.
+    const std::int64_t fileSize = source.GetSize();
+    TidyWalk dry(source, target, fileSize, blockAlign, changes, problem, TidyWalk::Run::Dry);
+    bool written = dry.Copy();
+    const bool rf64 = inputRf64 || dry.Written() - 8 > 0xFFFFFFFFLL;
+    changes.clear();
+    written = written && TidyWalk(source, target, fileSize, blockAlign, changes, problem,
+                                  rf64 ? TidyWalk::Run::Rf64 : TidyWalk::Run::Riff)
+                             .Copy() &&
+              target.Flush();
     target.Close();
     if (!written) {
         platform::RemoveFile(temporary.View());

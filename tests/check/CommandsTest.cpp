@@ -272,3 +272,38 @@ TEST(TidyCopy, RefusesWhereSomethingWouldBeLost)
         EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav"));
     }
 }
+
+// An RF64 file, which the check takes for one that is not RIFF: the chunk
+// list shows ds64's sizes beside the fields that defer to them, the levels
+// are those of the same audio in RIFF, and a copy of it left unfinished
+// (ds64's sizes 0) mends to the file it was.
+TEST(Rf64, ListedMeasuredAndMended)
+{
+    TempDir dir;
+    const std::string audio = Tone(500);
+    const auto rf64 = [&](std::uint64_t riffSize, std::uint64_t dataSize) {
+        RiffBytes ds64;
+        ds64.U32(static_cast<std::uint32_t>(riffSize)).U32(0).U32(static_cast<std::uint32_t>(dataSize)).U32(0)
+            .U32(static_cast<std::uint32_t>(dataSize / 4)).U32(0).U32(0);
+        return RiffBytes().Id("RF64").U32(0xFFFFFFFF).Id("WAVE").Chunk("ds64", ds64.Bytes()).Raw(kFormat)
+            .ChunkWithSize("data", 0xFFFFFFFF, audio).Bytes();
+    };
+    const std::string sound = rf64(4 + 36 + kFormat.size() + 8 + audio.size(), audio.size());
+    const WideString path = dir.Write("sound.rf64.wav", sound);
+
+    EXPECT_EQ(Check(path), "RIFF形式ではありません。\r\n");
+    StringSink sink;
+    EXPECT_TRUE(ListChunks(path, false, sink));
+    EXPECT_EQ(sink.text, "RF64 at 0, 4,294,967,295 bytes (ds64: 2,072), form WAVE\n"
+                         "  ds64 at 12, 28 bytes\n"
+                         "  fmt  at 48, 16 bytes\n"
+                         "  data at 72, 4,294,967,295 bytes (ds64: 2,000)\n");
+    EXPECT_EQ(Levels(path), Levels(dir.Write("sound.wav", Riff(kFormat + RiffBytes().Chunk("data", audio).Bytes()))));
+
+    std::vector<std::string> changes;
+    std::string problem;
+    ASSERT_TRUE(MakeTidyCopy(dir.Write("unfinished.rf64.wav", rf64(0, 0)), dir.PathOf("mended.wav"), changes, problem))
+        << problem;
+    EXPECT_EQ(Contents(dir, "mended.wav"), sound);
+    EXPECT_EQ(changes, (std::vector<std::string>{"ds64 RIFF size 0 -> 2,072", "data: 0 bytes declared, 2,000 present"}));
+}
