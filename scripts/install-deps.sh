@@ -23,6 +23,9 @@ packages=(
     # Differential tests: sox and ffmpeg write and read WAV files of their
     # own, the real-world files that the checker's warnings are tried on.
     sox ffmpeg
+    # The loudness's oracle in the tests (never linked by the product), and
+    # pkg-config that finds it.
+    libebur128-dev pkg-config
     # The benchmarks measure time and peak memory with /usr/bin/time, and
     # set sondara-check beside mediainfo.
     time mediainfo

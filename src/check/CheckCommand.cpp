@@ -4,18 +4,21 @@
 #include "check/CheckRun.h"
 #include "check/ChunkList.h"
 #include "check/ConsoleSink.h"
+#include "check/DeliveryTarget.h"
 #include "check/FileSources.h"
 #include "check/Levels.h"
 #include "check/TextFormat.h"
 #include "check/TidyCopy.h"
 #include "platform/Console.h"
 
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
 constexpr char kUsage[] = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [-j N] FILE...\n"
-                          "       sondara-check [--json] [--chunks | --levels] FILE...\n"
+                          "       sondara-check [--json] [--chunks | --levels [--loudness] [--target NAME]] FILE...\n"
                           "       sondara-check [--json] --tidy OUT FILE";
 constexpr char kHelp[] =
     "Checks WAV files as the Sondara window does and prints a report for each,\n"
@@ -32,6 +35,12 @@ constexpr char kHelp[] =
     "  --levels    per channel peak and RMS in dBFS, DC offset and samples at\n"
     "              full scale, and the duration (8 to 32-bit PCM, 32 and\n"
     "              64-bit float)\n"
+    "  --loudness  --levels with the loudness (integrated, range, momentary\n"
+    "              and short-term maximum) and each channel's true peak\n"
+    "  --target NAME   --loudness against ebu-r128, atsc-a85 or streaming;\n"
+    "              a miss makes the exit status 1\n"
+    "  --target-lufs X [--tolerance Y] [--max-true-peak Z]   a target of\n"
+    "              your own (default tolerance 1 LU, at most -1 dBTP)\n"
     "  --tidy OUT  write a mended copy of FILE to the new path OUT and say\n"
     "              what changed; refused where anything would be lost\n"
     "Exit status:\n"
@@ -52,7 +61,14 @@ int UsageError(const std::string& message)
 
 // Each file's listing or levels as it is made: in JSON one element of the
 // array for each file.
-int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths)
+// What --levels measures beyond the levels: loudness, and a target.
+struct LevelOptions {
+    bool loudness = false;
+    bool hasTarget = false;
+    DeliveryTarget target;
+};
+
+int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths, const LevelOptions& levelOptions = {})
 {
     ConsoleSink sink(json ? ConsoleSink::Bytes::Exact : ConsoleSink::Bytes::Text);
     bool allWell = true;
@@ -69,13 +85,29 @@ int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths)
         }
         LevelReport report;
         std::string problem;
-        const bool measured = MeasureLevels(paths[i], report, problem);
+        const bool measured = MeasureLevels(paths[i], report, problem, levelOptions.loudness);
         allWell = measured && allWell;
+        std::vector<std::string> misses;
+        if (measured && levelOptions.hasTarget) {
+            misses = TargetMisses(levelOptions.target, report.loudness);
+            allWell = allWell && misses.empty();
+        }
         if (json) {
             std::string object = "{\"path\": ";
             AppendJsonString(object, paths[i].View());
             if (measured) {
-                object += ", " + FormatLevelsJson(report) + "}";
+                object += ", " + FormatLevelsJson(report);
+                if (levelOptions.hasTarget) {
+                    object += ", \"target\": {\"name\": ";
+                    AppendJsonString(object, Utf8ToWide(levelOptions.target.name));
+                    object += std::string(", \"pass\": ") + (misses.empty() ? "true" : "false") + ", \"misses\": [";
+                    for (std::size_t m = 0; m < misses.size(); ++m) {
+                        object += m ? ", " : "";
+                        AppendJsonString(object, Utf8ToWide(misses[m]));
+                    }
+                    object += "]}";
+                }
+                object += "}";
             } else {
                 object += ", \"error\": ";
                 AppendJsonString(object, Utf8ToWide(problem));
@@ -83,7 +115,14 @@ int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths)
             }
             sink.Put(object);
         } else {
-            sink.Put(measured ? FormatLevelsText(report) : "(" + problem + ")\n");
+            std::string text = measured ? FormatLevelsText(report) : "(" + problem + ")\n";
+            if (measured && levelOptions.hasTarget) {
+                if (misses.empty())
+                    text += "target " + levelOptions.target.name + ": pass\n";
+                for (const std::string& miss : misses)
+                    text += "target " + levelOptions.target.name + ": " + miss + "\n";
+            }
+            sink.Put(text);
         }
     }
     if (json)
@@ -125,6 +164,20 @@ int RunTidy(bool json, const WideString& output, const WideString& input)
     return written ? 0 : 1;
 }
 
+// A number such as "-23", "0.5" or "+1": false when it is none.
+bool ParseDecibels(const std::u16string& text, double& value)
+{
+    std::string ascii;
+    for (char16_t unit : text) {
+        if (unit >= 0x80)
+            return false;
+        ascii += static_cast<char>(unit);
+    }
+    char* end = nullptr;
+    value = std::strtod(ascii.c_str(), &end);
+    return !ascii.empty() && end && *end == '\0' && std::isfinite(value);
+}
+
 // The number behind -j: a whole number from 1 to 256; 0 when it is none.
 unsigned ParseJobs(const std::u16string& text)
 {
@@ -150,6 +203,10 @@ int ConsoleMain(const std::vector<std::u16string>& arguments)
     bool formatChosen = false;
     WideString output;
     std::vector<WideString> paths;
+    LevelOptions levelOptions;
+    bool customTarget = false;
+    double customFigures[3] = {0, 0, 0};
+    bool customGiven[3] = {false, false, false};
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::u16string& argument = arguments[i];
         if (!optionsEnded && argument == u"--help") {
@@ -183,6 +240,27 @@ int ConsoleMain(const std::vector<std::u16string>& arguments)
             run.jobs = ParseJobs(separate ? arguments[++i] : argument.substr(2));
             if (run.jobs == 0)
                 return UsageError("sondara-check: -j takes a number from 1 to 256");
+        } else if (argument == u"--loudness") {
+            if (mode != Mode::Check && mode != Mode::Levels)
+                return UsageError("sondara-check: --chunks, --levels and --tidy go one at a time");
+            mode = Mode::Levels;
+            levelOptions.loudness = true;
+        } else if (argument == u"--target") {
+            if (i + 1 == arguments.size() || !FindDeliveryTarget(WideToUtf8(arguments[i + 1]), levelOptions.target))
+                return UsageError("sondara-check: --target takes ebu-r128, atsc-a85 or streaming");
+            ++i;
+            levelOptions.hasTarget = true;
+            levelOptions.loudness = true;
+            mode = Mode::Levels;
+        } else if (argument == u"--target-lufs" || argument == u"--tolerance" || argument == u"--max-true-peak") {
+            const int which = argument == u"--target-lufs" ? 0 : argument == u"--tolerance" ? 1 : 2;
+            double value = 0;
+            if (i + 1 == arguments.size() || !ParseDecibels(arguments[i + 1], value))
+                return UsageError("sondara-check: " + WideToUtf8(argument) + " takes a number");
+            ++i;
+            customFigures[which] = value;
+            customGiven[which] = true;
+            customTarget = true;
         } else if (argument == u"--chunks") {
             mode = Mode::Chunks;
         } else if (argument == u"--levels") {
@@ -197,6 +275,15 @@ int ConsoleMain(const std::vector<std::u16string>& arguments)
         } else {
             return UsageError("sondara-check: unknown option " + WideToUtf8(argument));
         }
+    }
+    if (customTarget) {
+        if (!customGiven[0] || levelOptions.hasTarget)
+            return UsageError("sondara-check: --target-lufs sets a target of your own, instead of --target");
+        levelOptions.target = {"own", customFigures[0], customGiven[1] ? customFigures[1] : 1.0,
+                               customGiven[2] ? customFigures[2] : -1.0};
+        levelOptions.hasTarget = true;
+        levelOptions.loudness = true;
+        mode = Mode::Levels;
     }
     if (paths.empty())
         return UsageError("");
@@ -214,7 +301,7 @@ int ConsoleMain(const std::vector<std::u16string>& arguments)
         std::vector<WideString> files;
         for (const SourcePath& source : sources)
             files.push_back(source.path);
-        return RunEachFile(mode, json, files);
+        return RunEachFile(mode, json, files, levelOptions);
     }
     ConsoleSink sink(run.format == OutputFormat::Text ? ConsoleSink::Bytes::Text : ConsoleSink::Bytes::Exact);
     return RunChecks(sources, run, sink);

@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <memory>
 
 namespace {
 
@@ -175,10 +176,58 @@ void AddFrames(SampleKind kind, std::uint32_t bytesPerSample, const std::uint8_t
     }
 }
 
+// Interleaved samples of any kind as floats at full scale ±1.0.
+void ToFloats(SampleKind kind, std::uint32_t bytesPerSample, const std::uint8_t* data, std::uint32_t frames,
+              std::uint32_t stride, std::uint32_t channels, std::vector<float>& out)
+{
+    for (std::uint32_t c = 0; c < channels; ++c) {
+        const std::uint8_t* channel = data + c * bytesPerSample;
+        float* target = out.data() + c;
+        switch (kind) {
+        case SampleKind::Unsigned8:
+            for (std::uint32_t f = 0; f < frames; ++f)
+                target[std::size_t{f} * channels] = static_cast<float>(SampleAt<1>(channel + std::size_t{f} * stride)) / 128.0f;
+            break;
+        case SampleKind::Signed16:
+            for (std::uint32_t f = 0; f < frames; ++f)
+                target[std::size_t{f} * channels] = static_cast<float>(SampleAt<2>(channel + std::size_t{f} * stride)) / 32768.0f;
+            break;
+        case SampleKind::Signed24:
+            for (std::uint32_t f = 0; f < frames; ++f)
+                target[std::size_t{f} * channels] = static_cast<float>(SampleAt<3>(channel + std::size_t{f} * stride)) / 8388608.0f;
+            break;
+        case SampleKind::Signed32:
+            for (std::uint32_t f = 0; f < frames; ++f)
+                target[std::size_t{f} * channels] =
+                    static_cast<float>(static_cast<double>(SampleAt<4>(channel + std::size_t{f} * stride)) / 2147483648.0);
+            break;
+        case SampleKind::Float32:
+            for (std::uint32_t f = 0; f < frames; ++f)
+                target[std::size_t{f} * channels] = FloatAt<float>(channel + std::size_t{f} * stride);
+            break;
+        case SampleKind::Float64:
+            for (std::uint32_t f = 0; f < frames; ++f)
+                target[std::size_t{f} * channels] = static_cast<float>(FloatAt<double>(channel + std::size_t{f} * stride));
+            break;
+        }
+    }
+}
+
 bool Refuse(std::string& problem, const std::string& why)
 {
     problem = why;
     return false;
+}
+
+// A loudness with this many decimals, or -inf when there is none.
+std::string Lufs(double loudness, int decimals)
+{
+    return std::isinf(loudness) ? "-inf" : FormatFixed(loudness, decimals);
+}
+
+std::string NullOr(double value, int decimals)
+{
+    return std::isinf(value) ? "null" : FormatFixed(value, decimals);
 }
 
 std::string Decibels(double fraction, const char* silent)
@@ -281,7 +330,7 @@ double ToDecibels(double fraction)
     return fraction > 0 ? 20 * std::log10(fraction) : -std::numeric_limits<double>::infinity();
 }
 
-bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem)
+bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem, bool loudness)
 {
     report = LevelReport();
     if (!IsExistingFile(path))
@@ -318,6 +367,19 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     const std::uint32_t pieceFrames = std::max<std::uint32_t>(1, kReadBytes / stride);
     std::vector<std::uint8_t> piece(std::size_t{pieceFrames} * stride);
     std::vector<ChannelSums> sums(format.channels);
+    // The loudness is measured on the same pieces, made floats once.
+    std::unique_ptr<LoudnessMeter> meter;
+    std::vector<float> floats;
+    if (loudness) {
+        const std::uint32_t mask = place.formatBytes >= 24 && (place.format[0] | place.format[1] << 8) == kTagExtensible
+                                       ? static_cast<std::uint32_t>(place.format[20] | place.format[21] << 8 |
+                                                                    place.format[22] << 16) |
+                                             static_cast<std::uint32_t>(place.format[23]) << 24
+                                       : 0;
+        meter = std::make_unique<LoudnessMeter>(format.samplesPerSec,
+                                                LoudnessMeter::ChannelWeights(format.channels, mask));
+        floats.resize(std::size_t{pieceFrames} * format.channels);
+    }
     const std::int64_t frameCount = place.frameCount;
     std::int64_t first = 0;
     while (first < frameCount) {
@@ -325,6 +387,10 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         const std::uint32_t got = audio.Read(piece.data(), wanted * stride);
         const std::uint32_t frames = got / stride;
         AddFrames(kind, bytesPerSample, piece.data(), frames, stride, sums);
+        if (meter) {
+            ToFloats(kind, bytesPerSample, piece.data(), frames, stride, format.channels, floats);
+            meter->Add(floats.data(), frames);
+        }
         first += frames;
         if (frames < wanted)
             break;
@@ -356,6 +422,10 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         levels.fullScale = s.fullScale;
         report.channels.push_back(levels);
     }
+    if (meter) {
+        report.hasLoudness = true;
+        report.loudness = meter->Result();
+    }
     return true;
 }
 
@@ -385,6 +455,14 @@ std::string FormatLevelsText(const LevelReport& report)
                 (report.isFloat ? ", " + FormatCount(static_cast<std::int64_t>(levels.overFullScale)) + " over it" : "") +
                 "\n";
     }
+    if (report.hasLoudness) {
+        const LoudnessMeter::Figures& l = report.loudness;
+        text += "loudness: integrated " + Lufs(l.integrated, 1) + " LUFS, range " + FormatFixed(l.range, 1) +
+                " LU, momentary max " + Lufs(l.momentaryMax, 1) + " LUFS, short-term max " + Lufs(l.shortTermMax, 1) +
+                " LUFS\n";
+        for (std::size_t c = 0; c < l.truePeak.size(); ++c)
+            text += "channel " + std::to_string(c + 1) + ": true peak " + Decibels(l.truePeak[c], "-inf") + " dBTP\n";
+    }
     return text;
 }
 
@@ -410,5 +488,15 @@ std::string FormatLevelsJson(const LevelReport& report)
                 ", \"fullScale\": " + std::to_string(levels.fullScale) +
                 (report.isFloat ? ", \"overFullScale\": " + std::to_string(levels.overFullScale) : "") + "}";
     }
-    return json + "]";
+    json += "]";
+    if (report.hasLoudness) {
+        const LoudnessMeter::Figures& l = report.loudness;
+        json += ", \"loudness\": {\"integrated\": " + NullOr(l.integrated, 2) + ", \"range\": " + FormatFixed(l.range, 2) +
+                ", \"momentaryMax\": " + NullOr(l.momentaryMax, 2) + ", \"shortTermMax\": " + NullOr(l.shortTermMax, 2) +
+                ", \"truePeak\": [";
+        for (std::size_t c = 0; c < l.truePeak.size(); ++c)
+            json += (c ? ", " : "") + decibels(l.truePeak[c]);
+        json += "]}";
+    }
+    return json;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/WideString.h"
+#include "check/Loudness.h"
 
 #include <cstdint>
 #include <string>
@@ -21,6 +22,8 @@ struct LevelReport {
     std::uint16_t bits = 0;
     bool isFloat = false;
     std::vector<ChannelLevels> channels;
+    bool hasLoudness = false;
+    LoudnessMeter::Figures loudness{};
 };
 
 // Reads every sample frame of the file's data chunk in aligned mode, past
@@ -28,7 +31,8 @@ struct LevelReport {
 // and 32 and 64-bit float, plain or extensible, of any number of channels,
 // full scale at the highest code or at ±1.0. Anything else, or a file
 // without audio, gives false and a message for the user in problem.
-bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem);
+// With loudness, the programme's loudness and each channel's true peak too.
+bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem, bool loudness = false);
 
 // Decibels relative to full scale, and the lines of a report: text ending
 // in LF, or the members of a JSON object (decibels of silence as null).

@@ -70,7 +70,7 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
     dir.Write("--json", SoundWave());
     dir.Write("-x", "not a wave file");
     const std::string usage = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [-j N] FILE...\n"
-                              "       sondara-check [--json] [--chunks | --levels] FILE...\n"
+                              "       sondara-check [--json] [--chunks | --levels [--loudness] [--target NAME]] FILE...\n"
                               "       sondara-check [--json] --tidy OUT FILE\n";
     const std::string soundChunks = "RIFF at 0, 52 bytes, form WAVE\n  fmt  at 12, 16 bytes\n  data at 36, 16 bytes\n";
     const std::string silentChannel = "peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n";

@@ -1,0 +1,224 @@
+#include "check/Loudness.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kAbsoluteGate = -70.0;
+constexpr double kRelativeGate = -10.0;
+constexpr double kRangeGate = -20.0;
+// Taps of the true-peak filter for each phase.
+constexpr int kTapsPerPhase = 16;
+
+// BS.1770's loudness of a mean square, weighted and summed over channels.
+double LoudnessOf(double energy)
+{
+    return energy > 0 ? -0.691 + 10 * std::log10(energy) : -std::numeric_limits<double>::infinity();
+}
+
+} // namespace
+
+std::vector<double> LoudnessMeter::ChannelWeights(std::uint16_t channels, std::uint32_t channelMask)
+{
+    constexpr std::uint32_t kLowFrequency = 0x8;
+    // Back left and right, back centre, side left and right.
+    constexpr std::uint32_t kSurround = 0x10 | 0x20 | 0x100 | 0x200 | 0x400;
+    std::vector<double> weights(channels, 1.0);
+    if (channelMask != 0) {
+        std::size_t channel = 0;
+        for (std::uint32_t bit = 1; bit != 0 && channel < channels; bit <<= 1) {
+            if (!(channelMask & bit))
+                continue;
+            weights[channel++] = bit == kLowFrequency ? 0.0 : (bit & kSurround) ? 1.41 : 1.0;
+        }
+    } else if (channels == 6) {
+        weights = {1.0, 1.0, 1.0, 0.0, 1.41, 1.41};
+    }
+    return weights;
+}
+
+// The two K-weighting filters are worked out for the sample rate from
+// their analogue prototypes: a high shelf of +4 dB above about 1.7 kHz and
+// a high pass at about 38 Hz.
+LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> channelWeights)
+    : sampleRate(sampleRate), weights(std::move(channelWeights)), channels(weights.size()),
+      stepFrames(std::max<std::uint32_t>(1, sampleRate / 10)), steps(30, 0.0),
+      oversampling(sampleRate < 96000 ? 4 : sampleRate < 192000 ? 2 : 1)
+{
+    const double rate = sampleRate > 0 ? sampleRate : 48000;
+    {
+        const double f0 = 1681.974450955533, gain = 3.999843853973347, q = 0.7071752369554196;
+        const double k = std::tan(kPi * f0 / rate);
+        const double vh = std::pow(10.0, gain / 20), vb = std::pow(vh, 0.4996667741545416);
+        const double a0 = 1 + k / q + k * k;
+        shelf = {(vh + vb * k / q + k * k) / a0, 2 * (k * k - vh) / a0, (vh - vb * k / q + k * k) / a0,
+                 2 * (k * k - 1) / a0, (1 - k / q + k * k) / a0};
+    }
+    {
+        const double f0 = 38.13547087602444, q = 0.5003270373238773;
+        const double k = std::tan(kPi * f0 / rate);
+        const double a0 = 1 + k / q + k * k;
+        highPass = {1, -2, 1, 2 * (k * k - 1) / a0, (1 - k / q + k * k) / a0};
+    }
+    // The interpolation filter: a sinc cut at the original Nyquist
+    // frequency under a Blackman window, its phases each summing to 1.
+    const int taps = kTapsPerPhase * oversampling;
+    phases.assign(oversampling, std::vector<double>(kTapsPerPhase, 0.0));
+    for (int p = 0; p < oversampling; ++p) {
+        double sum = 0;
+        for (int k = 0; k < kTapsPerPhase; ++k) {
+            const int m = p + k * oversampling;
+            const double x = (m - (taps - 1) / 2.0) / oversampling;
+            const double sinc = x == 0 ? 1 : std::sin(kPi * x) / (kPi * x);
+            const double window = 0.42 - 0.5 * std::cos(2 * kPi * (m + 0.5) / taps) + 0.08 * std::cos(4 * kPi * (m + 0.5) / taps);
+            phases[p][k] = sinc * window;
+            sum += phases[p][k];
+        }
+        for (double& tap : phases[p])
+            tap /= sum;
+    }
+    for (ChannelState& state : channels)
+        state.history.assign(2 * kTapsPerPhase, 0.0f);
+}
+
+double LoudnessMeter::TruePeakOf(ChannelState& state, float sample)
+{
+    // The history is kept twice over, so that the last kTapsPerPhase
+    // samples, newest first, always lie side by side.
+    state.next = state.next == 0 ? kTapsPerPhase - 1 : state.next - 1;
+    state.history[state.next] = sample;
+    state.history[state.next + kTapsPerPhase] = sample;
+    const float* recent = state.history.data() + state.next;
+    double peak = std::fabs(sample);
+    if (oversampling > 1) {
+        for (const std::vector<double>& phase : phases) {
+            double value = 0;
+            for (int k = 0; k < kTapsPerPhase; ++k)
+                value += phase[k] * recent[k];
+            peak = std::max(peak, std::fabs(value));
+        }
+    }
+    return peak;
+}
+
+void LoudnessMeter::Add(const float* frames, std::size_t frameCount)
+{
+    const std::size_t count = channels.size();
+    for (std::size_t f = 0; f < frameCount; ++f) {
+        for (std::size_t c = 0; c < count; ++c) {
+            ChannelState& state = channels[c];
+            const double x = frames[f * count + c];
+            const double y1 = shelf.b0 * x + state.z[0];
+            state.z[0] = shelf.b1 * x - shelf.a1 * y1 + state.z[1];
+            state.z[1] = shelf.b2 * x - shelf.a2 * y1;
+            const double y2 = highPass.b0 * y1 + state.z[2];
+            state.z[2] = highPass.b1 * y1 - highPass.a1 * y2 + state.z[3];
+            state.z[3] = highPass.b2 * y1 - highPass.a2 * y2;
+            state.blockEnergy += y2 * y2;
+            state.truePeak = std::max(state.truePeak, TruePeakOf(state, static_cast<float>(x)));
+        }
+        if (++framesInStep == stepFrames)
+            EndOfStep();
+    }
+}
+
+// Every 100 ms: the step's weighted energy joins the last 30; a block of
+// 400 ms (four steps, overlapping by three) goes to the gating, and once 3 s
+// have passed a short-term value goes to the loudness range.
+void LoudnessMeter::EndOfStep()
+{
+    double energy = 0;
+    for (std::size_t c = 0; c < channels.size(); ++c) {
+        energy += weights[c] * channels[c].blockEnergy;
+        channels[c].blockEnergy = 0;
+    }
+    steps[stepCount % steps.size()] = energy;
+    ++stepCount;
+    framesInStep = 0;
+    const auto sumOfLast = [&](std::size_t n) {
+        double sum = 0;
+        for (std::size_t i = 0; i < n; ++i)
+            sum += steps[(stepCount - 1 - i) % steps.size()];
+        return sum;
+    };
+    if (stepCount >= 4) {
+        const double block = sumOfLast(4) / (4.0 * stepFrames);
+        momentaryMax = std::max(momentaryMax, LoudnessOf(block));
+        blocks.Add(block);
+    }
+    if (stepCount >= 30) {
+        const double shortTerm = sumOfLast(30) / (30.0 * stepFrames);
+        shortTermMax = std::max(shortTermMax, LoudnessOf(shortTerm));
+        shortTerms.Add(shortTerm);
+    }
+}
+
+LoudnessMeter::Figures LoudnessMeter::Result() const
+{
+    const double minusInfinity = -std::numeric_limits<double>::infinity();
+    Figures figures{minusInfinity, 0, momentaryMax < -1e299 ? minusInfinity : momentaryMax,
+                    shortTermMax < -1e299 ? minusInfinity : shortTermMax, {}};
+    std::uint64_t count = 0;
+    const double absoluteMean = blocks.MeanAbove(kAbsoluteGate, count);
+    if (count > 0) {
+        const double mean = blocks.MeanAbove(LoudnessOf(absoluteMean) + kRelativeGate, count);
+        figures.integrated = LoudnessOf(mean);
+    }
+    const double shortMean = shortTerms.MeanAbove(kAbsoluteGate, count);
+    if (count > 0) {
+        const double floor = LoudnessOf(shortMean) + kRangeGate;
+        figures.range = shortTerms.Percentile(floor, 0.95) - shortTerms.Percentile(floor, 0.10);
+    }
+    for (const ChannelState& state : channels)
+        figures.truePeak.push_back(state.truePeak);
+    return figures;
+}
+
+int LoudnessMeter::Histogram::Bin(double loudness)
+{
+    return static_cast<int>(std::floor((loudness - kAbsoluteGate) * 100));
+}
+
+void LoudnessMeter::Histogram::Add(double energy)
+{
+    const double loudness = LoudnessOf(energy);
+    if (!(loudness >= kAbsoluteGate))
+        return;
+    const int bin = std::min(Bin(loudness), kBins - 1);
+    energies[bin] += energy;
+    ++counts[bin];
+}
+
+double LoudnessMeter::Histogram::MeanAbove(double loudness, std::uint64_t& count) const
+{
+    double sum = 0;
+    count = 0;
+    for (int bin = std::max(0, Bin(loudness)); bin < kBins; ++bin) {
+        sum += energies[bin];
+        count += counts[bin];
+    }
+    return count ? sum / count : 0;
+}
+
+// By the blocks' count: the loudness at the middle of the bin where the
+// share is reached.
+double LoudnessMeter::Histogram::Percentile(double floor, double share) const
+{
+    std::uint64_t total = 0;
+    const int first = std::max(0, Bin(floor));
+    for (int bin = first; bin < kBins; ++bin)
+        total += counts[bin];
+    if (total == 0)
+        return 0;
+    const auto wanted = static_cast<std::uint64_t>(std::ceil(share * static_cast<double>(total)));
+    std::uint64_t seen = 0;
+    for (int bin = first; bin < kBins; ++bin) {
+        seen += counts[bin];
+        if (seen >= std::max<std::uint64_t>(1, wanted))
+            return kAbsoluteGate + (bin + 0.5) / 100;
+    }
+    return kAbsoluteGate + kBins / 100.0;
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+// Loudness of a programme as ITU-R BS.1770-4 and EBU Tech 3341/3342 measure
+// it: integrated loudness with its two gates, loudness range, the highest
+// momentary (400 ms) and short-term (3 s) loudness, and per channel the
+// true peak, oversampled four times (twice at 96 kHz and above). Fed with
+// frames of float samples at full scale ±1.0; memory does not grow with
+// the length of the programme (the gated blocks go into histograms of
+// 0.01 LU).
+class LoudnessMeter {
+public:
+    // weights: one per channel, as ChannelWeights gives them.
+    LoudnessMeter(std::uint32_t sampleRate, std::vector<double> weights);
+
+    void Add(const float* frames, std::size_t frameCount);
+
+    struct Figures {
+        double integrated;     // LUFS; -inf when every block is gated away
+        double range;          // LU
+        double momentaryMax;   // LUFS
+        double shortTermMax;   // LUFS
+        std::vector<double> truePeak; // per channel, as a fraction of full scale
+    };
+    Figures Result() const;
+
+    // BS.1770's weights: 1.0 for left, right and centre, 1.41 for the
+    // surround channels, 0 for LFE. With a channel mask (WAVE_FORMAT_
+    // EXTENSIBLE) each channel's speaker decides; without one, the usual
+    // order of 5.1 (L R C LFE Ls Rs) for six channels, 1.0 otherwise.
+    static std::vector<double> ChannelWeights(std::uint16_t channels, std::uint32_t channelMask);
+
+private:
+    struct Biquad {
+        double b0, b1, b2, a1, a2;
+    };
+    struct ChannelState {
+        double z[4] = {}; // the two filters' states
+        double blockEnergy = 0;
+        std::vector<float> history; // the last samples, for the true-peak filter
+        int next = 0;               // where the newest of them stands
+        double truePeak = 0;
+    };
+    class Histogram {
+    public:
+        void Add(double energy);
+        // The mean energy of the blocks above a loudness, and their count.
+        double MeanAbove(double loudness, std::uint64_t& count) const;
+        // The loudness below which this share of the blocks above a floor lie.
+        double Percentile(double floor, double share) const;
+    private:
+        static int Bin(double loudness);
+        std::vector<double> energies = std::vector<double>(kBins, 0.0);
+        std::vector<std::uint64_t> counts = std::vector<std::uint64_t>(kBins, 0);
+        static constexpr int kBins = 8000; // -70 to +10 LUFS in 0.01 LU
+    };
+
+    void EndOfStep();
+    double TruePeakOf(ChannelState& state, float sample);
+
+    std::uint32_t sampleRate;
+    std::vector<double> weights;
+    std::vector<ChannelState> channels;
+    Biquad shelf{}, highPass{};
+    std::uint32_t stepFrames;       // 100 ms
+    std::uint32_t framesInStep = 0;
+    std::vector<double> steps;      // the last 30 steps' weighted energies
+    std::size_t stepCount = 0;
+    double momentaryMax = -1e300, shortTermMax = -1e300;
+    Histogram blocks, shortTerms;
+    int oversampling;
+    std::vector<std::vector<double>> phases; // the interpolation filter, a row per phase
+};
