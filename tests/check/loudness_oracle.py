@@ -55,7 +55,7 @@ def main():
     for name, arguments in CASES.items():
         path = os.path.join(work, name + ".wav")
         effects = arguments.index("synth")
-        subprocess.run(["sox", "-V1", "-n"] + arguments[:effects] + [path] + arguments[effects:], check=True)
+        subprocess.run(["sox", "-V1", "-R", "-n"] + arguments[:effects] + [path] + arguments[effects:], check=True)
         paths.append(path)
     compared = 0
     for path in paths:
