@@ -1,6 +1,9 @@
 #!/usr/bin/env bash
 # Times the levels of a 1 GiB 16-bit stereo WAV file: sondara-check --levels
-# against `sox FILE -n stats`, each from a cold page cache, in the same run.
+# against `sox FILE -n stats`, each from a cold page cache, in the same run;
+# then --levels beside `dd iflag=direct` (the speed of the disk itself: at
+# least 90% of it wanted), and --levels --loudness beside ffmpeg's
+# ebur128=peak=true (at most a tenth of its time wanted), with peak memory.
 # sondara-check reads past the system's cache (aligned mode), so after it
 # the file's pages must still be out of the cache: fincore shows them
 # before and after each tool.
@@ -59,6 +62,18 @@ evict "$file"
 measure "sox stats cold" "$out/levels-sox.txt" sox "$file" -n stats
 measure "sox stats warm" "$out/levels-sox-warm.txt" sox "$file" -n stats
 measure "sondara-check again" "$out/levels-sondara-again.txt" "$checker" --levels "$file"
+evict "$file"
+measure "dd direct" "$out/levels-dd.txt" dd if="$file" of=/dev/null bs=4M iflag=direct
+measure "sondara-check levels" "$out/levels-only.txt" "$checker" --levels "$file"
+measure "sondara-check loudness" "$out/levels-loudness.txt" "$checker" --levels --loudness "$file"
+if command -v ffmpeg >/dev/null; then
+  evict "$file"
+  measure "ffmpeg ebur128" "$out/levels-ffmpeg.txt" ffmpeg -nostats -i "$file" -af ebur128=peak=true -f null -
+  python3 -c 'import sys; d, l, o, f = map(float, sys.argv[1:]); print(f"  --levels at {d / max(l, 0.01):.0%} of dd direct (90% wanted); --loudness in {o / max(f, 0.01):.1%} of ffmpeg'"'"'s time (10% at most)")' \
+    "$dd_direct" "$sondara_check_levels" "$sondara_check_loudness" "$ffmpeg_ebur128"
+  grep -E 'I:|LRA:|Peak:' "$out/levels-ffmpeg.txt" | tail -4 | sed 's/^/  ffmpeg /'
+fi
+echo "sondara-check --loudness:"; sed 's/^/  /' "$out/levels-loudness.txt"
 echo "sondara-check:"; sed 's/^/  /' "$out/levels-sondara.txt"
 echo "sox:"; grep -E 'Pk lev dB|RMS lev dB|DC offset' "$out/levels-sox.txt" | sed 's/^/  /'
 if awk -v a="$sondara_check_cold" -v b="$sox_stats_cold" 'BEGIN { exit !(a <= b) }'; then
