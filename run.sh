@@ -72,7 +72,9 @@ if [[ -n $user_display ]]; then
     if ((window_status != 2)); then
         exit 1
     fi
-    exit "$check_status"
+    # A report with findings is a result, not a failure of the run.
+    ((check_status <= 1)) || exit 1
+    exit 0
 fi
 
 mkdir -p build/run

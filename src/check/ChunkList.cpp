@@ -17,23 +17,6 @@
 
 namespace {
 
-// A chunk's id as text: printable ASCII as it is, every other byte as \xNN.
-std::string IdText(std::uint32_t id)
-{
-    std::string text;
-    for (int shift = 0; shift < 32; shift += 8) {
-        const auto byte = static_cast<unsigned char>(id >> shift);
-        if (byte >= 0x20 && byte < 0x7F) {
-            text += static_cast<char>(byte);
-        } else {
-            char escape[5];
-            std::snprintf(escape, sizeof escape, "\\x%02X", byte);
-            text += escape;
-        }
-    }
-    return text;
-}
-
 // The same for JSON: each byte as the character of that number.
 std::u16string IdUnits(std::uint32_t id)
 {
@@ -196,13 +179,13 @@ private:
             line += std::string(", \"pastFileEnd\": ") + (pastFile ? "true" : "false") +
                     ", \"pastParentEnd\": " + (pastParent ? "true" : "false") + "}";
         } else {
-            line = std::string(static_cast<std::size_t>(depth) * 2, ' ') + IdText(chunk.GetId()) + " at " +
+            line = std::string(static_cast<std::size_t>(depth) * 2, ' ') + ChunkIdText(chunk.GetId()) + " at " +
                    FormatCount(chunk.GetPosition()) + ", " +
                    (sized ? FormatCount(chunk.GetSize()) + " bytes" : std::string("size field cut short"));
             if (form)
-                line += ", form " + IdText(form);
+                line += ", form " + ChunkIdText(form);
             if (listChild)
-                line += ", list " + IdText(listChild->GetId());
+                line += ", list " + ChunkIdText(listChild->GetId());
             if (info) {
                 WideString key, value;
                 for (std::int32_t i = 0; info->GetEntries().GetEntry(i, key, value); ++i)
@@ -280,12 +263,12 @@ bool ListRf64(const WideString& path, bool json, TextSink& sink)
             line += std::string(", \"pastFileEnd\": ") + (pastFile ? "true" : "false") +
                     ", \"pastParentEnd\": " + (pastParent ? "true" : "false") + "}";
         } else {
-            line = std::string(static_cast<std::size_t>(depth) * 2, ' ') + IdText(id) + " at " + FormatCount(position) +
+            line = std::string(static_cast<std::size_t>(depth) * 2, ' ') + ChunkIdText(id) + " at " + FormatCount(position) +
                    ", " + FormatCount(size32) + " bytes";
             if (deferred)
                 line += " (ds64: " + FormatCount(size) + ")";
             if (form)
-                line += ", form " + IdText(form);
+                line += ", form " + ChunkIdText(form);
             if (pastFile)
                 line += "; runs past the end of the file by " + FormatCount(end - layout.fileSize) + " bytes";
             if (pastParent)

@@ -1,5 +1,6 @@
 #include "check/FileWarnings.h"
 
+#include "check/TextFormat.h"
 #include "files/FileStream.h"
 
 #include <algorithm>
@@ -30,16 +31,6 @@ std::uint32_t U32(const std::uint8_t* bytes)
 std::uint16_t U16(const std::uint8_t* bytes)
 {
     return static_cast<std::uint16_t>(bytes[0] | (bytes[1] << 8));
-}
-
-std::string IdText(const std::uint8_t* id)
-{
-    std::string text;
-    for (int i = 0; i < 4; ++i) {
-        const char c = static_cast<char>(id[i]);
-        text += c >= 0x20 && c < 0x7F ? c : '?';
-    }
-    return text;
 }
 
 // Four bytes that may begin a chunk: printable ASCII, as every chunk id
@@ -116,7 +107,7 @@ public:
         int formats = 0;
         std::uint8_t header[8];
         while (position + 8 <= end && ReadAt(position, header, 8)) {
-            const std::string id = IdText(header);
+            const std::string id = ChunkIdText(U32(header));
             const std::uint32_t size = U32(header + 4);
             const std::int64_t bodyEnd = position + 8 + size;
             if (id == "fmt ") {

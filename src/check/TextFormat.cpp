@@ -26,6 +26,22 @@ void AppendJsonString(std::string& out, std::u16string_view text)
     out += '"';
 }
 
+std::string ChunkIdText(std::uint32_t id)
+{
+    std::string text;
+    for (int shift = 0; shift < 32; shift += 8) {
+        const auto byte = static_cast<unsigned char>(id >> shift);
+        if (byte >= 0x20 && byte < 0x7F) {
+            text += static_cast<char>(byte);
+        } else {
+            char escape[5];
+            std::snprintf(escape, sizeof escape, "\\x%02X", byte);
+            text += escape;
+        }
+    }
+    return text;
+}
+
 std::string FormatCount(std::int64_t value)
 {
     const bool negative = value < 0;

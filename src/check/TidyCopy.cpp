@@ -20,13 +20,10 @@ namespace {
 
 constexpr std::int64_t kRootHeaderBytes = 12;
 
+// A chunk's name in a message: its id, without the spaces that pad it.
 std::string Name(std::uint32_t id)
 {
-    std::string text;
-    for (int shift = 0; shift < 32; shift += 8) {
-        const auto byte = static_cast<char>(id >> shift);
-        text += byte >= 0x20 && byte < 0x7F ? byte : '?';
-    }
+    std::string text = ChunkIdText(id);
     while (!text.empty() && text.back() == ' ')
         text.pop_back();
     return text;
