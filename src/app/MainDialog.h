@@ -46,7 +46,6 @@ public:
     void RunCheck(WorkerThread* runningWorker);
 
     // Check state
-    void SetWavePath(const WideString& path) { wavePath = path; }
     const CheckReport& GetReport() const { return report; }
     bool ReportHasError() const { return reportHasError; }
 

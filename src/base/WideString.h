@@ -35,8 +35,6 @@ public:
     WideString Substring(std::size_t start, std::size_t count = npos) const;
     std::size_t Find(char16_t unit, std::size_t from = 0) const { return View().find(unit, from); }
     std::size_t Find(std::u16string_view text, std::size_t from = 0) const { return View().find(text, from); }
-    std::size_t FindLast(char16_t unit) const { return View().rfind(unit); }
-    bool StartsWith(std::u16string_view text) const { return View().starts_with(text); }
     bool EndsWith(std::u16string_view text) const { return View().ends_with(text); }
 
     WideString& Append(std::u16string_view text);

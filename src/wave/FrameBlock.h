@@ -32,7 +32,6 @@ public:
     std::uint32_t Length() const { return length; }
     std::uint32_t Capacity() const { return capacity; }
     std::uint32_t GetChannels() const { return channels; }
-    std::uint32_t GetBytesPerFrame() const { return bytesPerFrame; }
     std::uint32_t GetFrameCount() const { return bytesPerFrame ? length / bytesPerFrame : 0; }
 
 private:
