@@ -51,7 +51,9 @@ PY
 
 for file in "$rf64" "$riff"; do
   printf '%s\n' "$file"
-  "$checker" --chunks "$file" | sed 's/^/  /'
+  # A RIFF file past 4 GiB: behind its data chunk the reader meets the
+  # rest of the audio as chunks, millions of them; the first lines tell.
+  "$checker" --chunks "$file" | head -n 8 | sed 's/^/  /' || true
   measure "sondara-check --levels" "$checker" --levels "$file"
   measure "sox stats" sox "$file" -n stats
   copy="$file.mended.wav"

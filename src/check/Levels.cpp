@@ -127,7 +127,8 @@ void AddChannel32(const std::uint8_t* data, std::uint32_t frames, std::uint32_t 
             squares += static_cast<double>(v) * v;
             lowest = std::min(lowest, v);
             highest = std::max(highest, v);
-            fullScale += (v == std::numeric_limits<std::int32_t>::max()) | (v == std::numeric_limits<std::int32_t>::min());
+            fullScale += static_cast<std::uint64_t>(v == std::numeric_limits<std::int32_t>::max()) +
+                         static_cast<std::uint64_t>(v == std::numeric_limits<std::int32_t>::min());
         }
         sums.squares += squares;
     }

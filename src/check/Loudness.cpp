@@ -44,7 +44,7 @@ std::vector<double> LoudnessMeter::ChannelWeights(std::uint16_t channels, std::u
 // their analogue prototypes: a high shelf of +4 dB above about 1.7 kHz and
 // a high pass at about 38 Hz.
 LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> channelWeights)
-    : sampleRate(sampleRate), weights(std::move(channelWeights)), channels(weights.size()),
+    : weights(std::move(channelWeights)), channels(weights.size()),
       stepFrames(std::max<std::uint32_t>(1, sampleRate / 10)), steps(30, 0.0),
       oversampling(sampleRate < 96000 ? 4 : sampleRate < 192000 ? 2 : 1)
 {

@@ -60,7 +60,6 @@ private:
     void EndOfStep();
     double TruePeakOf(ChannelState& state, float sample);
 
-    std::uint32_t sampleRate;
     std::vector<double> weights;
     std::vector<ChannelState> channels;
     Biquad shelf{}, highPass{};
