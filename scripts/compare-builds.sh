@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Checks the same files with the native sondara-check and with the Windows
 # one under Wine, and fails unless both print the very same JSON: the
-# reports, the chunk lists (--chunks) and the levels (--levels). The files
-# are the samples, the fuzzing corpora in the tree, and every file that the
-# native build's tests write.
+# reports, the chunk lists (--chunks), the levels (--levels) and the loudness
+# (--loudness). The files are the samples, the fuzzing corpora in the tree,
+# and every file that the native build's tests write.
 #
 # Each run of either build must also stand on its own: exit 0 when no report
 # has a finding, 1 when one has (anything else, a crash included, is a
@@ -180,7 +180,7 @@ mapfile -t files < <( (ls samples/*.wav fuzz/seeds/wave/* fuzz/regressions/wave/
 # whose texts are ASCII.
 mapfile -t listed < <(printf '%s\n' "${files[@]}" | grep -v '^fuzz/seeds/')
 status=0
-for option in "" --chunks --levels; do
+for option in "" --chunks --levels --loudness; do
     if [[ $option == --chunks ]]; then
         compared=("${listed[@]}")
     else

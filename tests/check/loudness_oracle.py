@@ -22,6 +22,7 @@ CASES = {
     "steps-16-stereo-44k": ["-r", "44100", "-b", "16", "-c", "2", "synth", "16", "sine", "300", "tremolo", "0.2", "90"],
     "float-32-six-48k": ["-r", "48000", "-b", "32", "-e", "float", "-c", "6", "synth", "10", "pinknoise", "gain", "-15"],
     "pcm-32-eight-48k": ["-r", "48000", "-b", "32", "-c", "8", "synth", "10", "pinknoise", "gain", "-25"],
+    "float-64-stereo-44k": ["-r", "44100", "-b", "64", "-e", "float", "-c", "2", "synth", "10", "sine", "200", "sine", "3000", "gain", "-9"],
     "u8-mono-22k": ["-r", "22050", "-b", "8", "-c", "1", "synth", "10", "sine", "700", "gain", "-6"],
     "peaks-24-stereo-96k": ["-r", "96000", "-b", "24", "-c", "2", "synth", "8", "square", "5000", "gain", "-3"],
 }
