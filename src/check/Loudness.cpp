@@ -10,8 +10,6 @@ constexpr double kPi = 3.14159265358979323846;
 constexpr double kAbsoluteGate = -70.0;
 constexpr double kRelativeGate = -10.0;
 constexpr double kRangeGate = -20.0;
-// Taps of the true-peak filter for each phase.
-constexpr int kTapsPerPhase = 16;
 
 // BS.1770's loudness of a mean square, weighted and summed over channels.
 double LoudnessOf(double energy)
@@ -65,62 +63,93 @@ LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> chann
     }
     // The interpolation filter: a sinc cut at the original Nyquist
     // frequency under a Blackman window, its phases each summing to 1.
+    // Stored tap by tap, the phases side by side (unused phases zero), so
+    // that the inner loop works on all phases at once.
     const int taps = kTapsPerPhase * oversampling;
-    phases.assign(oversampling, std::vector<double>(kTapsPerPhase, 0.0));
     for (int p = 0; p < oversampling; ++p) {
+        double row[kTapsPerPhase];
         double sum = 0;
         for (int k = 0; k < kTapsPerPhase; ++k) {
             const int m = p + k * oversampling;
             const double x = (m - (taps - 1) / 2.0) / oversampling;
             const double sinc = x == 0 ? 1 : std::sin(kPi * x) / (kPi * x);
             const double window = 0.42 - 0.5 * std::cos(2 * kPi * (m + 0.5) / taps) + 0.08 * std::cos(4 * kPi * (m + 0.5) / taps);
-            phases[p][k] = sinc * window;
-            sum += phases[p][k];
+            row[k] = sinc * window;
+            sum += row[k];
         }
-        for (double& tap : phases[p])
-            tap /= sum;
+        for (int k = 0; k < kTapsPerPhase; ++k)
+            interpolator[k][p] = oversampling > 1 ? static_cast<float>(row[k] / sum) : 0.0f;
     }
     for (ChannelState& state : channels)
         state.history.assign(2 * kTapsPerPhase, 0.0f);
 }
 
-double LoudnessMeter::TruePeakOf(ChannelState& state, float sample)
+// The highest magnitude of a run of one channel's samples and of the
+// values between them. The filter's history is kept twice over, so that the
+// last kTapsPerPhase samples, newest first, always lie side by side; each
+// tap multiplies all four phases at once, in floats, which the compiler
+// does in one vector operation.
+float LoudnessMeter::TruePeakOf(ChannelState& state, const float* samples, std::size_t count, std::size_t stride) const
 {
-    // The history is kept twice over, so that the last kTapsPerPhase
-    // samples, newest first, always lie side by side.
-    state.next = state.next == 0 ? kTapsPerPhase - 1 : state.next - 1;
-    state.history[state.next] = sample;
-    state.history[state.next + kTapsPerPhase] = sample;
-    const float* recent = state.history.data() + state.next;
-    double peak = std::fabs(sample);
-    if (oversampling > 1) {
-        for (const std::vector<double>& phase : phases) {
-            double value = 0;
-            for (int k = 0; k < kTapsPerPhase; ++k)
-                value += phase[k] * recent[k];
-            peak = std::max(peak, std::fabs(value));
+    float peak = 0;
+    float* history = state.history.data();
+    int next = state.next;
+    for (std::size_t i = 0; i < count; ++i) {
+        const float sample = samples[i * stride];
+        next = next == 0 ? kTapsPerPhase - 1 : next - 1;
+        history[next] = sample;
+        history[next + kTapsPerPhase] = sample;
+        const float* recent = history + next;
+        float values[kPhases] = {};
+        for (int k = 0; k < kTapsPerPhase; ++k) {
+            for (int p = 0; p < kPhases; ++p)
+                values[p] += interpolator[k][p] * recent[k];
         }
+        float highest = std::fabs(sample);
+        for (int p = 0; p < kPhases; ++p)
+            highest = std::max(highest, std::fabs(values[p]));
+        peak = std::max(peak, highest);
     }
+    state.next = next;
     return peak;
 }
 
+// The K-weighting of a run of one channel's samples, adding their squares
+// to the channel's energy of the current step.
+void LoudnessMeter::Filter(ChannelState& state, const float* samples, std::size_t count, std::size_t stride) const
+{
+    double z0 = state.z[0], z1 = state.z[1], z2 = state.z[2], z3 = state.z[3], energy = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double x = samples[i * stride];
+        const double y1 = shelf.b0 * x + z0;
+        z0 = shelf.b1 * x - shelf.a1 * y1 + z1;
+        z1 = shelf.b2 * x - shelf.a2 * y1;
+        const double y2 = highPass.b0 * y1 + z2;
+        z2 = highPass.b1 * y1 - highPass.a1 * y2 + z3;
+        z3 = highPass.b2 * y1 - highPass.a2 * y2;
+        energy += y2 * y2;
+    }
+    state.z[0] = z0;
+    state.z[1] = z1;
+    state.z[2] = z2;
+    state.z[3] = z3;
+    state.blockEnergy += energy;
+}
+
+// Frames go through channel by channel, a step of 100 ms at most at a time.
 void LoudnessMeter::Add(const float* frames, std::size_t frameCount)
 {
     const std::size_t count = channels.size();
-    for (std::size_t f = 0; f < frameCount; ++f) {
+    while (frameCount > 0) {
+        const std::size_t run = std::min<std::size_t>(frameCount, stepFrames - framesInStep);
         for (std::size_t c = 0; c < count; ++c) {
-            ChannelState& state = channels[c];
-            const double x = frames[f * count + c];
-            const double y1 = shelf.b0 * x + state.z[0];
-            state.z[0] = shelf.b1 * x - shelf.a1 * y1 + state.z[1];
-            state.z[1] = shelf.b2 * x - shelf.a2 * y1;
-            const double y2 = highPass.b0 * y1 + state.z[2];
-            state.z[2] = highPass.b1 * y1 - highPass.a1 * y2 + state.z[3];
-            state.z[3] = highPass.b2 * y1 - highPass.a2 * y2;
-            state.blockEnergy += y2 * y2;
-            state.truePeak = std::max(state.truePeak, TruePeakOf(state, static_cast<float>(x)));
+            Filter(channels[c], frames + c, run, count);
+            channels[c].truePeak = std::max<double>(channels[c].truePeak, TruePeakOf(channels[c], frames + c, run, count));
         }
-        if (++framesInStep == stepFrames)
+        frames += run * count;
+        frameCount -= run;
+        framesInStep += static_cast<std::uint32_t>(run);
+        if (framesInStep == stepFrames)
             EndOfStep();
     }
 }

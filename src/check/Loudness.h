@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -57,8 +58,13 @@ private:
         static constexpr int kBins = 8000; // -70 to +10 LUFS in 0.01 LU
     };
 
+    // Taps of the true-peak filter for each phase, and phases at most.
+    static constexpr int kTapsPerPhase = 16;
+    static constexpr int kPhases = 4;
+
     void EndOfStep();
-    double TruePeakOf(ChannelState& state, float sample);
+    void Filter(ChannelState& state, const float* samples, std::size_t count, std::size_t stride) const;
+    float TruePeakOf(ChannelState& state, const float* samples, std::size_t count, std::size_t stride) const;
 
     std::vector<double> weights;
     std::vector<ChannelState> channels;
@@ -70,5 +76,5 @@ private:
     double momentaryMax = -1e300, shortTermMax = -1e300;
     Histogram blocks, shortTerms;
     int oversampling;
-    std::vector<std::vector<double>> phases; // the interpolation filter, a row per phase
+    float interpolator[kTapsPerPhase][kPhases] = {}; // the true-peak filter, tap by tap
 };
