@@ -167,10 +167,11 @@ void AddChannelFloat(const std::uint8_t* data, std::uint32_t frames, std::uint32
     sums.overFullScale += over;
 }
 
+// The channels from first up to end.
 void AddFrames(SampleKind kind, std::uint32_t bytesPerSample, const std::uint8_t* data, std::uint32_t frames,
-               std::uint32_t stride, std::vector<ChannelSums>& sums)
+               std::uint32_t stride, std::vector<ChannelSums>& sums, std::size_t firstChannel, std::size_t endChannel)
 {
-    for (std::size_t c = 0; c < sums.size(); ++c) {
+    for (std::size_t c = firstChannel; c < endChannel; ++c) {
         const std::uint8_t* channel = data + c * bytesPerSample;
         switch (kind) {
         case SampleKind::Unsigned8: AddChannel<1>(channel, frames, stride, sums[c]); break;
@@ -422,9 +423,9 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     }
 
     // Reading overlaps measuring: a thread reads the pieces ahead into a
-    // ring of three, the levels are summed here, and the loudness, when
-    // asked for, is measured on a thread of its own, so that a long file
-    // keeps both cores and the disk busy at once.
+    // ring of three, the levels are summed here, and a second thread
+    // measures the loudness when it is asked for, else sums half of the
+    // channels, so that a long file keeps both cores and the disk busy.
     struct Piece {
         std::vector<std::uint8_t> bytes;
         std::uint32_t frames = 0;
@@ -438,12 +439,14 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     std::condition_variable changed;
     std::size_t read = 0, summed = 0, metered = 0;
     const std::int64_t frameCount = place.frameCount;
+    const bool helped = meter || format.channels >= 2;
+    const std::size_t split = meter || !helped ? format.channels : format.channels / 2u;
     std::thread reader([&] {
         std::int64_t first = 0;
         for (std::size_t i = 0;; ++i) {
             {
                 std::unique_lock<std::mutex> hold(lock);
-                changed.wait(hold, [&] { return i < std::min(summed, meter ? metered : summed) + kRing; });
+                changed.wait(hold, [&] { return i < std::min(summed, helped ? metered : summed) + kRing; });
             }
             Piece& piece = pieces[i % kRing];
             const auto wanted = static_cast<std::uint32_t>(std::min<std::int64_t>(pieceFrames, frameCount - first));
@@ -460,17 +463,21 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         }
     });
     std::thread measurer;
-    if (meter) {
+    if (helped) {
         measurer = std::thread([&] {
-            std::vector<float> floats(std::size_t{pieceFrames} * format.channels);
+            std::vector<float> floats(meter ? std::size_t{pieceFrames} * format.channels : 0);
             for (std::size_t i = 0;; ++i) {
                 {
                     std::unique_lock<std::mutex> hold(lock);
                     changed.wait(hold, [&] { return read > i; });
                 }
                 const Piece& piece = pieces[i % kRing];
-                ToFloats(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, format.channels, floats);
-                meter->Add(floats.data(), piece.frames);
+                if (meter) {
+                    ToFloats(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, format.channels, floats);
+                    meter->Add(floats.data(), piece.frames);
+                } else {
+                    AddFrames(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, sums, split, format.channels);
+                }
                 const bool last = piece.last;
                 {
                     std::lock_guard<std::mutex> hold(lock);
@@ -490,7 +497,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
             changed.wait(hold, [&] { return read > i; });
         }
         const Piece& piece = pieces[i % kRing];
-        AddFrames(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, sums);
+        AddFrames(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, sums, 0, split);
         first += piece.frames;
         const bool last = piece.last;
         {
