@@ -410,7 +410,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     const std::uint32_t stride = format.blockAlign;
     const std::uint32_t pieceFrames = std::max<std::uint32_t>(1, kReadBytes / stride);
     std::vector<ChannelSums> sums(format.channels);
-    // The loudness is measured on the same pieces, made floats once.
+    // The loudness is measured on the same pieces.
     std::unique_ptr<LoudnessMeter> meter;
     if (loudness) {
         const std::uint32_t mask = place.formatBytes >= 24 && (place.format[0] | place.format[1] << 8) == kTagExtensible
@@ -423,9 +423,10 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     }
 
     // Reading overlaps measuring: a thread reads the pieces ahead into a
-    // ring of three, the levels are summed here, and a second thread
-    // measures the loudness when it is asked for, else sums half of the
-    // channels, so that a long file keeps both cores and the disk busy.
+    // ring of three, the levels are summed here, and a second thread sums
+    // half of the channels; when loudness is asked for, this thread sums all
+    // the levels and K-weights, and the second one finds the true peaks. A
+    // long file keeps both cores and the disk busy.
     struct Piece {
         std::vector<std::uint8_t> bytes;
         std::uint32_t frames = 0;
@@ -462,10 +463,22 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
                 return;
         }
     });
+    // The meter takes floats a few thousand frames at a time, made while
+    // they are still in the cache.
+    const auto toMeter = [&](const Piece& piece, std::vector<float>& floats, auto add) {
+        constexpr std::uint32_t kBlockFrames = 4096;
+        floats.resize(std::size_t{kBlockFrames} * format.channels);
+        for (std::uint32_t done = 0; done < piece.frames; done += kBlockFrames) {
+            const std::uint32_t frames = std::min(kBlockFrames, piece.frames - done);
+            ToFloats(kind, bytesPerSample, piece.bytes.data() + std::size_t{done} * stride, frames, stride,
+                     format.channels, floats);
+            add(floats.data(), frames);
+        }
+    };
     std::thread measurer;
     if (helped) {
         measurer = std::thread([&] {
-            std::vector<float> floats(meter ? std::size_t{pieceFrames} * format.channels : 0);
+            std::vector<float> floats;
             for (std::size_t i = 0;; ++i) {
                 {
                     std::unique_lock<std::mutex> hold(lock);
@@ -473,8 +486,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
                 }
                 const Piece& piece = pieces[i % kRing];
                 if (meter) {
-                    ToFloats(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, format.channels, floats);
-                    meter->Add(floats.data(), piece.frames);
+                    toMeter(piece, floats, [&](const float* frames, std::size_t count) { meter->AddTruePeaks(frames, count); });
                 } else {
                     AddFrames(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, sums, split, format.channels);
                 }
@@ -491,6 +503,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     }
     std::int64_t first = 0;
     Progress progress(path, frameCount);
+    std::vector<float> floats;
     for (std::size_t i = 0;; ++i) {
         {
             std::unique_lock<std::mutex> hold(lock);
@@ -498,6 +511,8 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         }
         const Piece& piece = pieces[i % kRing];
         AddFrames(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, sums, 0, split);
+        if (meter)
+            toMeter(piece, floats, [&](const float* frames, std::size_t count) { meter->AddLoudness(frames, count); });
         first += piece.frames;
         const bool last = piece.last;
         {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -42,7 +43,7 @@ std::vector<double> LoudnessMeter::ChannelWeights(std::uint16_t channels, std::u
 // their analogue prototypes: a high shelf of +4 dB above about 1.7 kHz and
 // a high pass at about 38 Hz.
 LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> channelWeights)
-    : weights(std::move(channelWeights)), channels(weights.size()),
+    : weights(std::move(channelWeights)), filters(weights.size()), peaks(weights.size()),
       stepFrames(std::max<std::uint32_t>(1, sampleRate / 10)), steps(30, 0.0),
       oversampling(sampleRate < 96000 ? 4 : sampleRate < 192000 ? 2 : 1)
 {
@@ -80,54 +81,91 @@ LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> chann
         for (int k = 0; k < kTapsPerPhase; ++k)
             interpolator[k][p] = oversampling > 1 ? static_cast<float>(row[k] / sum) : 0.0f;
     }
-    for (ChannelState& state : channels)
-        state.history.assign(2 * kTapsPerPhase, 0.0f);
+    for (PeakState& state : peaks)
+        state.line.assign(kTapsPerPhase - 1, 0.0f);
 }
 
 // The highest magnitude of a run of one channel's samples and of the
-// values between them. The filter's history is kept twice over, so that the
-// last kTapsPerPhase samples, newest first, always lie side by side; each
-// tap multiplies all four phases at once, in floats, which the compiler
-// does in one vector operation.
-float LoudnessMeter::TruePeakOf(ChannelState& state, const float* samples, std::size_t count, std::size_t stride) const
+// values between them. The samples are laid in a line behind the last
+// kTapsPerPhase - 1 of the run before, so that the filter reads them side
+// by side; four neighbouring instants go through at once, one in each lane
+// of a vector of the compiler's own (both compilers of this program know
+// the form), each tap's four phases weighing the same four samples. Two
+// partial sums per phase keep more chains of additions in flight. Taken
+// four at a time the instants need no sums across lanes, which cost more
+// than the filter itself did when the lanes were the phases.
+float LoudnessMeter::TruePeakOf(PeakState& state, const float* samples, std::size_t count, std::size_t stride) const
 {
-    // The four phases of a tap are one vector of the compiler's own (both
-    // compilers of this program know the form), and four partial sums over
-    // the taps keep four independent chains of additions in flight.
     using Lanes = float __attribute__((vector_size(16)));
-    Lanes taps[kTapsPerPhase];
+    using Mask = int __attribute__((vector_size(16)));
+    constexpr std::size_t kBehind = kTapsPerPhase - 1;
+    std::vector<float>& line = state.line;
+    if (line.size() < kBehind + count)
+        line.resize(kBehind + count);
+    for (std::size_t i = 0; i < count; ++i)
+        line[kBehind + i] = samples[i * stride];
+    const float* x = line.data() + kBehind; // x[i - k]: the sample k before the i-th
+    // Vectors go in and out by reference: the 32-bit build has no vector
+    // registers to pass them in.
+    const auto load = [](Lanes& lanes, const float* from) { std::memcpy(&lanes, from, sizeof lanes); };
+    const auto keepLarger = [](Lanes& peak, const Lanes& value) {
+        const Mask larger = value > peak;
+        peak = reinterpret_cast<Lanes>((reinterpret_cast<Mask>(value) & larger) | (reinterpret_cast<Mask>(peak) & ~larger));
+    };
+    // Each tap's weight of each phase, in all four lanes.
+    Lanes weight[kTapsPerPhase][kPhases];
     for (int k = 0; k < kTapsPerPhase; ++k)
-        taps[k] = Lanes{interpolator[k][0], interpolator[k][1], interpolator[k][2], interpolator[k][3]};
-    float peak = 0;
-    float* history = state.history.data();
-    int next = state.next;
-    for (std::size_t i = 0; i < count; ++i) {
-        const float sample = samples[i * stride];
-        next = next == 0 ? kTapsPerPhase - 1 : next - 1;
-        history[next] = sample;
-        history[next + kTapsPerPhase] = sample;
-        const float* recent = history + next;
-        Lanes a = taps[0] * recent[0], b = taps[1] * recent[1], c = taps[2] * recent[2], d = taps[3] * recent[3];
-        for (int k = 4; k < kTapsPerPhase; k += 4) {
-            a += taps[k] * recent[k];
-            b += taps[k + 1] * recent[k + 1];
-            c += taps[k + 2] * recent[k + 2];
-            d += taps[k + 3] * recent[k + 3];
-        }
-        const Lanes values = (a + b) + (c + d);
-        const Lanes squares = values * values;
-        float highest = sample * sample;
         for (int p = 0; p < kPhases; ++p)
-            highest = highest < squares[p] ? squares[p] : highest;
-        peak = peak < highest ? highest : peak;
+            weight[k][p] = Lanes{} + interpolator[k][p];
+    Lanes peaks{0, 0, 0, 0};
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4) {
+        const float* at = x + i;
+        // The phases by name, so that the sums stay in registers.
+        Lanes even0{}, even1{}, even2{}, even3{}, odd0{}, odd1{}, odd2{}, odd3{};
+        for (int k = 0; k < kTapsPerPhase; k += 2) {
+            Lanes near, far;
+            load(near, at - k);
+            load(far, at - k - 1);
+            even0 += weight[k][0] * near;
+            even1 += weight[k][1] * near;
+            even2 += weight[k][2] * near;
+            even3 += weight[k][3] * near;
+            odd0 += weight[k + 1][0] * far;
+            odd1 += weight[k + 1][1] * far;
+            odd2 += weight[k + 1][2] * far;
+            odd3 += weight[k + 1][3] * far;
+        }
+        Lanes own;
+        load(own, at);
+        const Lanes phase0 = even0 + odd0, phase1 = even1 + odd1, phase2 = even2 + odd2, phase3 = even3 + odd3;
+        keepLarger(peaks, own * own);
+        keepLarger(peaks, phase0 * phase0);
+        keepLarger(peaks, phase1 * phase1);
+        keepLarger(peaks, phase2 * phase2);
+        keepLarger(peaks, phase3 * phase3);
     }
-    state.next = next;
+    float peak = 0;
+    for (int lane = 0; lane < 4; ++lane)
+        peak = peak < peaks[lane] ? peaks[lane] : peak;
+    // The last few instants of a run, one at a time.
+    for (; i < count; ++i) {
+        const float* at = x + i;
+        peak = std::max(peak, at[0] * at[0]);
+        for (int p = 0; p < kPhases; ++p) {
+            float value = 0;
+            for (int k = 0; k < kTapsPerPhase; ++k)
+                value += interpolator[k][p] * at[-k];
+            peak = std::max(peak, value * value);
+        }
+    }
+    std::memmove(line.data(), line.data() + count, kBehind * sizeof(float));
     return std::sqrt(peak);
 }
 
 // The K-weighting of a run of one channel's samples, adding their squares
 // to the channel's energy of the current step.
-void LoudnessMeter::Filter(ChannelState& state, const float* samples, std::size_t count, std::size_t stride) const
+void LoudnessMeter::Filter(FilterState& state, const float* samples, std::size_t count, std::size_t stride) const
 {
     double z0 = state.z[0], z1 = state.z[1], z2 = state.z[2], z3 = state.z[3], energy = 0;
     for (std::size_t i = 0; i < count; ++i) {
@@ -144,19 +182,56 @@ void LoudnessMeter::Filter(ChannelState& state, const float* samples, std::size_
     state.z[1] = z1;
     state.z[2] = z2;
     state.z[3] = z3;
-    state.blockEnergy += energy;
+    state.stepEnergy += energy;
 }
 
-// Frames go through channel by channel, a step of 100 ms at most at a time.
-void LoudnessMeter::Add(const float* frames, std::size_t frameCount)
+// The same for two neighbouring channels at once, one in each lane of a
+// vector of the compiler's own: each sample's filter waits on the one
+// before, so a channel alone leaves the processor mostly idle, and a second
+// channel's chain runs in the same instructions. Lane by lane the
+// arithmetic is Filter's, so the figures are the same to the last bit.
+void LoudnessMeter::FilterTwo(FilterState& first, FilterState& second, const float* samples, std::size_t count,
+                              std::size_t stride) const
 {
-    const std::size_t count = channels.size();
+    using Lanes = double __attribute__((vector_size(16)));
+    const Lanes sb0 = Lanes{} + shelf.b0, sb1 = Lanes{} + shelf.b1, sb2 = Lanes{} + shelf.b2,
+                sa1 = Lanes{} + shelf.a1, sa2 = Lanes{} + shelf.a2;
+    const Lanes hb0 = Lanes{} + highPass.b0, hb1 = Lanes{} + highPass.b1, hb2 = Lanes{} + highPass.b2,
+                ha1 = Lanes{} + highPass.a1, ha2 = Lanes{} + highPass.a2;
+    Lanes z0{first.z[0], second.z[0]}, z1{first.z[1], second.z[1]}, z2{first.z[2], second.z[2]},
+        z3{first.z[3], second.z[3]}, energy{0, 0};
+    for (std::size_t i = 0; i < count; ++i) {
+        const Lanes x{samples[i * stride], samples[i * stride + 1]};
+        const Lanes y1 = sb0 * x + z0;
+        z0 = sb1 * x - sa1 * y1 + z1;
+        z1 = sb2 * x - sa2 * y1;
+        const Lanes y2 = hb0 * y1 + z2;
+        z2 = hb1 * y1 - ha1 * y2 + z3;
+        z3 = hb2 * y1 - ha2 * y2;
+        energy += y2 * y2;
+    }
+    for (int lane = 0; lane < 2; ++lane) {
+        FilterState& state = lane == 0 ? first : second;
+        state.z[0] = z0[lane];
+        state.z[1] = z1[lane];
+        state.z[2] = z2[lane];
+        state.z[3] = z3[lane];
+        state.stepEnergy += energy[lane];
+    }
+}
+
+// Frames go through channel by channel (two at a time where they can), a
+// step of 100 ms at most at a time.
+void LoudnessMeter::AddLoudness(const float* frames, std::size_t frameCount)
+{
+    const std::size_t count = filters.size();
     while (frameCount > 0) {
         const std::size_t run = std::min<std::size_t>(frameCount, stepFrames - framesInStep);
-        for (std::size_t c = 0; c < count; ++c) {
-            Filter(channels[c], frames + c, run, count);
-            channels[c].truePeak = std::max<double>(channels[c].truePeak, TruePeakOf(channels[c], frames + c, run, count));
-        }
+        std::size_t c = 0;
+        for (; c + 1 < count; c += 2)
+            FilterTwo(filters[c], filters[c + 1], frames + c, run, count);
+        if (c < count)
+            Filter(filters[c], frames + c, run, count);
         frames += run * count;
         frameCount -= run;
         framesInStep += static_cast<std::uint32_t>(run);
@@ -165,15 +240,22 @@ void LoudnessMeter::Add(const float* frames, std::size_t frameCount)
     }
 }
 
+void LoudnessMeter::AddTruePeaks(const float* frames, std::size_t frameCount)
+{
+    const std::size_t count = peaks.size();
+    for (std::size_t c = 0; c < count; ++c)
+        peaks[c].truePeak = std::max<double>(peaks[c].truePeak, TruePeakOf(peaks[c], frames + c, frameCount, count));
+}
+
 // Every 100 ms: the step's weighted energy joins the last 30; a block of
 // 400 ms (four steps, overlapping by three) goes to the gating, and once 3 s
 // have passed a short-term value goes to the loudness range.
 void LoudnessMeter::EndOfStep()
 {
     double energy = 0;
-    for (std::size_t c = 0; c < channels.size(); ++c) {
-        energy += weights[c] * channels[c].blockEnergy;
-        channels[c].blockEnergy = 0;
+    for (std::size_t c = 0; c < filters.size(); ++c) {
+        energy += weights[c] * filters[c].stepEnergy;
+        filters[c].stepEnergy = 0;
     }
     steps[stepCount % steps.size()] = energy;
     ++stepCount;
@@ -212,7 +294,7 @@ LoudnessMeter::Figures LoudnessMeter::Result() const
         const double floor = LoudnessOf(shortMean) + kRangeGate;
         figures.range = shortTerms.Percentile(floor, 0.95) - shortTerms.Percentile(floor, 0.10);
     }
-    for (const ChannelState& state : channels)
+    for (const PeakState& state : peaks)
         figures.truePeak.push_back(state.truePeak);
     return figures;
 }

@@ -16,7 +16,15 @@ public:
     // weights: one per channel, as ChannelWeights gives them.
     LoudnessMeter(std::uint32_t sampleRate, std::vector<double> weights);
 
-    void Add(const float* frames, std::size_t frameCount);
+    void Add(const float* frames, std::size_t frameCount)
+    {
+        AddLoudness(frames, frameCount);
+        AddTruePeaks(frames, frameCount);
+    }
+    // The two halves of Add. They share nothing, so two threads may feed
+    // them the same frames at once; Result wants both to have had them all.
+    void AddLoudness(const float* frames, std::size_t frameCount);
+    void AddTruePeaks(const float* frames, std::size_t frameCount);
 
     struct Figures {
         double integrated;     // LUFS; -inf when every block is gated away
@@ -37,11 +45,12 @@ private:
     struct Biquad {
         double b0, b1, b2, a1, a2;
     };
-    struct ChannelState {
+    struct FilterState {
         double z[4] = {}; // the two filters' states
-        double blockEnergy = 0;
-        std::vector<float> history; // the last samples, for the true-peak filter
-        int next = 0;               // where the newest of them stands
+        double stepEnergy = 0;
+    };
+    struct PeakState {
+        std::vector<float> line; // the last samples, then a run's, for the true-peak filter
         double truePeak = 0;
     };
     class Histogram {
@@ -63,11 +72,14 @@ private:
     static constexpr int kPhases = 4;
 
     void EndOfStep();
-    void Filter(ChannelState& state, const float* samples, std::size_t count, std::size_t stride) const;
-    float TruePeakOf(ChannelState& state, const float* samples, std::size_t count, std::size_t stride) const;
+    void Filter(FilterState& state, const float* samples, std::size_t count, std::size_t stride) const;
+    void FilterTwo(FilterState& first, FilterState& second, const float* samples, std::size_t count,
+                   std::size_t stride) const;
+    float TruePeakOf(PeakState& state, const float* samples, std::size_t count, std::size_t stride) const;
 
     std::vector<double> weights;
-    std::vector<ChannelState> channels;
+    std::vector<FilterState> filters;
+    std::vector<PeakState> peaks;
     Biquad shelf{}, highPass{};
     std::uint32_t stepFrames;       // 100 ms
     std::uint32_t framesInStep = 0;
