@@ -67,7 +67,7 @@ trap sondara_wine_end EXIT
 if [[ -n $user_display ]]; then
     echo "run.sh: Sondara is open on $user_display; close its window to finish."
     window_status=0
-    LC_ALL=ja_JP.UTF-8 wine "$program" </dev/null || window_status=$?
+    LC_ALL=ja_JP.UTF-8 scripts/wine-start.sh "$program" </dev/null || window_status=$?
     echo "run.sh: Sondara ended with exit code $window_status (2 is a normal close)"
     if ((window_status != 2)); then
         exit 1

@@ -3,7 +3,8 @@
 # native and native-asan with ctest, native-tsan with the worker's tests
 # under ThreadSanitizer, windows with ctest under Wine and a
 # comparison of its reports with the native ones, windows32 compiled only
-# (no 32-bit Wine can run it), and fuzz with a short run of every target.
+# (no 32-bit Wine can run it), and fuzz with a short run of every target;
+# then the download files of ./release.sh, unpacked and tried.
 # Every preset is tried even after a failure; the script exits non-zero when
 # any step failed, and ends with each ctest summary and the total.
 set -euo pipefail
@@ -127,6 +128,9 @@ e2e_tests()
 }
 
 step "install packages" scripts/install-deps.sh || exit 1
+# Every start that Wine gave up and wine-start.sh made again, this run.
+mkdir -p build
+rm -f build/wine-retries.log
 step "compare-builds self-test" scripts/compare-builds.sh --self-test || true
 
 for preset in native native-asan native-tsan windows windows32 fuzz; do
@@ -143,6 +147,12 @@ for preset in native native-asan native-tsan windows windows32 fuzz; do
     esac
 done
 
+# The download files, made from the builds above, and tried where nothing
+# of the build is.
+if step "release" ./release.sh; then
+    step "release proof (Wine)" scripts/release-proof.sh || true
+fi
+
 echo
 echo "== timings"
 printf '%s\n' "${timings[@]}"
@@ -156,4 +166,5 @@ if ((${#reasons[@]} > 0)); then
     printf '%s\n' "${reasons[@]}"
 fi
 echo "tests: $passed_total passed, $failed_total failed"
+echo "Wine starts made again: $(cat build/wine-retries.log 2>/dev/null | wc -l)"
 ((${#failures[@]} == 0))

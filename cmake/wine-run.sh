@@ -17,13 +17,4 @@ fi
 
 sondara_wine_refuse_i686 "$1"
 sondara_wine_attach
-# Wine now and then fails at its own start with "Inconsistency detected by
-# ld.so" and status 127, before the program runs; no program of ours ends
-# with 127, so such a run is tried again, three times in all.
-for attempt in 1 2 3; do
-    status=0
-    wine "$@" || status=$?
-    ((status == 127)) || exit "$status"
-    echo "wine-run.sh: wine ended with status 127 (attempt $attempt of 3)" >&2
-done
-exit 127
+exec "$(dirname "${BASH_SOURCE[0]}")/../scripts/wine-start.sh" "$@"

@@ -29,6 +29,9 @@ packages=(
     # The benchmarks measure time and peak memory with /usr/bin/time, and
     # set sondara-check beside mediainfo.
     time mediainfo
+    # The release: the man page is read back with man, the version blocks of
+    # the unpacked programs with exiftool.
+    man-db libimage-exiftool-perl
     # setsid and flock for the Wine session; part of every Debian system,
     # listed so that a trimmed one gets them too.
     util-linux

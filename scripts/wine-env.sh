@@ -158,23 +158,13 @@ sondara_wine__spawn()
 }
 
 # Runs one Windows command of the session's set-up with its output in a
-# file, never a pipe, for the same reason. Now and then, more often under
-# load, Wine fails at its own start with "Inconsistency detected by ld.so"
-# and status 127 before the program runs. Every set-up command can be run
-# twice (wineboot -i, reg add /f, an echo), so a failed one is tried again
-# a second later, three times in all.
+# file, never a pipe, for the same reason; a start that Wine gave up is made
+# again by wine-start.sh.
 sondara_wine__run_logged()
 {
-    local log="$1" attempt status
+    local log="$1"
     shift
-    for attempt in 1 2 3; do
-        status=0
-        sondara_wine__spawn "$@" </dev/null >>"$log" 2>&1 || status=$?
-        ((status != 0)) || return 0
-        echo "wine-env: $1 ended with status $status (attempt $attempt of 3)" >>"$log"
-        ((attempt == 3)) || sleep 1
-    done
-    return "$status"
+    sondara_wine__spawn "$sondara_wine_root/scripts/wine-start.sh" "$@" </dev/null >>"$log" 2>&1
 }
 
 # The registry values the program's windows and fonts rely on: no window
@@ -240,7 +230,7 @@ sondara_wine__prepare_prefix()
     wanted="$(sondara_wine__settings)"
     if [[ ! -f $applied || "$(<"$applied")" != "$wanted" ]]; then
         while IFS=$'\t' read -r key name type data; do
-            if ! sondara_wine__run_logged "$log" wine reg add "$key" /v "$name" /t "$type" /d "$data" /f; then
+            if ! sondara_wine__run_logged "$log" reg add "$key" /v "$name" /t "$type" /d "$data" /f; then
                 sondara_wine__fail "could not set $key\\$name" "$log"
                 return 1
             fi
@@ -266,7 +256,7 @@ sondara_wine__warm_up()
 {
     local out="$SONDARA_WINE_HOME/warm-up.out"
     rm -f "$out"
-    sondara_wine__run_logged "$out" wine cmd.exe /c echo sondara-wine-ready || true
+    sondara_wine__run_logged "$out" cmd.exe /c echo sondara-wine-ready || true
     if ! grep -q sondara-wine-ready "$out" 2>/dev/null; then
         sondara_wine__fail "Wine does not run programs (see also $SONDARA_WINE_HOME/wine.log)" "$out"
         return 1

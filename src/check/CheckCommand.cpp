@@ -11,6 +11,8 @@
 #include "check/TidyCopy.h"
 #include "platform/Console.h"
 
+#include "platform/ProgramVersion.h"
+
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -43,6 +45,7 @@ constexpr char kHelp[] =
     "              your own (default tolerance 1 LU, at most -1 dBTP)\n"
     "  --tidy OUT  write a mended copy of FILE to the new path OUT and say\n"
     "              what changed; refused where anything would be lost\n"
+    "  --version   the version of sondara-check\n"
     "Exit status:\n"
     "  0  every report is clear (warnings alone too, unless --strict)\n"
     "  1  a report has a finding, a path can't be read, or with --strict a\n"
@@ -209,6 +212,10 @@ int ConsoleMain(const std::vector<std::u16string>& arguments)
     bool customGiven[3] = {false, false, false};
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::u16string& argument = arguments[i];
+        if (!optionsEnded && argument == u"--version") {
+            platform::WriteToStandardOutput(WithLineEnd("sondara-check " SONDARA_VERSION_DOTTED "\n", platform::kLineEnd));
+            return 0;
+        }
         if (!optionsEnded && argument == u"--help") {
             platform::WriteToStandardOutput(WithLineEnd(std::string(kUsage) + "\n" + kHelp + "\n", platform::kLineEnd));
             return 0;

@@ -10,6 +10,7 @@
 #define SONDARA_MAIN_DIALOG_WIDTH 241
 #define SONDARA_MAIN_DIALOG_HEIGHT 145
 
-// The version of the program, as numbers and as the text of its version block.
-#define SONDARA_VERSION_NUMBERS 1, 0, 0, 1
-#define SONDARA_VERSION_TEXT "1, 0, 0, 1"
+// The version of the programs, made by the build from the project's version:
+// SONDARA_VERSION_NUMBERS (1, 0, 0, 1), SONDARA_VERSION_TEXT, the text of the
+// version block ("1, 0, 0, 1"), and SONDARA_VERSION_DOTTED ("1.0.0.1").
+#include "platform/ProgramVersion.h"

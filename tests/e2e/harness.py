@@ -9,6 +9,7 @@ which tests/e2e/run.sh provides.
 import json
 import os
 import re
+import signal
 import subprocess
 import time
 
@@ -56,14 +57,14 @@ def run(command, timeout=30, env=None, check=True):
     return result
 
 
-def run_wine(command, timeout=30):
-    """Runs a Windows program under Wine. Under load, Wine now and then
-    fails at its own exit before the program ran ("Inconsistency detected
-    by ld.so", status 127); such a run is tried again."""
-    for attempt in range(3):
-        result = run(["wine"] + command, timeout=timeout, check=False)
-        if result.returncode != 127 or attempt == 2:
-            break
+# Every Windows program runs through wine-start.sh, which makes a start
+# that Wine gave up again and counts it.
+WINE_START = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "scripts", "wine-start.sh")
+
+
+def run_wine(command, timeout=30, env=None):
+    """Runs a Windows program under Wine and waits for it."""
+    result = run([WINE_START] + command, timeout=timeout, env=env, check=False)
     if result.returncode != 0:
         raise Failure("wine %s failed (%d): %s" % (" ".join(command), result.returncode,
                                                    result.stderr.decode("utf-8", "replace").strip()))
@@ -266,31 +267,22 @@ class Program:
         self.before = self.desktop.windows("^Sondara$")
         self.window = None
         self.log = open(os.path.join(harness.out_dir, "program.log"), "ab")
-        self.starts = 0
         self.start()
 
     def start(self):
-        self.starts += 1
-        self.process = subprocess.Popen(["wine", self.h.program], cwd=self.h.build_dir, env=PROGRAM_ENV,
+        # The program ends with 0 when it has no window and 2 when it is
+        # closed, never with 1: that is, as 127, Wine giving up the start
+        # (seen once under load, after a fraction of a second with nothing
+        # said), and wine-start.sh starts it again.
+        env = dict(PROGRAM_ENV, SONDARA_WINE_START_FAILURES="1")
+        self.process = subprocess.Popen([WINE_START, self.h.program], cwd=self.h.build_dir, env=env,
                                         stdin=subprocess.DEVNULL, stdout=self.log, stderr=self.log)
-
-    # The program ends with 0 when it has no window and 2 when it is closed,
-    # never with these: they are Wine's own ways of giving up a start, status
-    # 127 ("Inconsistency detected by ld.so", as in run_wine) and, seen once
-    # under load, 1 after a fraction of a second with nothing said.
-    WINE_START_FAILURES = (1, 127)
 
     def wait_window(self):
         """Waits for the window and measures it: the client area comes from
-        the system, the widgets' places from it and the layout. A start that
-        Wine gave up is made again, three times in all."""
+        the system, the widgets' places from it and the layout."""
 
         def window():
-            code = self.process.poll()
-            if code in self.WINE_START_FAILURES and self.starts < 3:
-                print("   Wine gave up the start of Sondara.exe with status %d; starting it again" % code, flush=True)
-                self.start()
-                return None
             if self.process.poll() is not None:
                 raise Failure("Sondara.exe ended with exit code %d before its window showed" %
                               self.process.returncode)
@@ -459,16 +451,21 @@ class Program:
         resident, "VmPeak": peak address space, ...}. The wine command
         becomes the program's own process, which Wine names after the
         program; a name other than that is a Wine that started the program
-        in another process, and would give the wrong figures."""
+        in another process, and would give the wrong figures. That process
+        is the child of wine-start.sh."""
+        children = self.children()
         try:
-            with open("/proc/%d/comm" % self.process.pid) as comm:
+            if len(children) != 1:
+                raise OSError("wine-start.sh has %d processes under it" % len(children))
+            pid = children[0]
+            with open("/proc/%d/comm" % pid) as comm:
                 name = comm.read().strip()
-            with open("/proc/%d/status" % self.process.pid) as status:
+            with open("/proc/%d/status" % pid) as status:
                 lines = status.read().splitlines()
         except OSError as error:
             raise Failure("no memory figures of Sondara.exe: %s" % error) from None
         if name != "Sondara.exe":
-            raise Failure("process %d of the program is %r, not Sondara.exe" % (self.process.pid, name))
+            raise Failure("process %d of the program is %r, not Sondara.exe" % (pid, name))
         return {key: int(value.split()[0]) for key, _, value in (line.partition(":") for line in lines)
                 if value.strip().endswith(" kB")}
 
@@ -486,9 +483,29 @@ class Program:
                     self.desktop.click(*self.close_box())
                 self.process.wait(5)
             except (subprocess.TimeoutExpired, Failure, subprocess.SubprocessError):
+                for pid in self.children():
+                    try:
+                        os.kill(pid, signal.SIGKILL)
+                    except OSError:
+                        pass
                 self.process.kill()
                 self.process.wait()
         self.log.close()
+
+    def children(self):
+        """The processes that wine-start.sh started for the program."""
+        found = []
+        for entry in os.listdir("/proc"):
+            if not entry.isdigit():
+                continue
+            try:
+                with open("/proc/%s/stat" % entry) as stat:
+                    fields = stat.read().rsplit(")", 1)[1].split()
+            except OSError:
+                continue
+            if int(fields[1]) == self.process.pid:
+                found.append(int(entry))
+        return found
 
 
 # ---------------------------------------------------------------------------
@@ -496,13 +513,16 @@ class Program:
 
 
 class Harness:
-    def __init__(self, build_dir, out_dir):
+    def __init__(self, build_dir, out_dir, probe=None):
+        """build_dir holds Sondara.exe, Main.jpn and sondara-check.exe (a
+        build, or a release unpacked); probe is window-probe.exe, by default
+        from build_dir too."""
         self.build_dir = os.path.abspath(build_dir)
         self.out_dir = os.path.abspath(out_dir)
         self.files_dir = os.path.join(self.out_dir, "files")
         self.program = os.path.join(self.build_dir, "Sondara.exe")
         self.checker = os.path.join(self.build_dir, "sondara-check.exe")
-        self.probe = os.path.join(self.build_dir, "window-probe.exe")
+        self.probe = os.path.abspath(probe) if probe else os.path.join(self.build_dir, "window-probe.exe")
         for needed in (self.program, self.probe, os.path.join(self.build_dir, "Main.jpn")):
             if not os.path.isfile(needed):
                 raise Failure("%s is missing: build the windows preset first" % needed)
@@ -564,8 +584,8 @@ class Harness:
             raise Failure("%s is missing: build the windows preset first" % catcher)
         caught = os.path.join(self.out_dir, "opened-addresses.txt")
         command = '"%s" "%s" "%%1"' % (wine_path(catcher), wine_path(caught))
-        run(["wine", "reg", "add", "HKLM\\Software\\Classes\\http\\shell\\open\\command", "/ve", "/t",
-             "REG_SZ", "/d", command, "/f"], timeout=60)
+        run_wine(["reg", "add", "HKLM\\Software\\Classes\\http\\shell\\open\\command", "/ve", "/t",
+                  "REG_SZ", "/d", command, "/f"], timeout=60)
         open(caught, "wb").close()
         return caught
 
@@ -594,7 +614,7 @@ class Harness:
         if not os.path.isfile(self.checker):
             raise Failure("%s is missing: build the windows preset first" % self.checker)
         timed = ["/usr/bin/time", "-f", "peak %M"] if with_peak else []
-        result = run(timed + ["wine", self.checker, "--json", path], timeout=60, env=PROGRAM_ENV, check=False)
+        result = run(timed + [WINE_START, self.checker, "--json", path], timeout=60, env=PROGRAM_ENV, check=False)
         if result.returncode not in (0, 1):
             raise Failure("sondara-check.exe --json ended with %d" % result.returncode)
         reports = json.loads(result.stdout.decode("ascii"))

@@ -3,7 +3,7 @@ Sondara.exe, enters a file's path into WaveFilePath as a user does, presses
 start, waits for the report in Message, photographs the window and closes
 it by its close box.
 
-    python3 show.py --build BUILD_DIR --out OUT_DIR --screenshot PNG FILE
+    python3 show.py --build BUILD_DIR [--probe window-probe.exe] --out OUT_DIR --screenshot PNG FILE
 
 Prints the report as the window shows it. Exit status 0 when all of that
 went as it should and the program ended with exit code 2, 1 otherwise.
@@ -21,13 +21,14 @@ from harness import Failure, Harness, wine_path  # noqa: E402
 def main(argv):
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--build", required=True)
+    parser.add_argument("--probe")
     parser.add_argument("--out", required=True)
     parser.add_argument("--screenshot", required=True)
     parser.add_argument("file")
     args = parser.parse_args(argv[1:])
     os.makedirs(args.out, exist_ok=True)
     try:
-        h = Harness(args.build, args.out)
+        h = Harness(args.build, args.out, args.probe)
     except Failure as failure:
         print("show.py: %s" % failure, file=sys.stderr)
         return 1
