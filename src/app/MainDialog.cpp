@@ -263,9 +263,6 @@ void MainDialog::SelectWaveFile()
     ForgetResult();
 }
 
-// The release note of the running version, by its product version in the
-// language-neutral string table: "1, 0, 0, 1" ends the address in
-// "sondara_100".
 // Offers the report's lines in a popup at the cursor and looks the chosen
 // one up on the maker's site. Reached only while no check runs, so the
 // report is the dialog's to read.
@@ -284,6 +281,9 @@ void MainDialog::SearchError()
         OpenAddress(SearchAddress(lines.At(static_cast<std::size_t>(chosen))));
 }
 
+// The release note of the running version, by its product version in the
+// language-neutral string table: "1, 0, 0, 1" ends the address in
+// "sondara_100".
 void MainDialog::OpenReleaseNote()
 {
     VersionInfo version;

@@ -227,8 +227,3 @@ bool ViewerBase::IsEmptyRect(const RectF& rect)
     constexpr float kEpsilon = 1.1920929e-7f;
     return !(rect.width > kEpsilon) || !(rect.height > kEpsilon);
 }
-
-bool ViewerBase::HasWidget(std::size_t index) const
-{
-    return index < Widgets.Count() && Widgets.At(index) != nullptr;
-}

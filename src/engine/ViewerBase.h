@@ -48,7 +48,6 @@ public:
     const RectF& GetDirtyRect() const { return DirtyRect; }
     platform::Bitmap* GetBackingBitmap() const { return Bitmap.get(); }
 
-    bool HasWidget(std::size_t index) const;
     std::size_t WidgetCount() const { return Widgets.Count(); }
 
 protected:

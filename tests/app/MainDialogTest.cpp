@@ -21,10 +21,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -404,9 +406,18 @@ TEST_F(CheckHandOverDialog, ASecondStartWaitsForTheRunningCheck)
 
     // A start that comes all the same, as a command from elsewhere, waits
     // for the running check to end before it starts one on the path as it
-    // stands: never two workers, and the report is the new path's.
-    close(writer);
+    // stands: never two workers, and the report is the new path's. The held
+    // check ends only when another thread lets it, a while later; the start
+    // must not come back before.
+    std::atomic<bool> released{false};
+    std::thread releaser([&] {
+        platform::SleepMilliseconds(200);
+        released = true;
+        close(writer);
+    });
     Command(u"CheckStart");
+    EXPECT_TRUE(released) << "the second start did not wait for the running check";
+    releaser.join();
     WaitForCheck();
     EXPECT_EQ(Get(u"Message", u"Text"), u"チェック完了しました。\r\n");
     EXPECT_FALSE(dialog->ReportHasError());

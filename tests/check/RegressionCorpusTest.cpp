@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -92,16 +95,54 @@ TEST(RegressionCorpus, HostileWaveFilesGiveTheirReports)
     }
 }
 
-TEST(RegressionCorpus, LayoutTextsParse)
+// What the parsers make of every layout and CSV input of the corpora, as one
+// line a file: the sections with their entries, or the rows with their
+// items, hashed. The lines must be those recorded in parse-digests.txt, so a
+// change in what either parser reads out of these texts shows, as does a
+// corpus that went missing. SONDARA_RECORD_DIGESTS=1 records them anew.
+TEST(RegressionCorpus, LayoutTextsParseAsRecorded)
 {
+    std::string digests;
+    std::size_t files = 0;
     for (const char* folder : {"regressions/layout", "seeds/layout", "regressions/csv", "seeds/csv"}) {
-        for (const fs::path& file : CorpusFiles(folder)) {
-            SCOPED_TRACE(file.string());
+        std::vector<fs::path> paths = CorpusFiles(folder);
+        std::sort(paths.begin(), paths.end());
+        for (const fs::path& file : paths) {
             const WideString text(Units(file));
+            std::u16string made;
             LayoutDocument document;
-            EXPECT_EQ(document.Parse(text), !text.IsEmpty());
+            made += document.Parse(text) ? u"parsed\n" : u"refused\n";
+            for (std::int32_t i = 0; i < document.GetSectionCount(); ++i) {
+                made += u"[" + document.GetSectionName(i).ToU16String() + u"]\n";
+                WideString key, value;
+                for (std::int32_t e = 0; document.GetSectionMap(i).GetEntry(e, key, value); ++e)
+                    made += key.ToU16String() + u"=" + value.ToU16String() + u"\n";
+            }
             CsvTokeniser tokeniser;
-            EXPECT_EQ(tokeniser.Parse(text), !text.IsEmpty());
+            made += tokeniser.Parse(text) ? u"parsed\n" : u"refused\n";
+            for (std::size_t r = 0; r < tokeniser.rows.Count(); ++r) {
+                for (std::size_t i = 0; i < tokeniser.rows.At(r).Count(); ++i)
+                    made += tokeniser.rows.At(r).At(i).ToU16String() + u"\x1f";
+                made += u"\n";
+            }
+            std::uint64_t hash = 14695981039346656037ull; // FNV-1a over the UTF-16 units
+            for (const char16_t unit : made) {
+                hash = (hash ^ (unit & 0xFF)) * 1099511628211ull;
+                hash = (hash ^ (unit >> 8)) * 1099511628211ull;
+            }
+            char line[32];
+            std::snprintf(line, sizeof line, " %016llx\n", static_cast<unsigned long long>(hash));
+            digests += std::string(folder) + "/" + file.filename().string() + line;
+            ++files;
         }
     }
+    EXPECT_GT(files, 100u);
+    const fs::path recorded = fs::path(SONDARA_TESTS_DIR) / "check/parse-digests.txt";
+    if (std::getenv("SONDARA_RECORD_DIGESTS")) {
+        std::ofstream(recorded, std::ios::binary) << digests;
+        return;
+    }
+    std::ifstream in(recorded, std::ios::binary);
+    const std::string expected((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(digests, expected);
 }
