@@ -51,7 +51,7 @@ measure() { # label, output file, command...
   /usr/bin/time -o "$stats" -f "%e %M" "$@" >"$output" 2>&1 || true
   read -r seconds peak < <(tail -n 1 "$stats")
   printf '  %-22s %7s s %9s KiB peak   cached after: %s bytes\n' "$label" "$seconds" "$peak" "$(cached "$file")"
-  eval "${label//[^a-z]/_}=$seconds"
+  eval "${label//[^a-z0-9]/_}=$seconds"
 }
 
 printf '%s (%s bytes), cached at start: %s bytes\n' "$file" "$(stat -c %s "$file")" "$(cached "$file")"

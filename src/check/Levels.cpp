@@ -184,38 +184,44 @@ void AddFrames(SampleKind kind, std::uint32_t bytesPerSample, const std::uint8_t
     }
 }
 
-// Interleaved samples of any kind as floats at full scale ±1.0.
+// Interleaved samples of any kind as floats at full scale ±1.0, interleaved
+// as they came. Packed frames (the usual case) are one run of samples in a
+// row; frames with room to spare go channel by channel.
 void ToFloats(SampleKind kind, std::uint32_t bytesPerSample, const std::uint8_t* data, std::uint32_t frames,
               std::uint32_t stride, std::uint32_t channels, std::vector<float>& out)
 {
-    for (std::uint32_t c = 0; c < channels; ++c) {
-        const std::uint8_t* channel = data + c * bytesPerSample;
+    const bool packed = stride == bytesPerSample * channels;
+    const std::uint32_t runs = packed ? 1 : channels;
+    const std::size_t length = packed ? std::size_t{frames} * channels : frames;
+    const std::size_t step = packed ? bytesPerSample : stride;
+    const std::size_t outStep = packed ? 1 : channels;
+    for (std::uint32_t c = 0; c < runs; ++c) {
+        const std::uint8_t* from = data + c * bytesPerSample;
         float* target = out.data() + c;
+        const auto convert = [&](auto valueAt) {
+            for (std::size_t i = 0; i < length; ++i)
+                target[i * outStep] = valueAt(from + i * step);
+        };
         switch (kind) {
         case SampleKind::Unsigned8:
-            for (std::uint32_t f = 0; f < frames; ++f)
-                target[std::size_t{f} * channels] = static_cast<float>(SampleAt<1>(channel + std::size_t{f} * stride)) / 128.0f;
+            convert([](const std::uint8_t* p) { return static_cast<float>(SampleAt<1>(p)) / 128.0f; });
             break;
         case SampleKind::Signed16:
-            for (std::uint32_t f = 0; f < frames; ++f)
-                target[std::size_t{f} * channels] = static_cast<float>(SampleAt<2>(channel + std::size_t{f} * stride)) / 32768.0f;
+            convert([](const std::uint8_t* p) { return static_cast<float>(SampleAt<2>(p)) / 32768.0f; });
             break;
         case SampleKind::Signed24:
-            for (std::uint32_t f = 0; f < frames; ++f)
-                target[std::size_t{f} * channels] = static_cast<float>(SampleAt<3>(channel + std::size_t{f} * stride)) / 8388608.0f;
+            convert([](const std::uint8_t* p) { return static_cast<float>(SampleAt<3>(p)) / 8388608.0f; });
             break;
         case SampleKind::Signed32:
-            for (std::uint32_t f = 0; f < frames; ++f)
-                target[std::size_t{f} * channels] =
-                    static_cast<float>(static_cast<double>(SampleAt<4>(channel + std::size_t{f} * stride)) / 2147483648.0);
+            convert([](const std::uint8_t* p) {
+                return static_cast<float>(static_cast<double>(SampleAt<4>(p)) / 2147483648.0);
+            });
             break;
         case SampleKind::Float32:
-            for (std::uint32_t f = 0; f < frames; ++f)
-                target[std::size_t{f} * channels] = FloatAt<float>(channel + std::size_t{f} * stride);
+            convert([](const std::uint8_t* p) { return FloatAt<float>(p); });
             break;
         case SampleKind::Float64:
-            for (std::uint32_t f = 0; f < frames; ++f)
-                target[std::size_t{f} * channels] = static_cast<float>(FloatAt<double>(channel + std::size_t{f} * stride));
+            convert([](const std::uint8_t* p) { return static_cast<float>(FloatAt<double>(p)); });
             break;
         }
     }
@@ -463,18 +469,31 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
                 return;
         }
     });
-    // The meter takes floats a few thousand frames at a time, made while
-    // they are still in the cache.
-    const auto toMeter = [&](const Piece& piece, std::vector<float>& floats, auto add) {
+    // The meter takes the frames [first, last) of a piece as floats, a few
+    // thousand at a time, made while they are still in the cache; add gets
+    // them with the index of the first.
+    const auto toMeter = [&](const Piece& piece, std::uint32_t first, std::uint32_t last, std::vector<float>& floats,
+                             auto add) {
         constexpr std::uint32_t kBlockFrames = 4096;
         floats.resize(std::size_t{kBlockFrames} * format.channels);
-        for (std::uint32_t done = 0; done < piece.frames; done += kBlockFrames) {
-            const std::uint32_t frames = std::min(kBlockFrames, piece.frames - done);
+        for (std::uint32_t done = first; done < last; done += kBlockFrames) {
+            const std::uint32_t frames = std::min(kBlockFrames, last - done);
             ToFloats(kind, bytesPerSample, piece.bytes.data() + std::size_t{done} * stride, frames, stride,
                      format.channels, floats);
-            add(floats.data(), frames);
+            add(floats.data(), done, frames);
         }
     };
+    // The true peaks cost the most, so the second thread finds them in the
+    // last three quarters of each piece, with a meter of its own primed with
+    // the frames before, and this thread in the first quarter, beside the
+    // levels and the K-weighting.
+    constexpr std::uint32_t kHistory = LoudnessMeter::kTruePeakHistory;
+    const auto peakSplit = [&](const Piece& piece) -> std::uint32_t {
+        return piece.frames < 4 * kHistory ? piece.frames : std::max(kHistory, piece.frames / 4);
+    };
+    std::unique_ptr<LoudnessMeter> peakHelper;
+    if (meter)
+        peakHelper = std::make_unique<LoudnessMeter>(format.samplesPerSec, std::vector<double>(format.channels, 1.0));
     std::thread measurer;
     if (helped) {
         measurer = std::thread([&] {
@@ -486,7 +505,18 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
                 }
                 const Piece& piece = pieces[i % kRing];
                 if (meter) {
-                    toMeter(piece, floats, [&](const float* frames, std::size_t count) { meter->AddTruePeaks(frames, count); });
+                    const std::uint32_t split = peakSplit(piece);
+                    bool primed = false;
+                    toMeter(piece, split < piece.frames ? split - kHistory : split, piece.frames, floats,
+                            [&](const float* frames, std::uint32_t, std::uint32_t count) {
+                                if (!primed) {
+                                    peakHelper->PrimeTruePeaks(frames, kHistory);
+                                    frames += std::size_t{kHistory} * format.channels;
+                                    count -= kHistory;
+                                    primed = true;
+                                }
+                                peakHelper->AddTruePeaks(frames, count);
+                            });
                 } else {
                     AddFrames(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, sums, split, format.channels);
                 }
@@ -511,8 +541,19 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         }
         const Piece& piece = pieces[i % kRing];
         AddFrames(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, sums, 0, split);
-        if (meter)
-            toMeter(piece, floats, [&](const float* frames, std::size_t count) { meter->AddLoudness(frames, count); });
+        if (meter) {
+            const std::uint32_t split = peakSplit(piece);
+            toMeter(piece, 0, piece.frames, floats, [&](const float* frames, std::uint32_t at, std::uint32_t count) {
+                meter->AddLoudness(frames, count);
+                if (at < split)
+                    meter->AddTruePeaks(frames, std::min(count, split - at));
+            });
+            // This thread's true peaks go on in the next piece after the
+            // last frames of this one.
+            if (!piece.last && split < piece.frames)
+                toMeter(piece, piece.frames - kHistory, piece.frames, floats,
+                        [&](const float* frames, std::uint32_t, std::uint32_t count) { meter->PrimeTruePeaks(frames, count); });
+        }
         first += piece.frames;
         const bool last = piece.last;
         {
@@ -555,6 +596,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         report.channels.push_back(levels);
     }
     if (meter) {
+        meter->MergeTruePeaks(*peakHelper);
         report.hasLoudness = true;
         report.loudness = meter->Result();
     }

@@ -163,6 +163,25 @@ float LoudnessMeter::TruePeakOf(PeakState& state, const float* samples, std::siz
     return std::sqrt(peak);
 }
 
+void LoudnessMeter::PrimeTruePeaks(const float* frames, std::size_t frameCount)
+{
+    constexpr std::size_t kBehind = kTapsPerPhase - 1;
+    static_assert(kBehind == kTruePeakHistory);
+    const std::size_t count = peaks.size(), taken = std::min(frameCount, kBehind);
+    for (std::size_t c = 0; c < count; ++c) {
+        std::vector<float>& line = peaks[c].line;
+        std::memmove(line.data(), line.data() + taken, (kBehind - taken) * sizeof(float));
+        for (std::size_t i = 0; i < taken; ++i)
+            line[kBehind - taken + i] = frames[(frameCount - taken + i) * count + c];
+    }
+}
+
+void LoudnessMeter::MergeTruePeaks(const LoudnessMeter& other)
+{
+    for (std::size_t c = 0; c < peaks.size() && c < other.peaks.size(); ++c)
+        peaks[c].truePeak = std::max(peaks[c].truePeak, other.peaks[c].truePeak);
+}
+
 // The K-weighting of a run of one channel's samples, adding their squares
 // to the channel's energy of the current step.
 void LoudnessMeter::Filter(FilterState& state, const float* samples, std::size_t count, std::size_t stride) const

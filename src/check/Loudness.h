@@ -26,6 +26,14 @@ public:
     void AddLoudness(const float* frames, std::size_t frameCount);
     void AddTruePeaks(const float* frames, std::size_t frameCount);
 
+    // The true peaks of a long programme may be found in parts, each part
+    // by a meter of its own: a part that begins anywhere but at the start
+    // is primed first with the frames before it (up to 15 count), which
+    // are not measured. MergeTruePeaks takes another meter's true peaks in.
+    void PrimeTruePeaks(const float* frames, std::size_t frameCount);
+    void MergeTruePeaks(const LoudnessMeter& other);
+    static constexpr std::size_t kTruePeakHistory = 15;
+
     struct Figures {
         double integrated;     // LUFS; -inf when every block is gated away
         double range;          // LU

@@ -95,6 +95,42 @@ TEST(Loudness, TruePeakBetweenSamples)
     EXPECT_NEAR(Decibels(low.truePeak[0]), -1, 0.1);
 }
 
+// True peaks found in parts, by meters primed with the frames before their
+// part, are those of the whole, to the last bit: noise whose highest value
+// between samples lies anywhere, cut at places that fall inside the
+// filter's reach of it, in runs of every length the vectors treat apart.
+TEST(Loudness, TruePeaksInPartsAreThoseOfTheWhole)
+{
+    constexpr std::size_t kChannels = 3, kFrames = 4000;
+    std::vector<float> frames(kChannels * kFrames);
+    std::uint32_t seed = 12345;
+    for (float& sample : frames) {
+        seed = seed * 1664525u + 1013904223u;
+        sample = static_cast<float>(static_cast<std::int32_t>(seed) / 2147483648.0 * 0.5);
+    }
+    frames[1234 * kChannels + 1] = 0.9f; // one channel's peak near a cut
+    frames[1235 * kChannels + 1] = -0.9f;
+    LoudnessMeter whole(48000, std::vector<double>(kChannels, 1.0));
+    whole.AddTruePeaks(frames.data(), kFrames);
+    const std::vector<double> expected = whole.Result().truePeak;
+    for (const std::vector<std::size_t>& cuts : {std::vector<std::size_t>{1230}, {1234, 1236, 1237, 1250}, {15, 16, 3999}}) {
+        LoudnessMeter merged(48000, std::vector<double>(kChannels, 1.0));
+        std::size_t first = 0;
+        for (std::size_t i = 0; i <= cuts.size(); ++i) {
+            const std::size_t last = i < cuts.size() ? cuts[i] : kFrames;
+            LoudnessMeter part(48000, std::vector<double>(kChannels, 1.0));
+            if (first > 0) {
+                const std::size_t before = std::min(first, LoudnessMeter::kTruePeakHistory);
+                part.PrimeTruePeaks(frames.data() + (first - before) * kChannels, before);
+            }
+            part.AddTruePeaks(frames.data() + first * kChannels, last - first);
+            merged.MergeTruePeaks(part);
+            first = last;
+        }
+        EXPECT_EQ(merged.Result().truePeak, expected) << "cut first at " << cuts[0];
+    }
+}
+
 // BS.1770's weights: surround channels count 1.41, LFE not at all.
 TEST(Loudness, ChannelWeightsOfFivePointOne)
 {
