@@ -106,13 +106,14 @@ fi
 seconds="${1:-30}"
 status=0
 self_test || status=1
-for target in wave layout csv attributes description writer; do
-    corpus="$smoke/$target"
+
+# smoke_target TARGET: the short run of one target; says how it went, and
+# leaves its exit status in $smoke/TARGET.status.
+smoke_target()
+{
+    local target="$1" corpus="$smoke/$1" log="$smoke/$1.log" outcome=0 lengths=()
     rm -rf "$corpus" "$smoke/$target-artifacts"
     mkdir -p "$corpus" "$smoke/$target-artifacts"
-    log="$smoke/$target.log"
-    outcome=0
-    lengths=()
     if [[ $target == wave ]]; then
         # The wave corpus holds files of tens of thousands of chunks (each
         # data chunk opens the file twice, as the reader must), and inputs
@@ -120,7 +121,7 @@ for target in wave layout csv attributes description writer; do
         # second where the other targets do 5,000 and more. They are run
         # once each at their full length first; the mutations stay within
         # 4 KiB, hundreds of chunks, which keeps the run above 2,000 a second.
-        regressions=(fuzz/regressions/wave/*)
+        local regressions=(fuzz/regressions/wave/*)
         timeout -k 5 $((seconds + grace)) build/fuzz/fuzz/fuzz-wave "${limits[@]}" "${regressions[@]}" \
             >"$smoke/wave-regressions.log" 2>&1 || outcome=$?
         lengths=(-max_len=4096)
@@ -135,10 +136,32 @@ for target in wave layout csv attributes description writer; do
              "peak RSS $(grep -o 'stat::peak_rss_mb: *[0-9]*' "$log" | grep -o '[0-9]*$') MB, no finding"
     else
         if ((outcome == 124 || outcome == 137)); then
-            echo "fuzz-$target: still running $grace s after its time, ended" >&2
+            echo "fuzz-$target: still running $grace s after its time, ended"
         fi
-        echo "fuzz-$target: a finding; see $log and $smoke/$target-artifacts/" >&2
-        tail -n 30 "$log" >&2
+        echo "fuzz-$target: a finding; see $log and $smoke/$target-artifacts/"
+        tail -n 30 "$log"
+    fi
+    echo "$outcome" >"$smoke/$target.status"
+}
+
+# Each run is one process on one core, so as many run at once as there are
+# cores (SONDARA_JOBS to change that); what they say comes in target order.
+targets=(wave layout csv attributes description writer)
+parallel="${SONDARA_JOBS:-$(nproc)}"
+mkdir -p "$smoke"
+for target in "${targets[@]}"; do
+    while (($(jobs -rp | wc -l) >= parallel)); do
+        wait -n || true
+    done
+    rm -f "$smoke/$target.status"
+    smoke_target "$target" >"$smoke/$target.summary" 2>&1 &
+done
+wait
+for target in "${targets[@]}"; do
+    if [[ $(cat "$smoke/$target.status" 2>/dev/null) == 0 ]]; then
+        cat "$smoke/$target.summary"
+    else
+        cat "$smoke/$target.summary" >&2
         status=1
     fi
 done
