@@ -1,7 +1,9 @@
 // The wave reader and the check on arbitrary bytes, read from a file as the
-// product reads them. Each input is checked twice: the two reports must be
-// the same, and each must be made only of the check's own lines. The walk
-// that keeps only the registry must give what the whole tree gives.
+// product reads them. The report must be made only of the check's own
+// lines, and the walk that keeps only the registry must give what the whole
+// tree gives. That the check gives the same report twice is left to the
+// corpus test: a second check cost a quarter of every run, and each walk
+// here opens the file once a data chunk.
 #include "check/WaveCheck.h"
 #include "support/ReportGrammar.h"
 #include "wave/DataChunk.h"
@@ -19,14 +21,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     WriteScratch(input, data, size);
 
     const WideString path = WideString::FromAscii(input);
-    CheckReport first, second;
-    bool firstError = false, secondError = false;
-    RunWaveCheck(path, first, firstError);
-    RunWaveCheck(path, second, secondError);
-    if (!(first == second) || firstError != secondError)
-        FailInvariant("the check is not deterministic");
+    CheckReport report;
+    bool hasError = false;
+    RunWaveCheck(path, report, hasError);
     std::string why;
-    if (!IsWellFormedReport(first, firstError, why))
+    if (!IsWellFormedReport(report, hasError, why))
         FailInvariant(why.c_str());
 
     std::string seen[2];

@@ -1,5 +1,6 @@
 #include "base/Utf8.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace {
@@ -65,9 +66,16 @@ std::u16string Utf8ToWide(std::string_view bytes)
 
 std::string WideToUtf8(std::u16string_view text)
 {
-    std::string result;
-    result.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    // Paths are mostly ASCII: their leading run is copied a unit a byte,
+    // the rest is encoded as it comes.
+    std::size_t ascii = 0;
+    while (ascii < text.size() && text[ascii] < 0x80)
+        ++ascii;
+    std::string result(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(ascii));
+    if (ascii == text.size())
+        return result;
+    result.reserve(text.size() + text.size() / 2);
+    for (std::size_t i = ascii; i < text.size(); ++i) {
         char32_t codePoint = text[i];
         if (codePoint >= 0xD800 && codePoint <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
             text[i + 1] <= 0xDFFF) {

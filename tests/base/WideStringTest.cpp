@@ -1,4 +1,5 @@
 #include "base/Array.h"
+#include "base/Utf8.h"
 #include "base/WideString.h"
 
 #include <gtest/gtest.h>
@@ -49,4 +50,28 @@ TEST(Array, GrowsLikeByteBlockAndChecksIndexes)
     EXPECT_EQ(items.RemoveAt(3), 3);
     EXPECT_EQ(items.At(3), 4) << "the order of the others stays";
     EXPECT_THROW(items.RemoveAt(9), ContainerError);
+}
+
+// Paths and console text cross between UTF-16 and UTF-8 here: an ASCII run
+// before, between and after other characters, pairs of surrogates, and a
+// lone surrogate, which has no UTF-8 and becomes U+FFFD.
+TEST(Utf8, ConvertsBothWays)
+{
+    const struct {
+        std::u16string wide;
+        std::string bytes;
+    } cases[] = {
+        {u"", ""},
+        {u"/tmp/take 1.wav", "/tmp/take 1.wav"},
+        {u"/納品/é.wav", "/\xE7\xB4\x8D\xE5\x93\x81/\xC3\xA9.wav"},
+        {u"a\U0001F600b", "a\xF0\x9F\x98\x80" "b"},
+        {u"\u007F\u0080\u07FF\u0800\uFFFF", "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.bytes);
+        EXPECT_EQ(WideToUtf8(c.wide), c.bytes);
+        EXPECT_EQ(Utf8ToWide(c.bytes), c.wide);
+    }
+    EXPECT_EQ(WideToUtf8(std::u16string(u"ab") + char16_t(0xD800)), "ab\xEF\xBF\xBD");
+    EXPECT_EQ(WideToUtf8(std::u16string(1, char16_t(0xDC00)) + u"x"), "\xEF\xBF\xBDx");
 }

@@ -1,3 +1,4 @@
+#include "base/Utf8.h"
 #include "check/WaveCheck.h"
 #include "layouttext/CsvTokeniser.h"
 #include "layouttext/LayoutDocument.h"
@@ -64,6 +65,42 @@ TEST(RegressionCorpus, WaveFilesGiveWellFormedReports)
         EXPECT_EQ(firstError, secondError);
         std::string why;
         EXPECT_TRUE(IsWellFormedReport(first, firstError, why)) << why;
+    }
+}
+
+// The grammar that the corpus and the fuzzer hold reports to: the lines of
+// the check in their order, their values in their forms, and nothing else.
+TEST(RegressionCorpus, ReportGrammarTellsReportsFromOtherText)
+{
+    const struct {
+        std::u16string report;
+        bool hasError;
+        bool wellFormed;
+    } cases[] = {
+        {u"チェック完了しました。\r\n", false, true},
+        {u"チェック完了しました。\r\n", true, false},
+        {u"チェック完了しました。", false, false},
+        {u"", true, false},
+        {u"PCMではありません。 [0003]\r\nビット数が8/16/24Bitではありません。 [32]\r\n", true, true},
+        {u"PCMではありません。 [FFFE1]\r\n", true, true},
+        {u"PCMではありません。 [003]\r\n", true, false},
+        {u"PCMではありません。 [00a3]\r\n", true, false},
+        {u"PCMではありません。\r\n", true, false},
+        {u"データ情報のサイズが正しくありません。 [-4]\r\nサンプル数が正しくありません。 [0]\r\n", true, true},
+        {u"データ情報のサイズが正しくありません。 [04]\r\n", true, false},
+        {u"データ情報のサイズが正しくありません。 [-]\r\n", true, false},
+        {u"データ情報のサイズが正しくありません。 [1] \r\n", true, false},
+        {u"サンプル数が正しくありません。 [1]\r\nデータ情報のサイズが正しくありません。 [1]\r\n", true, false},
+        {u"ファイルがありません。\r\nRIFF形式ではありません。\r\n", true, false},
+        {u"データ構造がありません。\r\nサンプル数が正しくありません。 [1]\r\n", true, false},
+        {u"フォーマット構造がありません。\r\nチャンネル数が1/2チャンネルではありません。 [6]\r\n", true, false},
+        {u"フォーマット構造がありません。\r\nデータ構造がありません。\r\n", true, true},
+        {u"RIFF構造にエラーがあります。\r\nほかの行\r\n", true, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(WideToUtf8(c.report));
+        std::string why;
+        EXPECT_EQ(IsWellFormedReport(WideString(c.report), c.hasError, why), c.wellFormed) << why;
     }
 }
 
