@@ -6,6 +6,7 @@
 #include "platform/Console.h"
 #include "check/Rf64File.h"
 #include "files/FileStream.h"
+#include "files/UnbufferedReader.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
 #include "wave/WaveDocument.h"
@@ -20,6 +21,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <type_traits>
 
 namespace {
 
@@ -30,8 +32,11 @@ constexpr std::uint16_t kTagExtensible = 0xFFFE;
 // An extensible format's sub-format GUID: a format tag, then these bytes.
 constexpr std::uint8_t kSubFormatTail[14] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
                                              0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
-// Audio is read in pieces of about this many bytes, whole frames each.
-constexpr std::uint32_t kReadBytes = 2 * 1024 * 1024;
+// Audio is read in requests of this many bytes, behind room for the part
+// of a frame that the request before ended in (a frame is at most 65,535
+// bytes); both are whole sectors of any volume.
+constexpr std::uint32_t kReadBytes = 4 * 1024 * 1024;
+constexpr std::uint32_t kHeadBytes = 64 * 1024;
 
 enum class SampleKind { Unsigned8, Signed16, Signed24, Signed32, Float32, Float64 };
 
@@ -53,6 +58,21 @@ struct ChannelSums {
     {
         squaresLow += runSquares;
         squaresHigh += squaresLow < runSquares;
+    }
+
+    // Takes in the sums of other frames of the same channel.
+    void Merge(const ChannelSums& other)
+    {
+        sum += other.sum;
+        AddSquares(other.squaresLow);
+        squaresHigh += other.squaresHigh;
+        lowest = std::min(lowest, other.lowest);
+        highest = std::max(highest, other.highest);
+        fullScale += other.fullScale;
+        squares += other.squares;
+        sumOfFloats += other.sumOfFloats;
+        peak = std::max(peak, other.peak);
+        overFullScale += other.overFullScale;
     }
 };
 
@@ -111,6 +131,74 @@ void AddChannel(const std::uint8_t* data, std::uint32_t frames, std::uint32_t st
     sums.fullScale += fullScale;
 }
 
+// Packed frames of 8, 16 or 24-bit samples, all channels at once: the
+// samples are one row, taken kLanes at a time, and lane l always holds
+// channel l % channels, since the channels divide kLanes. The loop over a
+// block's lanes has a fixed length and no branch, so the compiler makes it
+// vector instructions; each lane keeps sums of its own, folded into its
+// channel's at the end of a run. Sums as AddChannel's, to the last bit.
+// Eight lanes of 16-bit samples fill one vector register, and their sums
+// still stay in registers; with sixteen they went to memory every block.
+constexpr std::uint32_t kLanes = 8;
+
+bool FitsLanes(std::uint32_t channels)
+{
+    return channels > 0 && kLanes % channels == 0;
+}
+
+template <int Bytes>
+void AddPacked(const std::uint8_t* data, std::uint32_t frames, std::uint32_t channels, std::vector<ChannelSums>& sums)
+{
+    // 8 and 16-bit samples and their squares fit in 32 bits.
+    using Value = std::conditional_t<Bytes <= 2, std::int16_t, std::int32_t>;
+    using Square = std::conditional_t<Bytes <= 2, std::uint32_t, std::uint64_t>;
+    constexpr std::int32_t kHighest = (1 << (Bytes * 8 - 1)) - 1;
+    constexpr std::int32_t kLowest = -kHighest - 1;
+    // Blocks a run: a lane's squares of a run fit in 64 bits (see AddChannel).
+    constexpr std::size_t kRunBlocks = 65536;
+    const std::size_t samples = std::size_t{frames} * channels;
+    const std::size_t blocks = samples / kLanes;
+    std::int64_t sum[kLanes] = {};
+    Value lowest[kLanes], highest[kLanes];
+    std::uint32_t fullScale[kLanes] = {};
+    for (std::uint32_t l = 0; l < kLanes; ++l) {
+        lowest[l] = static_cast<Value>(kHighest);
+        highest[l] = static_cast<Value>(kLowest);
+    }
+    for (std::size_t start = 0; start < blocks; start += kRunBlocks) {
+        const std::size_t end = std::min(blocks, start + kRunBlocks);
+        std::uint64_t squares[kLanes] = {};
+        std::conditional_t<Bytes <= 2, std::int32_t, std::int64_t> runSum[kLanes] = {};
+        for (std::size_t block = start; block < end; ++block) {
+            const std::uint8_t* at = data + block * kLanes * Bytes;
+            for (std::uint32_t l = 0; l < kLanes; ++l) {
+                const auto v = static_cast<Value>(SampleAt<Bytes>(at + l * Bytes));
+                runSum[l] += v;
+                squares[l] += static_cast<Square>(static_cast<std::conditional_t<Bytes <= 2, std::int32_t, std::int64_t>>(v) * v);
+                lowest[l] = std::min(lowest[l], v);
+                highest[l] = std::max(highest[l], v);
+                fullScale[l] += static_cast<std::uint32_t>(v == kHighest) + static_cast<std::uint32_t>(v == kLowest);
+            }
+        }
+        for (std::uint32_t l = 0; l < kLanes; ++l) {
+            sums[l % channels].AddSquares(squares[l]);
+            sum[l] += runSum[l];
+            sums[l % channels].fullScale += fullScale[l];
+            fullScale[l] = 0;
+        }
+    }
+    for (std::uint32_t l = 0; l < kLanes; ++l) {
+        ChannelSums& channel = sums[l % channels];
+        channel.sum += sum[l];
+        channel.lowest = std::min<std::int32_t>(channel.lowest, lowest[l]);
+        channel.highest = std::max<std::int32_t>(channel.highest, highest[l]);
+    }
+    // The last frames, fewer than a block.
+    const std::uint32_t done = static_cast<std::uint32_t>(blocks * kLanes / channels);
+    for (std::uint32_t c = 0; c < channels; ++c)
+        AddChannel<Bytes>(data + (std::size_t{done} * channels + c) * Bytes, frames - done, channels * Bytes, sums[c]);
+}
+
 // 32-bit integers: the sum exactly, the squares in doubles, a run at a time.
 void AddChannel32(const std::uint8_t* data, std::uint32_t frames, std::uint32_t stride, ChannelSums& sums)
 {
@@ -167,11 +255,20 @@ void AddChannelFloat(const std::uint8_t* data, std::uint32_t frames, std::uint32
     sums.overFullScale += over;
 }
 
-// The channels from first up to end.
+// Frames of every channel, packed ones all channels at once where they can.
 void AddFrames(SampleKind kind, std::uint32_t bytesPerSample, const std::uint8_t* data, std::uint32_t frames,
-               std::uint32_t stride, std::vector<ChannelSums>& sums, std::size_t firstChannel, std::size_t endChannel)
+               std::uint32_t stride, std::vector<ChannelSums>& sums)
 {
-    for (std::size_t c = firstChannel; c < endChannel; ++c) {
+    const auto channels = static_cast<std::uint32_t>(sums.size());
+    if (stride == bytesPerSample * channels && FitsLanes(channels)) {
+        switch (kind) {
+        case SampleKind::Unsigned8: AddPacked<1>(data, frames, channels, sums); return;
+        case SampleKind::Signed16: AddPacked<2>(data, frames, channels, sums); return;
+        case SampleKind::Signed24: AddPacked<3>(data, frames, channels, sums); return;
+        default: break;
+        }
+    }
+    for (std::size_t c = 0; c < channels; ++c) {
         const std::uint8_t* channel = data + c * bytesPerSample;
         switch (kind) {
         case SampleKind::Unsigned8: AddChannel<1>(channel, frames, stride, sums[c]); break;
@@ -408,13 +505,15 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     if (place.dataPosition < 0)
         return Refuse(problem, "no data chunk");
 
-    // The audio is read past the system's cache, in large pieces of whole
-    // frames, straight from the data chunk's body.
-    FileStream audio;
-    if (!audio.OpenAligned(path, platform::kFileAttributeNormal) || !audio.SeekTo(place.dataPosition + 8))
+    // The audio is read past the system's cache in requests of 4 MiB, each
+    // straight into a piece of its own: as large as the disk wants them,
+    // and nothing copied. The requests start at the sector of the data
+    // chunk's body; a frame cut by the end of a request goes to the room
+    // in front of the next piece.
+    UnbufferedReader audio;
+    if (!audio.Open(path) || kHeadBytes % audio.GetSectorSize() != 0)
         return Refuse(problem, "the audio can't be read");
     const std::uint32_t stride = format.blockAlign;
-    const std::uint32_t pieceFrames = std::max<std::uint32_t>(1, kReadBytes / stride);
     std::vector<ChannelSums> sums(format.channels);
     // The loudness is measured on the same pieces.
     std::unique_ptr<LoudnessMeter> meter;
@@ -430,25 +529,35 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
 
     // Reading overlaps measuring: a thread reads the pieces ahead into a
     // ring of three, the levels are summed here, and a second thread sums
-    // half of the channels; when loudness is asked for, this thread sums all
-    // the levels and K-weights, and the second one finds the true peaks. A
-    // long file keeps both cores and the disk busy.
+    // the second half of each piece's frames; when loudness is asked for,
+    // this thread sums all the levels and K-weights, and the second one
+    // finds the true peaks. A long file keeps both cores and the disk busy.
     struct Piece {
-        std::vector<std::uint8_t> bytes;
+        std::unique_ptr<TransferMemory> memory; // kHeadBytes of room, then a request
+        const std::uint8_t* bytes = nullptr;    // the first frame
         std::uint32_t frames = 0;
         bool last = false;
     };
     constexpr std::size_t kRing = 3;
     Piece pieces[kRing];
-    for (Piece& piece : pieces)
-        piece.bytes.resize(std::size_t{pieceFrames} * stride);
+    for (Piece& piece : pieces) {
+        piece.memory = std::make_unique<TransferMemory>(std::size_t{kHeadBytes} + kReadBytes);
+        if (!piece.memory->Data())
+            return Refuse(problem, "no memory to read the audio into");
+    }
     std::mutex lock;
     std::condition_variable changed;
     std::size_t read = 0, summed = 0, metered = 0;
     const std::int64_t frameCount = place.frameCount;
-    const bool helped = meter || format.channels >= 2;
-    const std::size_t split = meter || !helped ? format.channels : format.channels / 2u;
+    const bool helped = meter || frameCount * stride > kReadBytes;
+    // The frames of a piece that this thread sums the levels of.
+    const auto ownFrames = [&](const Piece& piece) { return meter || !helped ? piece.frames : piece.frames / 2; };
+    std::vector<ChannelSums> helperSums(format.channels);
     std::thread reader([&] {
+        const std::int64_t start = place.dataPosition + 8;
+        std::int64_t next = start - start % audio.GetSectorSize();
+        std::int64_t skipped = start - next; // bytes of the first request before the audio
+        std::int64_t carried = 0;            // bytes of a frame begun in the piece before
         std::int64_t first = 0;
         for (std::size_t i = 0;; ++i) {
             {
@@ -456,10 +565,21 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
                 changed.wait(hold, [&] { return i < std::min(summed, helped ? metered : summed) + kRing; });
             }
             Piece& piece = pieces[i % kRing];
-            const auto wanted = static_cast<std::uint32_t>(std::min<std::int64_t>(pieceFrames, frameCount - first));
-            piece.frames = wanted > 0 ? audio.Read(piece.bytes.data(), wanted * stride) / stride : 0;
+            std::uint8_t* request = piece.memory->Data() + kHeadBytes;
+            if (carried > 0) {
+                const Piece& before = pieces[(i + kRing - 1) % kRing];
+                std::memcpy(request - carried, before.bytes + std::size_t{before.frames} * stride,
+                            static_cast<std::size_t>(carried));
+            }
+            const std::int64_t got = audio.ReadAt(next, request, kReadBytes);
+            next += kReadBytes;
+            piece.bytes = request + skipped - carried;
+            const std::int64_t present = std::max<std::int64_t>(0, got - skipped) + carried;
+            piece.frames = static_cast<std::uint32_t>(std::min(present / stride, frameCount - first));
             first += piece.frames;
-            piece.last = piece.frames < wanted || first >= frameCount;
+            piece.last = got < kReadBytes || first >= frameCount;
+            carried = present - std::int64_t{piece.frames} * stride;
+            skipped = 0;
             {
                 std::lock_guard<std::mutex> hold(lock);
                 read = i + 1;
@@ -478,7 +598,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         floats.resize(std::size_t{kBlockFrames} * format.channels);
         for (std::uint32_t done = first; done < last; done += kBlockFrames) {
             const std::uint32_t frames = std::min(kBlockFrames, last - done);
-            ToFloats(kind, bytesPerSample, piece.bytes.data() + std::size_t{done} * stride, frames, stride,
+            ToFloats(kind, bytesPerSample, piece.bytes + std::size_t{done} * stride, frames, stride,
                      format.channels, floats);
             add(floats.data(), done, frames);
         }
@@ -518,7 +638,9 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
                                 peakHelper->AddTruePeaks(frames, count);
                             });
                 } else {
-                    AddFrames(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, sums, split, format.channels);
+                    const std::uint32_t own = ownFrames(piece);
+                    AddFrames(kind, bytesPerSample, piece.bytes + std::size_t{own} * stride, piece.frames - own,
+                              stride, helperSums);
                 }
                 const bool last = piece.last;
                 {
@@ -540,7 +662,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
             changed.wait(hold, [&] { return read > i; });
         }
         const Piece& piece = pieces[i % kRing];
-        AddFrames(kind, bytesPerSample, piece.bytes.data(), piece.frames, stride, sums, 0, split);
+        AddFrames(kind, bytesPerSample, piece.bytes, ownFrames(piece), stride, sums);
         if (meter) {
             const std::uint32_t split = peakSplit(piece);
             toMeter(piece, 0, piece.frames, floats, [&](const float* frames, std::uint32_t at, std::uint32_t count) {
@@ -570,6 +692,8 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         measurer.join();
     if (first == 0)
         return Refuse(problem, "no audio data");
+    for (std::size_t c = 0; c < sums.size(); ++c)
+        sums[c].Merge(helperSums[c]);
 
     report.frames = first;
     report.sampleRate = format.samplesPerSec;

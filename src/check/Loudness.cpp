@@ -63,23 +63,26 @@ LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> chann
         highPass = {1, -2, 1, 2 * (k * k - 1) / a0, (1 - k / q + k * k) / a0};
     }
     // The interpolation filter: a sinc cut at the original Nyquist
-    // frequency under a Blackman window, its phases each summing to 1.
-    // Stored tap by tap, the phases side by side (unused phases zero), so
-    // that the inner loop works on all phases at once.
-    const int taps = kTapsPerPhase * oversampling;
-    for (int p = 0; p < oversampling; ++p) {
+    // frequency under a Hann window, 12 taps a phase and one more, so
+    // that its middle falls on a sample: the phase on the samples is then
+    // the samples themselves (the sinc is 0 at every other one), and only
+    // the phases between them are worked out, each summing to 1. Stored
+    // tap by tap, the phases side by side (unused phases zero), so that the
+    // inner loop works on all phases at once.
+    const int taps = kTapsPerPhase * oversampling + 1;
+    for (int p = 1; p < oversampling; ++p) {
         double row[kTapsPerPhase];
         double sum = 0;
         for (int k = 0; k < kTapsPerPhase; ++k) {
             const int m = p + k * oversampling;
             const double x = (m - (taps - 1) / 2.0) / oversampling;
-            const double sinc = x == 0 ? 1 : std::sin(kPi * x) / (kPi * x);
-            const double window = 0.42 - 0.5 * std::cos(2 * kPi * (m + 0.5) / taps) + 0.08 * std::cos(4 * kPi * (m + 0.5) / taps);
+            const double sinc = std::sin(kPi * x) / (kPi * x);
+            const double window = 0.5 - 0.5 * std::cos(2 * kPi * m / (taps - 1));
             row[k] = sinc * window;
             sum += row[k];
         }
         for (int k = 0; k < kTapsPerPhase; ++k)
-            interpolator[k][p] = oversampling > 1 ? static_cast<float>(row[k] / sum) : 0.0f;
+            interpolator[k][p - 1] = static_cast<float>(row[k] / sum);
     }
     for (PeakState& state : peaks)
         state.line.assign(kTapsPerPhase - 1, 0.0f);
@@ -90,10 +93,10 @@ LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> chann
 // kTapsPerPhase - 1 of the run before, so that the filter reads them side
 // by side; four neighbouring instants go through at once, one in each lane
 // of a vector of the compiler's own (both compilers of this program know
-// the form), each tap's four phases weighing the same four samples. Two
-// partial sums per phase keep more chains of additions in flight. Taken
-// four at a time the instants need no sums across lanes, which cost more
-// than the filter itself did when the lanes were the phases.
+// the form), each tap's phases weighing the same four samples. Two partial
+// sums per phase keep more chains of additions in flight. Taken four at a
+// time the instants need no sums across lanes, which cost more than the
+// filter itself did when the lanes were the phases.
 float LoudnessMeter::TruePeakOf(PeakState& state, const float* samples, std::size_t count, std::size_t stride) const
 {
     using Lanes = float __attribute__((vector_size(16)));
@@ -122,7 +125,7 @@ float LoudnessMeter::TruePeakOf(PeakState& state, const float* samples, std::siz
     for (; i + 4 <= count; i += 4) {
         const float* at = x + i;
         // The phases by name, so that the sums stay in registers.
-        Lanes even0{}, even1{}, even2{}, even3{}, odd0{}, odd1{}, odd2{}, odd3{};
+        Lanes even0{}, even1{}, even2{}, odd0{}, odd1{}, odd2{};
         for (int k = 0; k < kTapsPerPhase; k += 2) {
             Lanes near, far;
             load(near, at - k);
@@ -130,20 +133,17 @@ float LoudnessMeter::TruePeakOf(PeakState& state, const float* samples, std::siz
             even0 += weight[k][0] * near;
             even1 += weight[k][1] * near;
             even2 += weight[k][2] * near;
-            even3 += weight[k][3] * near;
             odd0 += weight[k + 1][0] * far;
             odd1 += weight[k + 1][1] * far;
             odd2 += weight[k + 1][2] * far;
-            odd3 += weight[k + 1][3] * far;
         }
         Lanes own;
         load(own, at);
-        const Lanes phase0 = even0 + odd0, phase1 = even1 + odd1, phase2 = even2 + odd2, phase3 = even3 + odd3;
+        const Lanes phase0 = even0 + odd0, phase1 = even1 + odd1, phase2 = even2 + odd2;
         keepLarger(peaks, own * own);
         keepLarger(peaks, phase0 * phase0);
         keepLarger(peaks, phase1 * phase1);
         keepLarger(peaks, phase2 * phase2);
-        keepLarger(peaks, phase3 * phase3);
     }
     float peak = 0;
     for (int lane = 0; lane < 4; ++lane)

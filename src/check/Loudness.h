@@ -28,11 +28,11 @@ public:
 
     // The true peaks of a long programme may be found in parts, each part
     // by a meter of its own: a part that begins anywhere but at the start
-    // is primed first with the frames before it (up to 15 count), which
+    // is primed first with the frames before it (up to 11 count), which
     // are not measured. MergeTruePeaks takes another meter's true peaks in.
     void PrimeTruePeaks(const float* frames, std::size_t frameCount);
     void MergeTruePeaks(const LoudnessMeter& other);
-    static constexpr std::size_t kTruePeakHistory = 15;
+    static constexpr std::size_t kTruePeakHistory = 11;
 
     struct Figures {
         double integrated;     // LUFS; -inf when every block is gated away
@@ -75,9 +75,10 @@ private:
         static constexpr int kBins = 8000; // -70 to +10 LUFS in 0.01 LU
     };
 
-    // Taps of the true-peak filter for each phase, and phases at most.
-    static constexpr int kTapsPerPhase = 16;
-    static constexpr int kPhases = 4;
+    // Taps of the true-peak filter for each phase between two samples, and
+    // those phases at most (the phase on the sample is the sample itself).
+    static constexpr int kTapsPerPhase = 12;
+    static constexpr int kPhases = 3;
 
     void EndOfStep();
     void Filter(FilterState& state, const float* samples, std::size_t count, std::size_t stride) const;

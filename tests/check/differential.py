@@ -4,8 +4,8 @@
   differential.py levels SONDARA-CHECK WORK-FOLDER
       Makes WAV files with sox (8, 16, 24 and 32-bit PCM, 32 and 64-bit
       float, plain and extensible, 1 to 8 channels, tones, noise, a DC
-      offset, clipping) and compares the peak and RMS
-      of each channel from `sondara-check --json --levels` with
+      offset, clipping, files longer than a read) and compares the frame
+      count, and the peak and RMS of each channel from `sondara-check --json --levels` with
       `sox FILE -n stats`: they must agree within 0.01 dB, the DC offset
       within 0.0001.
 
@@ -71,6 +71,12 @@ def levels(checker, work):
         "tone-16-six": ["-b", "16", "-c", "6", "synth", "1", "sine", "440", "sine", "550", "pinknoise", "gain", "-9"],
         "tone-24-eight": ["-b", "24", "-c", "8", "synth", "0.5", "sine", "300", "whitenoise", "gain", "-4"],
         "float-32-three": ["-b", "32", "-c", "3", "-e", "float", "synth", "0.5", "sine", "300", "gain", "-1"],
+        # Longer than one read of the audio (4 MiB), with frames that the
+        # reads cut in two, and long enough for both threads.
+        "long-16-stereo": ["-b", "16", "-c", "2", "synth", "30", "sine", "440", "whitenoise", "gain", "-6"],
+        "long-24-stereo": ["-b", "24", "-c", "2", "synth", "30", "sine", "300", "pinknoise", "gain", "-10"],
+        "long-24-six": ["-b", "24", "-c", "6", "synth", "10", "sine", "440", "pinknoise", "gain", "-10"],
+        "long-8-mono": ["-b", "8", "-c", "1", "synth", "120", "sine", "100", "gain", "-3"],
     }
     paths = []
     for name, arguments in cases.items():
@@ -90,6 +96,9 @@ def levels(checker, work):
         if "error" in entry:
             sys.exit(f"{path}: sondara-check: {entry['error']}")
         stats = sox_stats(path)
+        frames = int(subprocess.run(["soxi", "-s", path], capture_output=True, text=True, check=True).stdout)
+        if entry["frames"] != frames:
+            sys.exit(f"{path}: {entry['frames']} frames against sox's {frames}")
         for channel, levels in enumerate(entry["channels"]):
             for key, row, tolerance in (("peak", "Pk lev dB", 0.01), ("rms", "RMS lev dB", 0.01),
                                         ("dcOffset", "DC offset", 0.0001)):

@@ -4,7 +4,9 @@
   loudness_oracle.py SONDARA-CHECK EBUR128-ORACLE WORK-FOLDER SAMPLE...
 
 Makes files with sox (8 to 32-bit PCM, float, 1 to 8 channels, tones,
-noise, music-like level changes; 44.1, 48 and 96 kHz) and takes the
+pink noise, music-like level changes; 44.1, 48 and 96 kHz) and one of
+white noise at full scale, whose true peaks lie far above its samples and
+depend most on the interpolation filter and takes the
 samples given; for each, compares the integrated loudness, the loudness
 range and each channel's true peak from `sondara-check --json --loudness`
 with libebur128's (fed the same samples as floats by sox): within 0.1 LU
@@ -12,6 +14,7 @@ and 0.1 dB. Prints the count; exits 1 on the first difference.
 """
 import json
 import os
+import random
 import struct
 import subprocess
 import sys
@@ -53,6 +56,13 @@ def main():
     checker, oracle, work = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2]), sys.argv[3]
     os.makedirs(work, exist_ok=True)
     paths = list(sys.argv[4:])
+    # Every 16-bit value as likely as any other, the same bytes each run.
+    white = os.path.join(work, "white-16-stereo-44k.wav")
+    audio = random.Random(1770).randbytes(44100 * 4 * 8)
+    with open(white, "wb") as out:
+        out.write(b"RIFF" + struct.pack("<I", 36 + len(audio)) + b"WAVEfmt " +
+                  struct.pack("<IHHIIHH", 16, 1, 2, 44100, 176400, 4, 16) + b"data" + struct.pack("<I", len(audio)) + audio)
+    paths.append(white)
     for name, arguments in CASES.items():
         path = os.path.join(work, name + ".wav")
         effects = arguments.index("synth")

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "base/WideString.h"
+#include "platform/File.h"
+
+#include <cstddef>
+#include <cstdint>
+
+// Memory that unbuffered transfers may go to and from: aligned to a page,
+// zero-filled, freed with its owner. Data is null when there was none.
+class TransferMemory {
+public:
+    explicit TransferMemory(std::size_t size);
+    ~TransferMemory();
+    TransferMemory(const TransferMemory&) = delete;
+    TransferMemory& operator=(const TransferMemory&) = delete;
+
+    std::uint8_t* Data() const { return memory; }
+    std::size_t Size() const { return size; }
+
+private:
+    std::uint8_t* memory;
+    std::size_t size;
+};
+
+// A file read past the system's cache in large requests of whole sectors,
+// each straight into the caller's TransferMemory: the disk sees requests
+// as large as the caller's, and nothing is copied on the way. Used by one
+// thread at a time.
+class UnbufferedReader {
+public:
+    UnbufferedReader() = default;
+    ~UnbufferedReader();
+    UnbufferedReader(const UnbufferedReader&) = delete;
+    UnbufferedReader& operator=(const UnbufferedReader&) = delete;
+
+    bool Open(const WideString& path);
+    std::uint32_t GetSectorSize() const { return sectorSize; }
+    std::int64_t ReadAt(std::int64_t position, std::uint8_t* destination, std::uint32_t count);
+
+private:
+    platform::FileHandle handle = nullptr;
+    std::uint32_t sectorSize = 0;
+};
