@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/WideString.h"
+#include "files/TransferMemory.h"
 #include "platform/File.h"
 
 #include <cstdint>
@@ -78,11 +79,6 @@ private:
 
         ~ReadAheadBuffer();
     };
-    struct TransferBuffer {
-        void* memory = nullptr;
-        std::uint32_t size = 0;
-        ~TransferBuffer();
-    };
 
     std::uint32_t ReadFromSystem(void* destination, std::uint32_t count);
     std::uint32_t ReadBuffered(std::uint8_t* destination, std::uint32_t count);
@@ -103,7 +99,7 @@ private:
     platform::FileHandle handle = nullptr;
     WideString path;
     std::unique_ptr<ReadAheadBuffer> readAhead;
-    std::unique_ptr<TransferBuffer> transferBuffer;
+    std::unique_ptr<TransferMemory> transferBuffer;
     // The logical position while read-ahead or aligned mode is on.
     std::int64_t position = 0;
     // Bytes per sector in aligned mode; 0 in plain mode.

@@ -15,11 +15,6 @@ constexpr std::uint32_t kLargestSector = 64 * 1024;
 
 } // namespace
 
-FileStream::TransferBuffer::~TransferBuffer()
-{
-    platform::FreeTransferMemory(memory, size);
-}
-
 bool FileStream::OpenAligned(const WideString& newPath, std::uint32_t flags)
 {
     Close();
@@ -41,10 +36,7 @@ bool FileStream::StartAligned(const WideString& newPath, bool canWrite)
         bytesPerSector > kLargestSector)
         return false;
     transferBuffer.reset();
-    auto buffer = std::make_unique<TransferBuffer>();
-    buffer->size = bytesPerSector * kSectorsPerTransfer;
-    buffer->memory = platform::AllocateTransferMemory(buffer->size);
-    transferBuffer = std::move(buffer);
+    transferBuffer = std::make_unique<TransferMemory>(std::size_t{bytesPerSector} * kSectorsPerTransfer);
     path = newPath;
     position = 0;
     writable = canWrite;
@@ -65,7 +57,7 @@ std::int64_t FileStream::RoundUp(std::int64_t n) const
 // holds behind offset.
 std::uint32_t FileStream::TakeFor(std::int64_t offset, std::uint32_t left) const
 {
-    const std::int64_t capacity = transferBuffer->memory ? transferBuffer->size : 0;
+    const auto capacity = static_cast<std::int64_t>(transferBuffer->Size());
     if (offset + left < capacity)
         return left;
     return capacity > offset ? static_cast<std::uint32_t>(capacity - offset) : 0;
@@ -87,7 +79,7 @@ std::uint32_t FileStream::ReadAligned(std::uint8_t* destination, std::uint32_t c
     std::int64_t offset = position % sectorSize;
     if (!MoveSystemPointer(position - offset))
         return 0;
-    auto* buffer = static_cast<std::uint8_t*>(transferBuffer->memory);
+    auto* buffer = transferBuffer->Data();
     std::uint32_t done = 0;
     while (done < count) {
         const std::uint32_t take = TakeFor(offset, count - done);
@@ -111,7 +103,7 @@ std::uint32_t FileStream::ReadAligned(std::uint8_t* destination, std::uint32_t c
 // behind what came. With whole set, only a full sector is success.
 bool FileStream::LoadSector(std::uint32_t bufferOffset, std::int64_t filePosition, bool whole)
 {
-    auto* target = static_cast<std::uint8_t*>(transferBuffer->memory) + bufferOffset;
+    auto* target = transferBuffer->Data() + bufferOffset;
     if (!MoveSystemPointer(filePosition))
         return false;
     const std::int64_t got = platform::ReadFromFile(handle, target, static_cast<std::uint32_t>(sectorSize));
@@ -128,9 +120,9 @@ bool FileStream::LoadSector(std::uint32_t bufferOffset, std::int64_t filePositio
 // position; Close sets the true end.
 std::uint32_t FileStream::WriteAligned(const std::uint8_t* source, std::uint32_t count)
 {
-    if (!transferBuffer || !transferBuffer->memory)
+    if (!transferBuffer || !transferBuffer->Data())
         return 0;
-    auto* buffer = static_cast<std::uint8_t*>(transferBuffer->memory);
+    auto* buffer = transferBuffer->Data();
     std::int64_t offset = position % sectorSize;
     if (offset > 0 && !LoadSector(0, position - offset, true))
         return 0;

@@ -1,27 +1,10 @@
 #pragma once
 
 #include "base/WideString.h"
+#include "files/TransferMemory.h"
 #include "platform/File.h"
 
-#include <cstddef>
 #include <cstdint>
-
-// Memory that unbuffered transfers may go to and from: aligned to a page,
-// zero-filled, freed with its owner. Data is null when there was none.
-class TransferMemory {
-public:
-    explicit TransferMemory(std::size_t size);
-    ~TransferMemory();
-    TransferMemory(const TransferMemory&) = delete;
-    TransferMemory& operator=(const TransferMemory&) = delete;
-
-    std::uint8_t* Data() const { return memory; }
-    std::size_t Size() const { return size; }
-
-private:
-    std::uint8_t* memory;
-    std::size_t size;
-};
 
 // A file read past the system's cache in large requests of whole sectors,
 // each straight into the caller's TransferMemory: the disk sees requests
