@@ -1,0 +1,2 @@
+/* placeholder */
+int sondara_fault_shim_placeholder;
