@@ -213,11 +213,11 @@ int ConsoleMain(const std::vector<std::u16string>& arguments)
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::u16string& argument = arguments[i];
         if (!optionsEnded && argument == u"--version") {
-            platform::WriteToStandardOutput(WithLineEnd("sondara-check " SONDARA_VERSION_DOTTED "\n", platform::kLineEnd));
+            WriteWholeToStandardOutput(WithLineEnd("sondara-check " SONDARA_VERSION_DOTTED "\n", platform::kLineEnd));
             return 0;
         }
         if (!optionsEnded && argument == u"--help") {
-            platform::WriteToStandardOutput(WithLineEnd(std::string(kUsage) + "\n" + kHelp + "\n", platform::kLineEnd));
+            WriteWholeToStandardOutput(WithLineEnd(std::string(kUsage) + "\n" + kHelp + "\n", platform::kLineEnd));
             return 0;
         }
         const bool modeOption = argument == u"--chunks" || argument == u"--levels" || argument == u"--tidy";

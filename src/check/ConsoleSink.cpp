@@ -2,6 +2,8 @@
 
 #include "platform/Console.h"
 
+#include <cstdlib>
+
 std::string WithLineEnd(std::string_view text, const char* lineEnd)
 {
     if (std::string_view(lineEnd) == "\n")
@@ -31,6 +33,18 @@ void ConsoleSink::Flush()
 {
     if (pending.empty())
         return;
-    platform::WriteToStandardOutput(pending);
+    WriteWholeToStandardOutput(pending);
     pending.clear();
+}
+
+void WriteWholeToStandardOutput(std::string_view bytes)
+{
+    std::string failure;
+    if (platform::WriteToStandardOutput(bytes, failure))
+        return;
+    if (!failure.empty())
+        platform::WriteToStandardError(WithLineEnd("sondara-check: standard output can't be written: " + failure + "\n",
+                                                   platform::kLineEnd));
+    // Threads may still be checking; nothing of theirs is worth waiting for.
+    std::_Exit(1);
 }

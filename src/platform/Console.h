@@ -12,7 +12,13 @@ namespace platform {
 // The line end of the platform's text files and consoles.
 extern const char* const kLineEnd;
 
-void WriteToStandardOutput(std::string_view bytes);
+// Writes every byte to standard output: UTF-8 text or exact bytes, as
+// given; a console that takes characters rather than bytes gets them as
+// characters. False when they could not all be written, with the system's
+// reason in failure, which stays empty when the reader has gone (a pipe
+// closed at its other end): tools end quietly then.
+bool WriteToStandardOutput(std::string_view bytes, std::string& failure);
+// Standard error takes what it can: nowhere is left to tell of a failure.
 void WriteToStandardError(std::string_view bytes);
 // One read of standard input: the bytes that came, 0 at its end, -1 on
 // failure.
@@ -20,9 +26,10 @@ std::int64_t ReadFromStandardInput(void* destination, std::uint32_t count);
 // Bytes of standard input as text, in the character set that programs
 // which list paths write there.
 std::u16string StandardInputToWide(std::string_view bytes);
-// True when standard error is a terminal that a person watches, rather than
-// a pipe or a file.
+// True when standard error (output) is a terminal that a person watches,
+// rather than a pipe or a file.
 bool IsStandardErrorTerminal();
+bool IsStandardOutputTerminal();
 
 } // namespace platform
 

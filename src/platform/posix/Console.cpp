@@ -3,6 +3,7 @@
 #include "platform/TextCodec.h"
 
 #include <cerrno>
+#include <cstring>
 #include <string>
 #include <unistd.h>
 
@@ -12,23 +13,31 @@ const char* const kLineEnd = "\n";
 
 namespace {
 
-void WriteAll(int descriptor, std::string_view bytes)
+// The errno of the write that failed, 0 when every byte went.
+int WriteAll(int descriptor, std::string_view bytes)
 {
     while (!bytes.empty()) {
         ssize_t written = write(descriptor, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR)
             continue;
-        if (written <= 0)
-            return;
+        if (written < 0)
+            return errno;
+        if (written == 0)
+            return EIO;
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
+    return 0;
 }
 
 } // namespace
 
-void WriteToStandardOutput(std::string_view bytes)
+bool WriteToStandardOutput(std::string_view bytes, std::string& failure)
 {
-    WriteAll(STDOUT_FILENO, bytes);
+    const int error = WriteAll(STDOUT_FILENO, bytes);
+    // EPIPE comes only where SIGPIPE is ignored; otherwise the signal has
+    // already ended the program, as it ends every tool in a pipeline.
+    failure = error == 0 || error == EPIPE ? "" : std::strerror(error);
+    return error == 0;
 }
 
 void WriteToStandardError(std::string_view bytes)
@@ -55,6 +64,11 @@ std::u16string StandardInputToWide(std::string_view bytes)
 bool IsStandardErrorTerminal()
 {
     return isatty(STDERR_FILENO) == 1;
+}
+
+bool IsStandardOutputTerminal()
+{
+    return isatty(STDOUT_FILENO) == 1;
 }
 
 } // namespace platform

@@ -9,23 +9,31 @@ const char* const kLineEnd = "\r\n";
 
 namespace {
 
-void WriteAll(DWORD which, std::string_view bytes)
+// The error of the write that failed, 0 when every byte went.
+DWORD WriteAll(DWORD which, std::string_view bytes)
 {
     HANDLE stream = GetStdHandle(which);
     while (!bytes.empty()) {
         DWORD written = 0;
         DWORD piece = bytes.size() > 0x100000 ? 0x100000 : static_cast<DWORD>(bytes.size());
-        if (!WriteFile(stream, bytes.data(), piece, &written, nullptr) || written == 0)
-            return;
+        if (!WriteFile(stream, bytes.data(), piece, &written, nullptr))
+            return GetLastError();
+        if (written == 0)
+            return ERROR_WRITE_FAULT;
         bytes.remove_prefix(written);
     }
+    return 0;
 }
 
 } // namespace
 
-void WriteToStandardOutput(std::string_view bytes)
+bool WriteToStandardOutput(std::string_view bytes, std::string& failure)
 {
-    WriteAll(STD_OUTPUT_HANDLE, bytes);
+    const DWORD error = WriteAll(STD_OUTPUT_HANDLE, bytes);
+    // A pipe whose reader has gone.
+    const bool readerGone = error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE;
+    failure = error == 0 || readerGone ? "" : "system error " + std::to_string(error);
+    return error == 0;
 }
 
 void WriteToStandardError(std::string_view bytes)
@@ -58,6 +66,12 @@ bool IsStandardErrorTerminal()
 {
     DWORD mode = 0;
     return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
+
+bool IsStandardOutputTerminal()
+{
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
 }
 
 } // namespace platform
