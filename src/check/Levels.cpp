@@ -53,6 +53,7 @@ struct ChannelSums {
     double sumOfFloats = 0;
     double peak = 0;
     std::uint64_t overFullScale = 0;
+    std::uint64_t nonFinite = 0;
 
     void AddSquares(std::uint64_t runSquares)
     {
@@ -73,6 +74,7 @@ struct ChannelSums {
         sumOfFloats += other.sumOfFloats;
         peak = std::max(peak, other.peak);
         overFullScale += other.overFullScale;
+        nonFinite += other.nonFinite;
     }
 };
 
@@ -226,6 +228,21 @@ void AddChannel32(const std::uint8_t* data, std::uint32_t frames, std::uint32_t 
     sums.fullScale += fullScale;
 }
 
+// The largest float magnitude that is measured. NaN, the infinities and
+// anything beyond this are no level a recording has, but a corrupt word:
+// they are counted apart and every meter takes silence in their place. Up
+// to 2^60 (+361 dBFS) a sample's square summed over 2^63 frames stays far
+// inside a double, and the true-peak filter's squares inside a float.
+constexpr double kLargestSample = 1152921504606846976.0;
+
+// A float sample as the meters take it, and whether it was one to take.
+// NaN fails the comparison, so one comparison sorts out all three kinds.
+inline double Measurable(double v, bool& kept)
+{
+    kept = std::fabs(v) <= kLargestSample;
+    return kept ? v : 0.0;
+}
+
 // Floats: full scale is 1.0; a sample at or beyond it counts as at full
 // scale, one beyond it as over full scale too.
 template <typename Float>
@@ -233,18 +250,20 @@ void AddChannelFloat(const std::uint8_t* data, std::uint32_t frames, std::uint32
 {
     constexpr std::uint32_t kRun = 4096;
     double sum = 0, peak = sums.peak;
-    std::uint64_t fullScale = 0, over = 0;
+    std::uint64_t fullScale = 0, over = 0, unkept = 0;
     for (std::uint32_t start = 0; start < frames; start += kRun) {
         const std::uint32_t end = std::min(frames, start + kRun);
         double squares = 0, runSum = 0;
         for (std::uint32_t frame = start; frame < end; ++frame) {
-            const double v = FloatAt<Float>(data + std::size_t{frame} * stride);
+            bool kept;
+            const double v = Measurable(FloatAt<Float>(data + std::size_t{frame} * stride), kept);
             const double magnitude = std::fabs(v);
             runSum += v;
             squares += v * v;
             peak = std::max(peak, magnitude);
             fullScale += magnitude >= 1.0;
             over += magnitude > 1.0;
+            unkept += !kept;
         }
         sums.squares += squares;
         sum += runSum;
@@ -253,6 +272,7 @@ void AddChannelFloat(const std::uint8_t* data, std::uint32_t frames, std::uint32
     sums.peak = peak;
     sums.fullScale += fullScale;
     sums.overFullScale += over;
+    sums.nonFinite += unkept;
 }
 
 // Frames of every channel, packed ones all channels at once where they can.
@@ -315,10 +335,16 @@ void ToFloats(SampleKind kind, std::uint32_t bytesPerSample, const std::uint8_t*
             });
             break;
         case SampleKind::Float32:
-            convert([](const std::uint8_t* p) { return FloatAt<float>(p); });
+            convert([](const std::uint8_t* p) {
+                bool kept;
+                return static_cast<float>(Measurable(FloatAt<float>(p), kept));
+            });
             break;
         case SampleKind::Float64:
-            convert([](const std::uint8_t* p) { return static_cast<float>(FloatAt<double>(p)); });
+            convert([](const std::uint8_t* p) {
+                bool kept;
+                return static_cast<float>(Measurable(FloatAt<double>(p), kept));
+            });
             break;
         }
     }
@@ -419,7 +445,7 @@ struct AudioPlace {
     std::uint8_t format[40] = {};
     std::uint32_t formatBytes = 0;
     std::int64_t dataPosition = -1;
-    std::int64_t frameCount = 0;
+    std::int64_t frameCount = 0; // those both declared and present
 };
 
 // A RIFF file through the reader; an RF64 file through its own layout. The
@@ -463,9 +489,12 @@ bool FindAudio(const WideString& path, AudioPlace& place, std::string& problem)
         if (stream.SeekTo(formatChunk->GetPosition() + 8 + 16) && stream.Read(place.format + 16, 24) == 24)
             place.formatBytes = 40;
     }
-    if (dataChunk) {
+    if (dataChunk && format.blockAlign > 0) {
         place.dataPosition = dataChunk->GetPosition();
-        place.frameCount = std::max<std::int64_t>(0, dataChunk->GetFrameCount());
+        const std::int64_t present = GetDocumentFileSize(document) - (place.dataPosition + 8);
+        place.frameCount = std::max<std::int64_t>(0, std::min(dataChunk->GetFrameCount(), present / format.blockAlign));
+    } else if (dataChunk) {
+        place.dataPosition = dataChunk->GetPosition();
     }
     return true;
 }
@@ -504,6 +533,13 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
 
     if (place.dataPosition < 0)
         return Refuse(problem, "no data chunk");
+    // The K-weighting's high shelf turns at about 1.7 kHz. Below 8 kHz its
+    // corner crowds the Nyquist frequency, where the bilinear transform
+    // bends it out of shape (at 3.4 kHz and below there is no filter at
+    // all), so the figure would no longer be a loudness.
+    if (loudness && format.samplesPerSec < kLowestLoudnessRate)
+        return Refuse(problem, "loudness is measured at " + FormatCount(kLowestLoudnessRate) + " Hz and above, not at " +
+                                   FormatCount(format.samplesPerSec) + " Hz");
 
     // The audio is read past the system's cache in requests of 4 MiB, each
     // straight into a piece of its own: as large as the disk wants them,
@@ -548,6 +584,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     std::mutex lock;
     std::condition_variable changed;
     std::size_t read = 0, summed = 0, metered = 0;
+    bool readFailed = false; // written by the reader, read once it has been joined
     const std::int64_t frameCount = place.frameCount;
     const bool helped = meter || frameCount * stride > kReadBytes;
     // The frames of a piece that this thread sums the levels of.
@@ -574,10 +611,13 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
             const std::int64_t got = audio.ReadAt(next, request, kReadBytes);
             next += kReadBytes;
             piece.bytes = request + skipped - carried;
-            const std::int64_t present = std::max<std::int64_t>(0, got - skipped) + carried;
+            // A failed request measures nothing of its piece; the frames
+            // counted so far then fall short and the measurement is refused.
+            readFailed = got < 0;
+            const std::int64_t present = readFailed ? 0 : std::max<std::int64_t>(0, got - skipped) + carried;
             piece.frames = static_cast<std::uint32_t>(std::min(present / stride, frameCount - first));
             first += piece.frames;
-            piece.last = got < kReadBytes || first >= frameCount;
+            piece.last = readFailed || got < kReadBytes || first >= frameCount;
             carried = present - std::int64_t{piece.frames} * stride;
             skipped = 0;
             {
@@ -690,8 +730,14 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     reader.join();
     if (measurer.joinable())
         measurer.join();
+    if (readFailed)
+        return Refuse(problem, "the audio could not be read after frame " + FormatCount(first) + " of " +
+                                   FormatCount(frameCount));
     if (first == 0)
         return Refuse(problem, "no audio data");
+    if (first < frameCount)
+        return Refuse(problem, "the file ended at frame " + FormatCount(first) + " of " + FormatCount(frameCount) +
+                                   " while it was measured");
     for (std::size_t c = 0; c < sums.size(); ++c)
         sums[c].Merge(helperSums[c]);
 
@@ -703,10 +749,13 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     for (const ChannelSums& s : sums) {
         ChannelLevels levels;
         if (report.isFloat) {
+            // The mean of the samples taken in; none taken is silence.
+            const double kept = count - static_cast<double>(s.nonFinite);
             levels.peak = s.peak;
-            levels.rms = std::sqrt(s.squares / count);
-            levels.dcOffset = s.sumOfFloats / count;
+            levels.rms = kept > 0 ? std::sqrt(s.squares / kept) : 0;
+            levels.dcOffset = kept > 0 ? s.sumOfFloats / kept : 0;
             levels.overFullScale = s.overFullScale;
+            levels.nonFinite = s.nonFinite;
         } else {
             const double fullScale = std::ldexp(1.0, format.bitsPerSample - 1);
             const double squares = kind == SampleKind::Signed32
@@ -727,8 +776,17 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     return true;
 }
 
+std::uint64_t CountNonFinite(const LevelReport& report)
+{
+    std::uint64_t count = 0;
+    for (const ChannelLevels& levels : report.channels)
+        count += levels.nonFinite;
+    return count;
+}
+
 // "duration 0:01.500 (66,150 frames at 44,100 Hz, 16-bit)", then a line
-// for each channel.
+// for each channel; the count of samples left out only where there are
+// any, so that the lines of every sound file stay as they were.
 std::string FormatLevelsText(const LevelReport& report)
 {
     const std::int64_t millis =
@@ -751,6 +809,8 @@ std::string FormatLevelsText(const LevelReport& report)
                 Decibels(levels.rms, "-inf") + " dBFS, DC offset " + FormatFixed(levels.dcOffset, 6) + ", " +
                 FormatCount(static_cast<std::int64_t>(levels.fullScale)) + " samples at full scale" +
                 (report.isFloat ? ", " + FormatCount(static_cast<std::int64_t>(levels.overFullScale)) + " over it" : "") +
+                (levels.nonFinite ? ", " + FormatCount(static_cast<std::int64_t>(levels.nonFinite)) + " not finite, left out"
+                                  : "") +
                 "\n";
     }
     if (report.hasLoudness) {
@@ -784,7 +844,8 @@ std::string FormatLevelsJson(const LevelReport& report)
         json += "{\"peak\": " + decibels(levels.peak) + ", \"rms\": " + decibels(levels.rms) +
                 ", \"dcOffset\": " + FormatFixed(levels.dcOffset, 6) +
                 ", \"fullScale\": " + std::to_string(levels.fullScale) +
-                (report.isFloat ? ", \"overFullScale\": " + std::to_string(levels.overFullScale) : "") + "}";
+                (report.isFloat ? ", \"overFullScale\": " + std::to_string(levels.overFullScale) : "") +
+                (levels.nonFinite ? ", \"nonFinite\": " + std::to_string(levels.nonFinite) : "") + "}";
     }
     json += "]";
     if (report.hasLoudness) {

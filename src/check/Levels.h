@@ -14,10 +14,13 @@ struct ChannelLevels {
     double dcOffset = 0;  // mean
     std::uint64_t fullScale = 0; // samples at the highest or lowest code; for floats, at or beyond ±1.0
     std::uint64_t overFullScale = 0; // floats only: samples beyond ±1.0
+    // Floats only: samples that are no level (NaN, infinite, or beyond
+    // ±2^60), left out of every figure above and of the loudness.
+    std::uint64_t nonFinite = 0;
 };
 
 struct LevelReport {
-    std::int64_t frames = 0; // frames measured: those present in the file
+    std::int64_t frames = 0; // frames measured: all those present in the file
     std::uint32_t sampleRate = 0;
     std::uint16_t bits = 0;
     bool isFloat = false;
@@ -31,8 +34,18 @@ struct LevelReport {
 // and 32 and 64-bit float, plain or extensible, of any number of channels,
 // full scale at the highest code or at ±1.0. Anything else, or a file
 // without audio, gives false and a message for the user in problem.
-// With loudness, the programme's loudness and each channel's true peak too.
+// With loudness, the programme's loudness and each channel's true peak too;
+// a rate too low for the K-weighting gives false. A read that fails, or a
+// file that ends before the frames it held when measuring began, gives
+// false: a measurement is of every frame or none.
 bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem, bool loudness = false);
+
+// The samples of all channels that no figure could take in: a measured
+// file with any is a finding.
+std::uint64_t CountNonFinite(const LevelReport& report);
+
+// The lowest sample rate whose loudness is measured.
+constexpr std::uint32_t kLowestLoudnessRate = 8000;
 
 // Decibels relative to full scale, and the lines of a report: text ending
 // in LF, or the members of a JSON object (decibels of silence as null).

@@ -8,24 +8,37 @@ UnbufferedReader::~UnbufferedReader()
         platform::CloseFile(handle);
 }
 
-// False when the file can't be opened for reading or the sector size of
-// its volume can't be told.
+// False when the file can't be opened for reading, or the sector size of
+// its volume or the file's length can't be told.
 bool UnbufferedReader::Open(const WideString& path)
 {
     const WideString fullPath = GetFullPath(path);
     if (handle || fullPath.IsEmpty() || !platform::QueryBytesPerSector(fullPath.View(), sectorSize) || sectorSize == 0)
         return false;
     handle = platform::OpenFileForReading(path.View(), platform::kFileAttributeNormal | platform::kFileFlagNoBuffering);
-    return handle != nullptr;
+    return handle != nullptr && platform::QueryFileSize(handle, fileSize);
 }
 
 // One request of count bytes at position, both whole sectors, into
-// TransferMemory: the bytes that came (fewer at the end of the file), or
-// -1 when the read failed.
+// TransferMemory: the bytes that came, fewer only at the end of the file
+// (the length it had when opened, or less should it have shrunk since), or
+// -1 when a read failed. A read that brings fewer bytes than asked is
+// followed by another for the rest: the system may cut any read short. No
+// read starts at or past the end, since a direct read there may be refused
+// for its position rather than bring nothing.
 std::int64_t UnbufferedReader::ReadAt(std::int64_t position, std::uint8_t* destination, std::uint32_t count)
 {
     std::int64_t reached = 0;
     if (!handle || !platform::SeekFile(handle, position, platform::SeekOrigin::Begin, reached))
         return -1;
-    return platform::ReadFromFile(handle, destination, count);
+    std::uint32_t done = 0;
+    while (done < count && position + done < fileSize) {
+        const std::int64_t got = platform::ReadFromFile(handle, destination + done, count - done);
+        if (got < 0)
+            return -1;
+        if (got == 0)
+            break;
+        done += static_cast<std::uint32_t>(got);
+    }
+    return done;
 }

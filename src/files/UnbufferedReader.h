@@ -24,4 +24,5 @@ public:
 private:
     platform::FileHandle handle = nullptr;
     std::uint32_t sectorSize = 0;
+    std::int64_t fileSize = 0; // when opened
 };
