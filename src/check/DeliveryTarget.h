@@ -2,6 +2,8 @@
 
 #include "check/Loudness.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,9 +16,27 @@ struct DeliveryTarget {
     double maxTruePeak = 0; // dBTP
 };
 
+// One measure of a programme outside a target's limits. The value is the
+// figure as printed, to the tenth that decided (-inf for a programme with
+// no loudness); the limit is the bound it crossed: for an integrated
+// loudness too low the lowest allowed, too high the highest.
+struct TargetMiss {
+    enum class Measure { Integrated, TruePeak };
+    Measure measure = Measure::Integrated;
+    std::optional<std::uint32_t> channel; // 1-based; none for the whole programme
+    double value = 0;                     // LUFS or dBTP
+    double limit = 0;
+    bool belowLimit = false;              // the value lies under the limit, not over it
+    std::string text;                     // English, with the figure and the limit
+};
+
+// The name of a miss's measure as records carry it: "integrated", "truePeak".
+const char* MeasureName(TargetMiss::Measure measure);
+
 // The named targets (see the README for their sources): "ebu-r128",
 // "atsc-a85", "streaming"; false for any other name.
 bool FindDeliveryTarget(const std::string& name, DeliveryTarget& target);
-// What a programme misses of a target, a line each (English, with the
-// figure and the limit); empty when it meets it.
+// What a programme misses of a target, a record each; empty when it meets it.
+std::vector<TargetMiss> FindTargetMisses(const DeliveryTarget& target, const LoudnessMeter::Figures& figures);
+// The same as lines of English, the records' text.
 std::vector<std::string> TargetMisses(const DeliveryTarget& target, const LoudnessMeter::Figures& figures);

@@ -20,18 +20,25 @@ double LoudnessOf(double energy)
 
 } // namespace
 
+// BS.1770-4 weighs by position: 1.41 for a loudspeaker at 60° to 120°
+// from the front, 1.0 for the rest. Side left and right (0x200, 0x400) sit
+// there always. Back left and right (0x10, 0x20) are the surround pair of
+// 5.1 and quad when no side channels are present (mask 0x3F, 0x33); beside
+// side channels, as in 7.1 (0x63F), they are the rear pair at 135° to 150°
+// and weigh 1.0, as a back centre (0x100) does. LFE weighs nothing.
 std::vector<double> LoudnessMeter::ChannelWeights(std::uint16_t channels, std::uint32_t channelMask)
 {
     constexpr std::uint32_t kLowFrequency = 0x8;
-    // Back left and right, back centre, side left and right.
-    constexpr std::uint32_t kSurround = 0x10 | 0x20 | 0x100 | 0x200 | 0x400;
+    constexpr std::uint32_t kBack = 0x10 | 0x20;
+    constexpr std::uint32_t kSide = 0x200 | 0x400;
+    const std::uint32_t surround = kSide | ((channelMask & kSide) ? 0 : kBack);
     std::vector<double> weights(channels, 1.0);
     if (channelMask != 0) {
         std::size_t channel = 0;
         for (std::uint32_t bit = 1; bit != 0 && channel < channels; bit <<= 1) {
             if (!(channelMask & bit))
                 continue;
-            weights[channel++] = bit == kLowFrequency ? 0.0 : (bit & kSurround) ? 1.41 : 1.0;
+            weights[channel++] = bit == kLowFrequency ? 0.0 : (bit & surround) ? 1.41 : 1.0;
         }
     } else if (channels == 6) {
         weights = {1.0, 1.0, 1.0, 0.0, 1.41, 1.41};

@@ -43,10 +43,12 @@ public:
     };
     Figures Result() const;
 
-    // BS.1770's weights: 1.0 for left, right and centre, 1.41 for the
-    // surround channels, 0 for LFE. With a channel mask (WAVE_FORMAT_
-    // EXTENSIBLE) each channel's speaker decides; without one, the usual
-    // order of 5.1 (L R C LFE Ls Rs) for six channels, 1.0 otherwise.
+    // BS.1770's weights: 1.41 for the channels at the sides (the surround
+    // pair of 5.1, the side pair of 7.1), 0 for LFE, 1.0 for the rest, the
+    // back pair of 7.1 and a back centre among them. With a channel mask
+    // (WAVE_FORMAT_EXTENSIBLE) each channel's speaker decides; without one,
+    // the usual order of 5.1 (L R C LFE Ls Rs) for six channels, 1.0
+    // otherwise.
     static std::vector<double> ChannelWeights(std::uint16_t channels, std::uint32_t channelMask);
 
 private:

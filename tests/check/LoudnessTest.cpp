@@ -1,8 +1,12 @@
+#include "check/DeliveryTarget.h"
 #include "check/Loudness.h"
+#include "check/TextFormat.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
+#include <string>
 #include <vector>
 
 namespace {
@@ -56,6 +60,7 @@ TEST(Loudness, EbuTestSignalsGiveTheirStatedValues)
         {"3341-2: -33 dBFS", 48000, {{20, -33}}, -33, 0, 1},
         {"3341-3: -36, -23, -36", 48000, {{10, -36}, {60, -23}, {10, -36}}, -23, -1, 0},
         {"3341-4: -72, -36, -23, -36, -72", 48000, {{10, -72}, {10, -36}, {60, -23}, {10, -36}, {10, -72}}, -23, -1, 0},
+        {"3341-5: -26, -20, -26", 48000, {{20, -26}, {20.1, -20}, {20, -26}}, -23, -1, 0},
         {"3342-1: -20, -30", 48000, {{20, -20}, {20, -30}}, -1000, 10, 1},
         {"3342-2: -20, -15", 48000, {{20, -20}, {20, -15}}, -1000, 5, 1},
         {"3342-3: -40, -20", 48000, {{20, -40}, {20, -20}}, -1000, 20, 1},
@@ -131,11 +136,99 @@ TEST(Loudness, TruePeaksInPartsAreThoseOfTheWhole)
     }
 }
 
-// BS.1770's weights: surround channels count 1.41, LFE not at all.
-TEST(Loudness, ChannelWeightsOfFivePointOne)
+// BS.1770-4's weights by position: 1.41 at 60° to 120° (the side pair,
+// and the surround pair of 5.1 and quad), 1.0 elsewhere (the back pair of
+// 7.1 at 135° to 150°, a back centre), LFE not at all.
+TEST(Loudness, ChannelWeightsByPosition)
 {
-    EXPECT_EQ(LoudnessMeter::ChannelWeights(6, 0), (std::vector<double>{1, 1, 1, 0, 1.41, 1.41}));
-    EXPECT_EQ(LoudnessMeter::ChannelWeights(6, 0x60F), (std::vector<double>{1, 1, 1, 0, 1.41, 1.41}));
-    EXPECT_EQ(LoudnessMeter::ChannelWeights(2, 0), (std::vector<double>{1, 1}));
-    EXPECT_EQ(LoudnessMeter::ChannelWeights(3, 0x103), (std::vector<double>{1, 1, 1.41}));
+    const struct {
+        const char* name;
+        std::uint16_t channels;
+        std::uint32_t mask;
+        std::vector<double> weights;
+    } cases[] = {
+        {"5.1 in the usual order, no mask", 6, 0, {1, 1, 1, 0, 1.41, 1.41}},
+        {"5.1 with side channels", 6, 0x60F, {1, 1, 1, 0, 1.41, 1.41}},
+        {"5.1 with back channels", 6, 0x3F, {1, 1, 1, 0, 1.41, 1.41}},
+        {"quad", 4, 0x33, {1, 1, 1.41, 1.41}},
+        {"7.1: back pair 1.0, side pair 1.41", 8, 0x63F, {1, 1, 1, 0, 1, 1, 1.41, 1.41}},
+        {"6.1: back centre 1.0", 7, 0x70F, {1, 1, 1, 0, 1, 1.41, 1.41}},
+        {"3.0 with a back centre", 3, 0x103, {1, 1, 1}},
+        {"stereo, no mask", 2, 0, {1, 1}},
+        {"five channels, no mask", 5, 0, {1, 1, 1, 1, 1}},
+        {"more channels than the mask names", 4, 0x3, {1, 1, 1, 1}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(LoudnessMeter::ChannelWeights(c.channels, c.mask), c.weights);
+    }
+}
+
+// The relative gate lies 10 LU under the loudness of the blocks above the
+// absolute gate: 20 s at -20 and 20 s at -31 dBFS put the quiet half 8.3 LU
+// under it, inside a -10 LU gate and outside a -8 or -5 LU one, which would
+// give -20. The expected figure is the mean energy of both halves.
+TEST(Loudness, RelativeGateTenLuBelow)
+{
+    const double expected = 10 * std::log10((std::pow(10.0, -2.0) + std::pow(10.0, -3.1)) / 2);
+    const LoudnessMeter::Figures figures = Measure(48000, 2, {{20, -20}, {20, -31}});
+    EXPECT_NEAR(figures.integrated, expected, 0.1);
+    // Quieter, the half falls below the gate and the loud half alone counts.
+    const LoudnessMeter::Figures gated = Measure(48000, 2, {{20, -20}, {20, -40}});
+    EXPECT_NEAR(gated.integrated, -20, 0.1);
+}
+
+// A target's verdict is taken on each figure as printed, so the figure a
+// miss prints always lies outside its limit and a pass's inside: a true
+// peak of -0.97 dBTP reads -1.0 and meets "at most -1.0". Each miss carries
+// its measure, channel, value and limit beside the sentence.
+TEST(DeliveryTarget, VerdictOnTheFigureAsPrinted)
+{
+    DeliveryTarget target;
+    ASSERT_TRUE(FindDeliveryTarget("ebu-r128", target)); // -23 ±0.5 LUFS, at most -1 dBTP
+    const double none = -std::numeric_limits<double>::infinity();
+    const auto peak = [](double dbtp) { return std::pow(10.0, dbtp / 20); };
+    const struct {
+        const char* name;
+        double integrated;
+        std::vector<double> truePeaks; // as fractions of full scale
+        std::vector<std::string> misses;
+        double value, limit;           // of the first miss
+    } cases[] = {
+        {"pass", -23.2, {peak(-3), peak(-2)}, {}, 0, 0},
+        {"too quiet", -24.0, {peak(-3)}, {"integrated -24.0 LUFS, wanted -23.0 ±0.5"}, -24.0, -23.5},
+        {"too loud", -22.0, {peak(-3)}, {"integrated -22.0 LUFS, wanted -23.0 ±0.5"}, -22.0, -22.5},
+        {"quiet edge printed inside", -23.54, {peak(-3)}, {}, 0, 0},
+        {"quiet edge printed outside", -23.56, {peak(-3)}, {"integrated -23.6 LUFS, wanted -23.0 ±0.5"}, -23.6, -23.5},
+        {"loud edge printed inside", -22.54, {peak(-3)}, {}, 0, 0},
+        {"true peak printed at the limit", -23, {peak(-3), peak(-0.97)}, {}, 0, 0},
+        {"true peak over", -23, {peak(-3), peak(-0.94)}, {"channel 2: true peak -0.9 dBTP, at most -1.0"}, -0.9, -1.0},
+        {"silence: no loudness, no peak", none, {0, 0}, {"integrated -inf LUFS, wanted -23.0 ±0.5"}, none, -23.5},
+        {"both", -20, {peak(0.5)},
+         {"integrated -20.0 LUFS, wanted -23.0 ±0.5", "channel 1: true peak 0.5 dBTP, at most -1.0"}, -20.0, -22.5},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const LoudnessMeter::Figures figures{c.integrated, 0, c.integrated, c.integrated, c.truePeaks};
+        const std::vector<TargetMiss> misses = FindTargetMisses(target, figures);
+        EXPECT_EQ(TargetMisses(target, figures), c.misses);
+        ASSERT_EQ(misses.size(), c.misses.size());
+        for (const TargetMiss& miss : misses) {
+            const bool integrated = miss.measure == TargetMiss::Measure::Integrated;
+            EXPECT_EQ(miss.channel.has_value(), !integrated);
+            if (std::isinf(miss.value))
+                continue;
+            // The figure in the sentence is the value, and it lies outside the limit.
+            EXPECT_NE(miss.text.find(" " + FormatFixed(miss.value, 1) + (integrated ? " LUFS" : " dBTP")), std::string::npos);
+            EXPECT_TRUE(miss.belowLimit ? miss.value < miss.limit : miss.value > miss.limit);
+        }
+        if (!misses.empty()) {
+            EXPECT_EQ(misses[0].value, c.value);
+            EXPECT_DOUBLE_EQ(misses[0].limit, c.limit);
+        }
+        if (misses.size() == 2) {
+            EXPECT_STREQ(MeasureName(misses[1].measure), "truePeak");
+            EXPECT_EQ(misses[1].channel, 1u);
+        }
+    }
 }
