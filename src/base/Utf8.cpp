@@ -38,9 +38,10 @@ std::size_t SequenceLength(std::string_view bytes, char32_t& codePoint)
     return length;
 }
 
-} // namespace
-
-std::u16string Utf8ToWide(std::string_view bytes)
+// Decodes UTF-8; each byte that starts no valid sequence becomes
+// invalid(byte).
+template <typename Invalid>
+std::u16string Decode(std::string_view bytes, Invalid invalid)
 {
     std::u16string result;
     result.reserve(bytes.size());
@@ -48,7 +49,7 @@ std::u16string Utf8ToWide(std::string_view bytes)
         char32_t codePoint = 0;
         std::size_t length = SequenceLength(bytes, codePoint);
         if (length == 0) {
-            result.push_back(kReplacement);
+            result.push_back(invalid(static_cast<unsigned char>(bytes[0])));
             bytes.remove_prefix(1);
             continue;
         }
@@ -64,7 +65,29 @@ std::u16string Utf8ToWide(std::string_view bytes)
     return result;
 }
 
-std::string WideToUtf8(std::u16string_view text)
+void AppendUtf8(std::string& result, char32_t codePoint)
+{
+    if (codePoint < 0x80) {
+        result.push_back(static_cast<char>(codePoint));
+    } else if (codePoint < 0x800) {
+        result.push_back(static_cast<char>(0xC0 | (codePoint >> 6)));
+        result.push_back(static_cast<char>(0x80 | (codePoint & 0x3F)));
+    } else if (codePoint < 0x10000) {
+        result.push_back(static_cast<char>(0xE0 | (codePoint >> 12)));
+        result.push_back(static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F)));
+        result.push_back(static_cast<char>(0x80 | (codePoint & 0x3F)));
+    } else {
+        result.push_back(static_cast<char>(0xF0 | (codePoint >> 18)));
+        result.push_back(static_cast<char>(0x80 | ((codePoint >> 12) & 0x3F)));
+        result.push_back(static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F)));
+        result.push_back(static_cast<char>(0x80 | (codePoint & 0x3F)));
+    }
+}
+
+// Encodes UTF-16 as UTF-8; each lone surrogate is handed to lone, which
+// appends what stands for it.
+template <typename Lone>
+std::string Encode(std::u16string_view text, Lone lone)
 {
     // Paths are mostly ASCII: their leading run is copied a unit a byte,
     // the rest is encoded as it comes.
@@ -82,23 +105,40 @@ std::string WideToUtf8(std::u16string_view text)
             codePoint = 0x10000 + ((codePoint - 0xD800) << 10) + (text[i + 1] - 0xDC00);
             ++i;
         } else if (codePoint >= 0xD800 && codePoint <= 0xDFFF) {
-            codePoint = 0xFFFD;
+            lone(result, static_cast<char16_t>(codePoint));
+            continue;
         }
-        if (codePoint < 0x80) {
-            result.push_back(static_cast<char>(codePoint));
-        } else if (codePoint < 0x800) {
-            result.push_back(static_cast<char>(0xC0 | (codePoint >> 6)));
-            result.push_back(static_cast<char>(0x80 | (codePoint & 0x3F)));
-        } else if (codePoint < 0x10000) {
-            result.push_back(static_cast<char>(0xE0 | (codePoint >> 12)));
-            result.push_back(static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F)));
-            result.push_back(static_cast<char>(0x80 | (codePoint & 0x3F)));
-        } else {
-            result.push_back(static_cast<char>(0xF0 | (codePoint >> 18)));
-            result.push_back(static_cast<char>(0x80 | ((codePoint >> 12) & 0x3F)));
-            result.push_back(static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F)));
-            result.push_back(static_cast<char>(0x80 | (codePoint & 0x3F)));
-        }
+        AppendUtf8(result, codePoint);
     }
     return result;
+}
+
+} // namespace
+
+std::u16string Utf8ToWide(std::string_view bytes)
+{
+    return Decode(bytes, [](unsigned char) { return kReplacement; });
+}
+
+std::string WideToUtf8(std::u16string_view text)
+{
+    return Encode(text, [](std::string& result, char16_t) { AppendUtf8(result, kReplacement); });
+}
+
+std::u16string PathUtf8ToWide(std::string_view bytes)
+{
+    // Only bytes from 0x80 up start no sequence: ASCII always decodes.
+    return Decode(bytes, [](unsigned char byte) { return static_cast<char16_t>(0xDC00 + byte); });
+}
+
+std::string WideToPathUtf8(std::u16string_view text)
+{
+    // A high surrogate never stands alone in what PathUtf8ToWide gives, so
+    // a pair is always a character and never an escaped byte behind another.
+    return Encode(text, [](std::string& result, char16_t unit) {
+        if (unit >= 0xDC80 && unit <= 0xDCFF)
+            result.push_back(static_cast<char>(unit - 0xDC00));
+        else
+            AppendUtf8(result, kReplacement);
+    });
 }

@@ -1,1 +1,147 @@
+#include "support/RiffBytes.h"
+#include "support/TempDir.h"
+
 #include <gtest/gtest.h>
+
+#ifdef SONDARA_CHECK_PROGRAM
+#include <fcntl.h>
+#include <fstream>
+#include <iterator>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// A name on POSIX is bytes: one that isn't UTF-8, as old archives hold
+// (Latin-1 here), goes from the walk, the arguments and standard input to
+// the open unchanged, and JSON carries it as the lone surrogates that stand
+// for its bytes.
+namespace {
+
+struct Outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+std::string Contents(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// Runs the checker with these arguments in dir; the streams go to files
+// beside the samples. A checker that doesn't end normally gives -1.
+Outcome RunChecker(const TempDir& dir, std::vector<std::string> arguments, const std::string& input = "")
+{
+    std::string program = SONDARA_CHECK_PROGRAM;
+    std::vector<char*> argv{program.data()};
+    for (std::string& argument : arguments)
+        argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    const std::string out = dir.Native() + "/stdout.txt";
+    const std::string err = dir.Native() + "/stderr.txt";
+    const std::string in = dir.Native() + "/stdin.txt";
+    {
+        std::ofstream(in, std::ios::binary) << input;
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        if (chdir(dir.Native().c_str()) != 0)
+            _exit(126);
+        dup2(open(in.c_str(), O_RDONLY), 0);
+        dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
+        dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+        execv(argv[0], argv.data());
+        _exit(127);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
+        return {-1, {}, {}};
+    return {WEXITSTATUS(status), Contents(out), Contents(err)};
+}
+
+// TempDir names files through UTF-16, which a name of other bytes can't
+// pass: this writes under the name's own bytes.
+void WriteRaw(const TempDir& dir, const std::string& name, const std::string& bytes)
+{
+    std::ofstream(dir.Native() + "/" + name, std::ios::binary) << bytes;
+}
+
+bool Exists(const TempDir& dir, const std::string& name)
+{
+    struct stat info;
+    return stat((dir.Native() + "/" + name).c_str(), &info) == 0;
+}
+
+const std::string kLatin1Name = "archive/caf\xE9.wav";
+const std::string kClear = "チェック完了しました。\n";
+const std::string kClearJson = "\\u30c1\\u30a7\\u30c3\\u30af\\u5b8c\\u4e86\\u3057\\u307e\\u3057\\u305f\\u3002\\r\\n";
+
+} // namespace
+
+TEST(PathBytesProgram, NameOfOtherBytesIsFoundAndOpened)
+{
+    TempDir dir;
+    dir.MakeDir("archive");
+    WriteRaw(dir, kLatin1Name, SoundWave());
+    const std::string json =
+        "[\n  {\"path\": \"archive/caf\\udce9.wav\", \"report\": \"" + kClearJson + "\", \"hasError\": false, \"findings\": []}\n]\n";
+    const struct {
+        std::vector<std::string> arguments;
+        std::string input;
+        std::string out;
+    } cases[] = {
+        {{"archive"}, "", kClear},
+        {{kLatin1Name}, "", kClear},
+        {{"-"}, kLatin1Name + "\n", kClear},
+        {{"-"}, kLatin1Name + "\r\n", kClear},
+        {{"--json", "archive"}, "", json},
+        {{"--json", kLatin1Name}, "", json},
+        {{"--json", "-"}, kLatin1Name, json},
+        {{"--jsonl", "archive"}, "",
+         "{\"type\": \"file\", \"path\": \"archive/caf\\udce9.wav\", \"report\": \"" + kClearJson +
+             "\", \"hasError\": false, \"findings\": []}\n"
+             "{\"type\": \"summary\", \"files\": 1, \"sound\": 1, \"withFindings\": 0, \"withWarnings\": 0, \"unreadable\": 0}\n"},
+        {{"--chunks", kLatin1Name}, "", "RIFF at 0, 52 bytes, form WAVE\n  fmt  at 12, 16 bytes\n  data at 36, 16 bytes\n"},
+    };
+    for (const auto& c : cases) {
+        std::string line;
+        for (const std::string& argument : c.arguments)
+            line += " " + argument;
+        SCOPED_TRACE("sondara-check" + line + " < " + c.input);
+        const Outcome outcome = RunChecker(dir, c.arguments, c.input);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.out, c.out);
+        EXPECT_EQ(outcome.err, "");
+    }
+
+    // A copy goes to the very name it is given.
+    EXPECT_EQ(RunChecker(dir, {"--json", "--tidy", "copy\xE9.wav", kLatin1Name}).status, 0);
+    EXPECT_TRUE(Exists(dir, "copy\xE9.wav"));
+    EXPECT_FALSE(Exists(dir, "copy\xEF\xBF\xBD.wav"));
+}
+
+// FIXME: enabled once the text and CSV printers write a path's own bytes
+// (WideToPathUtf8); until then they print U+FFFD for each byte that isn't
+// UTF-8.
+TEST(PathBytesProgram, DISABLED_TextAndCsvPrintTheNamesOwnBytes)
+{
+    TempDir dir;
+    dir.MakeDir("archive");
+    WriteRaw(dir, kLatin1Name, SoundWave());
+    WriteRaw(dir, "archive/z.wav", SoundWave());
+
+    const Outcome text = RunChecker(dir, {"archive"});
+    EXPECT_EQ(text.status, 0);
+    EXPECT_EQ(text.out, "== " + kLatin1Name + "\n" + kClear + "== archive/z.wav\n" + kClear +
+                            "2 files: 2 sound, 0 with findings, 0 with warnings, 0 unreadable\n");
+
+    const Outcome csv = RunChecker(dir, {"--csv", kLatin1Name});
+    EXPECT_EQ(csv.status, 0);
+    EXPECT_NE(csv.out.find("\r\n\"" + kLatin1Name + "\",\"ok\",\"file.sound\","), std::string::npos) << csv.out;
+
+    const Outcome copy = RunChecker(dir, {"--tidy", "copy\xE9.wav", kLatin1Name});
+    EXPECT_EQ(copy.status, 0);
+    EXPECT_EQ(copy.out, "nothing to mend; written to copy\xE9.wav\n");
+}
+#endif

@@ -1,6 +1,6 @@
 #include "platform/Console.h"
 
-#include "platform/TextCodec.h"
+#include "platform/posix/Utf8Path.h"
 
 #include <cerrno>
 #include <cstring>
@@ -55,10 +55,11 @@ std::int64_t ReadFromStandardInput(void* destination, std::uint32_t count)
     }
 }
 
-// The locale's character set, as the arguments are read.
+// Lines of paths, read as the arguments are: their bytes, whatever the
+// locale, so that each reaches open() as it came.
 std::u16string StandardInputToWide(std::string_view bytes)
 {
-    return ThreadBytesToWide(bytes.data(), bytes.size());
+    return posix::PathFromBytes(bytes);
 }
 
 bool IsStandardErrorTerminal()

@@ -1,7 +1,8 @@
-// The entry of the system's console programs on POSIX: arguments are bytes
-// in the locale's character set.
+// The entry of the system's console programs on POSIX: arguments are bytes,
+// read as paths are whatever the locale, since a name on POSIX is its bytes
+// and must reach open() as it came. Options are ASCII and read the same.
 #include "platform/Console.h"
-#include "platform/TextCodec.h"
+#include "platform/posix/Utf8Path.h"
 
 #include <cstring>
 
@@ -9,6 +10,6 @@ int main(int argc, char** argv)
 {
     std::vector<std::u16string> arguments;
     for (int i = 1; i < argc; ++i)
-        arguments.push_back(platform::ThreadBytesToWide(argv[i], std::strlen(argv[i])));
+        arguments.push_back(platform::posix::PathFromBytes(std::string_view(argv[i], std::strlen(argv[i]))));
     return ConsoleMain(arguments);
 }

@@ -6,12 +6,12 @@ namespace platform::posix {
 
 std::string PathToBytes(std::u16string_view path)
 {
-    return WideToUtf8(path);
+    return WideToPathUtf8(path);
 }
 
 std::u16string PathFromBytes(std::string_view bytes)
 {
-    return Utf8ToWide(bytes);
+    return PathUtf8ToWide(bytes);
 }
 
 } // namespace platform::posix
