@@ -143,7 +143,9 @@ public:
                     return;
                 }
             }
-            if (bodyEnd > end)
+            // A header and a 32-bit size always move the walk on; should a
+            // step ever not, the walk ends rather than go round.
+            if (bodyEnd > end || bodyEnd <= position)
                 return;
             position = bodyEnd;
             if (size % 2 == 1) {

@@ -139,9 +139,10 @@ public:
     // the copy, so that a copy that would pass 4 GiB is written as RF64.
     enum class Run { Dry, Riff, Rf64 };
 
+    // rf64 is the input's layout when it is an RF64 file, else null.
     TidyWalk(FileStream& input, FileStream& target, std::int64_t fileSize, std::uint32_t blockAlign,
-             std::vector<std::string>& changes, std::string& problem, Run run)
-        : input(input), target(target), fileSize(fileSize), blockAlign(blockAlign), changes(changes),
+             const Rf64Layout* rf64, std::vector<std::string>& changes, std::string& problem, Run run)
+        : input(input), target(target), fileSize(fileSize), blockAlign(blockAlign), rf64(rf64), changes(changes),
           problem(problem), buffer(1024 * 1024), run(run)
     {
     }
@@ -159,17 +160,14 @@ public:
         const std::uint32_t riffSize = U32(riff + 4);
         std::int64_t declaredRiff = riffSize;
         std::int64_t position = kRootHeaderBytes;
-        std::uint8_t ds64[28] = {};
         std::uint32_t ds64Size = 0;
         if (fromRf64) {
-            // The ds64 chunk comes first; a 32-bit size of 0xFFFFFFFF defers
-            // to its 64-bit ones.
-            if (!input.SeekTo(12) || input.Read(ds64, 28) != 28 || std::memcmp(ds64, "ds64", 4) != 0 || U32(ds64 + 4) < 24)
+            // The ds64 chunk comes first; its 64-bit sizes, as the layout
+            // read them, stand where a 32-bit size of 0xFFFFFFFF defers.
+            if (!rf64 || !rf64->hasDs64)
                 return Refuse("an RF64 file without its ds64 chunk");
-            ds64Size = U32(ds64 + 4);
-            if (riffSize == kDefers)
-                declaredRiff = U64(ds64 + 8);
-            dataDeferred = U64(ds64 + 16);
+            ds64Size = rf64->ds64Size;
+            declaredRiff = rf64->riffSize;
             position += 8 + ds64Size + ds64Size % 2;
         }
         const bool placeholder = declaredRiff == 0 || declaredRiff == 0xFFFFFFFF;
@@ -213,8 +211,8 @@ public:
                 ++outside;
             const std::uint32_t size32 = U32(header + 4);
             std::int64_t size = size32;
-            if (fromRf64 && id == kIdData && size32 == kDefers)
-                size = dataDeferred;
+            if (fromRf64 && id == kIdData && size32 == kDefers && !Rf64DeferredDataSize(*rf64, size, problem))
+                return false;
             const std::int64_t present = fileSize - (position + 8);
             const bool unfinished = fromRf64 ? size == 0 || size > present : size == 0 || size == 0xFFFFFFFF || size > present;
             if (id == kIdData && present > 0 && unfinished) {
@@ -229,9 +227,14 @@ public:
             }
             if (!WriteChunk(id, position + 8, size))
                 return false;
-            position += 8 + size;
+            // No size is below 0 nor past the end of the file here, so each
+            // chunk moves the walk on; should one ever not, the copy is
+            // refused rather than written for ever.
+            const std::int64_t next = position + 8 + size + size % 2;
+            if (next <= position)
+                return Refuse(Name(id) + " at " + FormatCount(position) + " leaves the walk where it stands");
+            position = next;
             padPending = size % 2 == 1;
-            position += size % 2;
         }
         if (outside > 0)
             changes.push_back(std::to_string(outside) + (outside == 1 ? " chunk" : " chunks") +
@@ -370,10 +373,6 @@ private:
     {
         return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
     }
-    static std::int64_t U64(const std::uint8_t* bytes)
-    {
-        return static_cast<std::int64_t>(U32(bytes) | static_cast<std::uint64_t>(U32(bytes + 4)) << 32);
-    }
     static void PutU32(std::uint8_t* bytes, std::uint32_t value)
     {
         for (int i = 0; i < 4; ++i)
@@ -397,6 +396,7 @@ private:
     FileStream& target;
     std::int64_t fileSize;
     std::uint32_t blockAlign;
+    const Rf64Layout* rf64;
     std::vector<std::string>& changes;
     std::string& problem;
     std::vector<std::uint8_t> buffer;
@@ -404,7 +404,6 @@ private:
     std::int64_t written = 0;
     std::int64_t ds64At = -1;    // where the ds64 sizes stand in an RF64 copy
     std::int64_t dataBytes = 0;  // the audio written
-    std::int64_t dataDeferred = 0; // an RF64 input's data size from ds64
     bool padPending = false;
     static constexpr std::uint32_t kDefers = 0xFFFFFFFF;
 };
@@ -441,9 +440,14 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
     std::uint32_t blockAlign = 0;
     bool hasData = false;
     Rf64Layout layout;
-    std::string rf64Problem;
-    const bool inputRf64 = IsRf64File(input) && ReadRf64Layout(input, layout, rf64Problem);
+    const bool inputRf64 = IsRf64File(input);
     if (inputRf64) {
+        std::string why;
+        if (!ReadRf64Layout(input, layout, why)) {
+            // A header cut short is no more RF64 than it is RIFF.
+            problem = layout.fileSize < kRootHeaderBytes ? "not a RIFF file" : why;
+            return false;
+        }
         if (layout.formatBytes >= 16)
             blockAlign = static_cast<std::uint16_t>(layout.format[12] | layout.format[13] << 8);
         hasData = layout.dataPosition >= 0;
@@ -479,11 +483,12 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
     }
     // A dry run first: a RIFF copy that would pass 4 GiB is written as RF64.
     const std::int64_t fileSize = source.GetSize();
-    TidyWalk dry(source, target, fileSize, blockAlign, changes, problem, TidyWalk::Run::Dry);
+    const Rf64Layout* rf64Input = inputRf64 ? &layout : nullptr;
+    TidyWalk dry(source, target, fileSize, blockAlign, rf64Input, changes, problem, TidyWalk::Run::Dry);
     bool written = dry.Copy();
     const bool rf64 = inputRf64 || dry.Written() - 8 > 0xFFFFFFFFLL;
     changes.clear();
-    written = written && TidyWalk(source, target, fileSize, blockAlign, changes, problem,
+    written = written && TidyWalk(source, target, fileSize, blockAlign, rf64Input, changes, problem,
                                   rf64 ? TidyWalk::Run::Rf64 : TidyWalk::Run::Riff)
                              .Copy() &&
               target.Flush();

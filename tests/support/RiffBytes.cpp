@@ -20,6 +20,12 @@ RiffBytes& RiffBytes::U32(std::uint32_t value)
     return *this;
 }
 
+RiffBytes& RiffBytes::U64(std::uint64_t value)
+{
+    U32(static_cast<std::uint32_t>(value));
+    return U32(static_cast<std::uint32_t>(value >> 32));
+}
+
 RiffBytes& RiffBytes::Id(std::string_view fourcc)
 {
     return Raw(fourcc.substr(0, 4));

@@ -12,6 +12,7 @@ public:
     RiffBytes& Raw(std::string_view bytes);
     RiffBytes& U16(std::uint16_t value);
     RiffBytes& U32(std::uint32_t value);
+    RiffBytes& U64(std::uint64_t value);
     RiffBytes& Id(std::string_view fourcc);
 
     // id, size of the body, body, and a pad byte when the body is odd.
