@@ -41,6 +41,15 @@ std::string Units(const std::u16string& text)
     return bytes;
 }
 
+// An RF64 file: ds64 with these 64-bit sizes, a format, and a data chunk
+// whose size field defers to ds64, holding this audio.
+std::string Rf64(std::uint64_t riffSize, std::uint64_t dataSize, const std::string& audio)
+{
+    const std::string ds64 = RiffBytes().U64(riffSize).U64(dataSize).U64(dataSize / 4).U32(0).Bytes();
+    return RiffBytes().Id("RF64").U32(0xFFFFFFFF).Id("WAVE").Chunk("ds64", ds64)
+        .Chunk("fmt ", FormatBody(1, 2, 44100, 16)).ChunkWithSize("data", 0xFFFFFFFF, audio).Bytes();
+}
+
 std::vector<std::pair<std::string, std::string>> WaveSeeds()
 {
     const std::string fmt = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
@@ -57,6 +66,7 @@ std::vector<std::pair<std::string, std::string>> WaveSeeds()
         {"nested", Riff(Riff(Riff(fmt + data)))},
         {"not-riff", "junk" + SoundWave()},
         {"rf64", RiffBytes().Id("RF64").U32(0xFFFFFFFF).Id("WAVE").Chunk("ds64", std::string(28, '\0')).Raw(fmt).Raw(data).Bytes()},
+        {"rf64-deferred", Rf64(92, 20, std::string(20, 'a'))},
         {"behind-riff", Riff(fmt) + RiffBytes().ChunkNoPad("odd ", "x").Raw(data).Bytes()},
         {"empty", ""},
     };
@@ -99,6 +109,9 @@ std::vector<std::pair<std::string, std::string>> HostileWaves()
              return words;
          }()},
     };
+    // The walk of the layout and of the tidy copy stood still on a data
+    // size of -8 read as a signed number.
+    files.push_back({"rf64-ds64-data-size-minus-8", Rf64(92, ~std::uint64_t{7}, std::string(20, 'a'))});
     std::string listWords;
     for (int i = 0; i < 20000; ++i)
         listWords += "LIST";
@@ -143,6 +156,7 @@ std::vector<std::pair<std::string, std::string>> WriterSeeds()
 {
     const std::string fmt = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
     const std::string audio(3001, 'a');
+    const std::string frames(3000, 'f');
     const std::string info = RiffBytes().Id("LIST").U32(16).Id("INFO").Chunk("INAM", "take").Bytes();
     return {
         {"unfinished-0", RiffBytes().Id("RIFF").U32(0).Id("WAVE").Raw(fmt).Id("data").U32(0).Raw(audio).Bytes()},
@@ -150,6 +164,9 @@ std::vector<std::pair<std::string, std::string>> WriterSeeds()
         {"list-odd", Riff(fmt + info + RiffBytes().Chunk("odd ", "xyz").Chunk("data", std::string(5000, 'd')).Bytes())},
         {"format-40", Riff(RiffBytes().Chunk("fmt ", FormatBody(0xFFFE, 2, 44100, 16) + std::string(24, '\0')).Bytes())},
         {"junk-behind", Riff(fmt) + "junk"},
+        {"rf64", Rf64(4 + 36 + fmt.size() + 8 + frames.size() + info.size(), frames.size(), frames + info)},
+        {"rf64-unfinished-0", Rf64(0, 0, frames + info)},
+        {"rf64-cut-short", Rf64(1 << 20, 1 << 20, frames)},
     };
 }
 

@@ -1,10 +1,16 @@
-// The wave reader and the check on arbitrary bytes, read from a file as the
-// product reads them. The report must be made only of the check's own
-// lines, and the walk that keeps only the registry must give what the whole
-// tree gives. That the check gives the same report twice is left to the
-// corpus test: a second check cost a quarter of every run, and each walk
-// here opens the file once a data chunk.
-#include "check/WaveCheck.h"
+// The wave reader, the check with its findings and warnings, and the RF64
+// layout on arbitrary bytes, read from a file as the product reads them.
+// The report must be made only of the check's own lines, every finding
+// must point into the file, the walk that keeps only the registry must
+// give what the whole tree gives, and the RF64 layout's chunks must follow
+// one another from the ds64 chunk on, each beginning inside the file and
+// listed with a mark where it runs past its end. That the check gives the
+// same report twice is left to the corpus test: a second check cost a
+// quarter of every run, and each walk here opens the file once a data
+// chunk.
+#include "check/ChunkList.h"
+#include "check/FileCheck.h"
+#include "check/Rf64File.h"
 #include "support/ReportGrammar.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
@@ -13,7 +19,58 @@
 #include "FuzzInput.h"
 
 #include <cstdint>
+#include <cstring>
 #include <string>
+
+namespace {
+
+// Counts the chunk list's lines and those that mark an end of the file.
+class LineCounter : public TextSink {
+public:
+    void Put(std::string_view text) override
+    {
+        rf64 = rf64 || (lines == 0 && text.substr(0, 10) == "RF64 at 0,");
+        ++lines;
+        pastFile += text.find("runs past the end of the file") != std::string_view::npos;
+    }
+    std::size_t lines = 0;
+    std::size_t pastFile = 0;
+    bool rf64 = false; // listed as RF64, not as the RIFF chunks the reader found in it
+};
+
+void CheckRf64Layout(const WideString& path, std::int64_t size)
+{
+    Rf64Layout layout;
+    std::string problem;
+    if (!ReadRf64Layout(path, layout, problem)) {
+        if (problem.empty())
+            FailInvariant("the RF64 layout is refused without a reason");
+        return;
+    }
+    if (layout.fileSize != size || layout.riffSize < 0 || layout.chunks.size() > kMostRf64Chunks ||
+        layout.formatBytes > sizeof layout.format)
+        FailInvariant("the RF64 layout's sizes are out of range");
+    std::int64_t next = 12;
+    std::size_t pastFile = layout.riffSize + 8 > size;
+    bool dataFound = layout.dataPosition < 0;
+    for (const Rf64Chunk& chunk : layout.chunks) {
+        if (chunk.position != next || chunk.size < 0 || chunk.position + 8 > size)
+            FailInvariant("an RF64 chunk doesn't follow the one before it inside the file");
+        next = chunk.position + 8 + chunk.size + chunk.size % 2;
+        if (next <= chunk.position)
+            FailInvariant("an RF64 chunk leaves the walk where it stands");
+        pastFile += chunk.position + 8 + chunk.size > size;
+        dataFound = dataFound || (chunk.position == layout.dataPosition && chunk.size == layout.dataSize);
+    }
+    if (!dataFound)
+        FailInvariant("the RF64 data chunk is none of the layout's chunks");
+    LineCounter listing;
+    ListChunks(path, false, listing);
+    if (listing.rf64 && (listing.lines != layout.chunks.size() + 1 || listing.pastFile != pastFile))
+        FailInvariant("the chunk list of an RF64 file is not its layout, each end past the file marked");
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -21,12 +78,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     WriteScratch(input, data, size);
 
     const WideString path = WideString::FromAscii(input);
-    CheckReport report;
-    bool hasError = false;
-    RunWaveCheck(path, report, hasError);
+    FileCheck check;
+    CheckFile(path, check);
     std::string why;
-    if (!IsWellFormedReport(report, hasError, why))
+    if (!IsWellFormedReport(check.report, check.hasError, why))
         FailInvariant(why.c_str());
+    for (const Finding& finding : check.findings) {
+        if (!finding.kind || (finding.offset && (*finding.offset < 0 || *finding.offset >= static_cast<std::int64_t>(size))))
+            FailInvariant("a finding points outside the file");
+    }
+
+    // Only a file that begins as RF64 is read as one, so others cost no open.
+    if (size >= 4 && std::memcmp(data, "RF64", 4) == 0)
+        CheckRf64Layout(path, static_cast<std::int64_t>(size));
 
     std::string seen[2];
     for (int form = 0; form < 2; ++form) {

@@ -2,8 +2,10 @@
 // copy, and the plain write of the first top-level chunk. Neither may
 // crash, and neither output may grow beyond what the input can account
 // for: the bytes of the chunks plus, for each chunk of 8 bytes or more, a
-// format grown to 18 bytes and a pad byte. The tree read in compact form
-// must write the very bytes of the whole tree.
+// format grown to 18 bytes and a pad byte. A tidy copy reads as RIFF, or,
+// of an RF64 file, as RF64 whose ds64 RIFF size is the copy's. The tree
+// read in compact form must write the very bytes of the whole tree.
+#include "check/Rf64File.h"
 #include "check/TidyCopy.h"
 #include "wave/Chunk.h"
 #include "wave/WaveDocument.h"
@@ -11,6 +13,7 @@
 #include "FuzzInput.h"
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -29,7 +32,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         FailInvariant("the copy exists exactly when it was made");
     if (ScratchSize(copy) > bound)
         FailInvariant("the tidy copy is larger than the input accounts for");
-    if (copied) {
+    // An RF64 file's copy is RF64 by design; a RIFF file's becomes one only
+    // past 4 GiB, far beyond any input here.
+    if (copied && size >= 4 && std::memcmp(data, "RF64", 4) == 0) {
+        Rf64Layout layout;
+        std::string why;
+        if (!ReadRf64Layout(WideString::FromAscii(copy), layout, why) || !layout.hasDs64 ||
+            layout.riffSize != layout.fileSize - 8)
+            FailInvariant("the tidy copy of an RF64 file doesn't read as RF64 with its own size in ds64");
+    } else if (copied) {
         WaveDocument reread;
         reread.Open(WideString::FromAscii(copy));
         if (reread.GetContainerKind() != kContainerRiff)
