@@ -131,6 +131,8 @@ bool ReadRf64Layout(const WideString& path, Rf64Layout& layout, std::string& pro
     return true;
 }
 
+// The tidy copy asks here too, for a data chunk behind the last one the
+// layout keeps: both refuse the same sizes with the same words.
 bool Rf64DeferredDataSize(const Rf64Layout& layout, std::int64_t& size, std::string& problem)
 {
     if (!CanBeMeant(layout.ds64DataSize, layout.fileSize))
