@@ -1,7 +1,78 @@
-#include <cstddef>
-#include <cstdint>
+// The levels and the loudness on arbitrary bytes, read from a file as the
+// checker reads them: any format the meters take, floats with NaN and
+// infinities among them, RIFF and RF64. A measurement holds no more frames
+// than the file, counts no more samples apart than it measured, and has
+// finite figures, or none (-inf) only where there is silence; its lines
+// print. A refusal says why.
+#include "check/Levels.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t*, std::size_t)
+#include "FuzzInput.h"
+
+#include <cmath>
+#include <cstdint>
+#include <string>
+
+namespace {
+
+bool IsFiniteOrNone(double figure)
 {
+    return std::isfinite(figure) || figure == -INFINITY;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const std::string input = ScratchPath(".wav");
+    WriteScratch(input, data, size);
+
+    LevelReport report;
+    std::string problem;
+    if (!MeasureLevels(WideString::FromAscii(input), report, problem, true)) {
+        if (problem.empty())
+            FailInvariant("a refusal without a reason");
+        return 0;
+    }
+    const std::uint64_t channels = report.channels.size();
+    const std::uint64_t sampleBytes = report.bits / 8u;
+    if (channels == 0 || report.frames <= 0)
+        FailInvariant("a measurement of nothing");
+    if (static_cast<std::uint64_t>(report.frames) * channels * sampleBytes > size)
+        FailInvariant("more frames measured than the file holds");
+    if (CountNonFinite(report) > static_cast<std::uint64_t>(report.frames) * channels)
+        FailInvariant("more samples left out than measured");
+    for (const ChannelLevels& levels : report.channels) {
+        if (!std::isfinite(levels.peak) || !std::isfinite(levels.rms) || !std::isfinite(levels.dcOffset) ||
+            levels.peak < 0 || levels.rms < 0)
+            FailInvariant("a level that is not a finite figure");
+        if (levels.nonFinite > static_cast<std::uint64_t>(report.frames) || (!report.isFloat && levels.nonFinite > 0))
+            FailInvariant("a channel's count of samples left out is wrong");
+        if (levels.rms > levels.peak * (1 + 1e-9) + 1e-300)
+            FailInvariant("an RMS above the peak");
+    }
+    if (!report.hasLoudness || report.loudness.truePeak.size() != channels)
+        FailInvariant("loudness asked for and not given");
+    const LoudnessMeter::Figures& loudness = report.loudness;
+    if (!IsFiniteOrNone(loudness.integrated) || !std::isfinite(loudness.range) ||
+        !IsFiniteOrNone(loudness.momentaryMax) || !IsFiniteOrNone(loudness.shortTermMax))
+        FailInvariant("a loudness that is neither a figure nor none");
+    bool silent = true;
+    for (std::size_t c = 0; c < channels; ++c) {
+        const double truePeak = loudness.truePeak[c];
+        if (!std::isfinite(truePeak) || truePeak < 0)
+            FailInvariant("a true peak that is not a finite figure");
+        // Silence between samples needs silent samples. The true-peak
+        // filter compares squares as floats, which reach 0 below about
+        // 1e-22 (-440 dBFS): samples under that are silence to it.
+        if (truePeak == 0 && report.channels[c].peak >= 1e-20)
+            FailInvariant("no true peak in a channel with samples");
+        silent = silent && report.channels[c].peak == 0;
+    }
+    if (silent && std::isfinite(loudness.integrated))
+        FailInvariant("a loudness of silence");
+    // The lines print: a figure the formatting can't take would stop here.
+    if (FormatLevelsText(report).find("nan") != std::string::npos ||
+        FormatLevelsJson(report).find("nan") != std::string::npos)
+        FailInvariant("a figure printed as nan");
     return 0;
 }

@@ -146,7 +146,7 @@ smoke_target()
 
 # Each run is one process on one core, so as many run at once as there are
 # cores (SONDARA_JOBS to change that); what they say comes in target order.
-targets=(wave layout csv attributes description writer)
+targets=(wave layout csv attributes description writer levels)
 parallel="${SONDARA_JOBS:-$(nproc)}"
 mkdir -p "$smoke"
 for target in "${targets[@]}"; do

@@ -575,23 +575,33 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         bool last = false;
     };
     constexpr std::size_t kRing = 3;
+    const std::int64_t frameCount = place.frameCount;
+    // Audio that one request holds is read and measured on this thread
+    // alone, in the same order and with the same sums: for a short file,
+    // starting threads costs more than it saves.
+    const std::int64_t dataStart = place.dataPosition + 8;
+    const std::uint32_t sector = audio.GetSectorSize();
+    const bool oneRequest = dataStart % sector + frameCount * stride < kReadBytes;
+    // That one request is only as long as the sectors the audio lies in.
+    const std::uint32_t requestBytes =
+        oneRequest ? static_cast<std::uint32_t>((dataStart % sector + frameCount * stride) / sector + 1) * sector
+                   : kReadBytes;
     Piece pieces[kRing];
-    for (Piece& piece : pieces) {
-        piece.memory = std::make_unique<TransferMemory>(std::size_t{kHeadBytes} + kReadBytes);
-        if (!piece.memory->Data())
+    for (std::size_t i = 0; i < (oneRequest ? 1 : kRing); ++i) {
+        pieces[i].memory = std::make_unique<TransferMemory>(std::size_t{kHeadBytes} + requestBytes);
+        if (!pieces[i].memory->Data())
             return Refuse(problem, "no memory to read the audio into");
     }
     std::mutex lock;
     std::condition_variable changed;
     std::size_t read = 0, summed = 0, metered = 0;
     bool readFailed = false; // written by the reader, read once it has been joined
-    const std::int64_t frameCount = place.frameCount;
-    const bool helped = meter || frameCount * stride > kReadBytes;
+    const bool helped = !oneRequest && (meter || frameCount * stride > kReadBytes);
     // The frames of a piece that this thread sums the levels of.
     const auto ownFrames = [&](const Piece& piece) { return meter || !helped ? piece.frames : piece.frames / 2; };
     std::vector<ChannelSums> helperSums(format.channels);
-    std::thread reader([&] {
-        const std::int64_t start = place.dataPosition + 8;
+    const auto readAll = [&] {
+        const std::int64_t start = dataStart;
         std::int64_t next = start - start % audio.GetSectorSize();
         std::int64_t skipped = start - next; // bytes of the first request before the audio
         std::int64_t carried = 0;            // bytes of a frame begun in the piece before
@@ -608,8 +618,8 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
                 std::memcpy(request - carried, before.bytes + std::size_t{before.frames} * stride,
                             static_cast<std::size_t>(carried));
             }
-            const std::int64_t got = audio.ReadAt(next, request, kReadBytes);
-            next += kReadBytes;
+            const std::int64_t got = audio.ReadAt(next, request, requestBytes);
+            next += requestBytes;
             piece.bytes = request + skipped - carried;
             // A failed request measures nothing of its piece; the frames
             // counted so far then fall short and the measurement is refused.
@@ -617,7 +627,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
             const std::int64_t present = readFailed ? 0 : std::max<std::int64_t>(0, got - skipped) + carried;
             piece.frames = static_cast<std::uint32_t>(std::min(present / stride, frameCount - first));
             first += piece.frames;
-            piece.last = readFailed || got < kReadBytes || first >= frameCount;
+            piece.last = readFailed || got < requestBytes || first >= frameCount;
             carried = present - std::int64_t{piece.frames} * stride;
             skipped = 0;
             {
@@ -628,16 +638,24 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
             if (piece.last)
                 return;
         }
-    });
+    };
+    std::thread reader;
+    if (oneRequest)
+        readAll();
+    else
+        reader = std::thread(readAll);
     // The meter takes the frames [first, last) of a piece as floats, a few
     // thousand at a time, made while they are still in the cache; add gets
-    // them with the index of the first.
+    // them with the index of the first. Frames of many channels go fewer at
+    // a time, so that a header claiming 65,535 channels asks for 6 MiB of
+    // floats, not a gigabyte; never fewer than the true peaks' priming takes.
+    const std::uint32_t blockFrames =
+        std::clamp<std::uint32_t>(32768u / format.channels, 2 * LoudnessMeter::kTruePeakHistory, 4096u);
     const auto toMeter = [&](const Piece& piece, std::uint32_t first, std::uint32_t last, std::vector<float>& floats,
                              auto add) {
-        constexpr std::uint32_t kBlockFrames = 4096;
-        floats.resize(std::size_t{kBlockFrames} * format.channels);
-        for (std::uint32_t done = first; done < last; done += kBlockFrames) {
-            const std::uint32_t frames = std::min(kBlockFrames, last - done);
+        floats.resize(std::size_t{std::min(blockFrames, std::max(last - first, 1u))} * format.channels);
+        for (std::uint32_t done = first; done < last; done += blockFrames) {
+            const std::uint32_t frames = std::min(blockFrames, last - done);
             ToFloats(kind, bytesPerSample, piece.bytes + std::size_t{done} * stride, frames, stride,
                      format.channels, floats);
             add(floats.data(), done, frames);
@@ -649,50 +667,50 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     // levels and the K-weighting.
     constexpr std::uint32_t kHistory = LoudnessMeter::kTruePeakHistory;
     const auto peakSplit = [&](const Piece& piece) -> std::uint32_t {
-        return piece.frames < 4 * kHistory ? piece.frames : std::max(kHistory, piece.frames / 4);
+        return !helped || piece.frames < 4 * kHistory ? piece.frames : std::max(kHistory, piece.frames / 4);
     };
     std::unique_ptr<LoudnessMeter> peakHelper;
-    if (meter)
+    if (meter && helped)
         peakHelper = std::make_unique<LoudnessMeter>(format.samplesPerSec, std::vector<double>(format.channels, 1.0));
-    std::thread measurer;
-    if (helped) {
-        measurer = std::thread([&] {
-            std::vector<float> floats;
-            for (std::size_t i = 0;; ++i) {
-                {
-                    std::unique_lock<std::mutex> hold(lock);
-                    changed.wait(hold, [&] { return read > i; });
-                }
-                const Piece& piece = pieces[i % kRing];
-                if (meter) {
-                    const std::uint32_t split = peakSplit(piece);
-                    bool primed = false;
-                    toMeter(piece, split < piece.frames ? split - kHistory : split, piece.frames, floats,
-                            [&](const float* frames, std::uint32_t, std::uint32_t count) {
-                                if (!primed) {
-                                    peakHelper->PrimeTruePeaks(frames, kHistory);
-                                    frames += std::size_t{kHistory} * format.channels;
-                                    count -= kHistory;
-                                    primed = true;
-                                }
-                                peakHelper->AddTruePeaks(frames, count);
-                            });
-                } else {
-                    const std::uint32_t own = ownFrames(piece);
-                    AddFrames(kind, bytesPerSample, piece.bytes + std::size_t{own} * stride, piece.frames - own,
-                              stride, helperSums);
-                }
-                const bool last = piece.last;
-                {
-                    std::lock_guard<std::mutex> hold(lock);
-                    metered = i + 1;
-                }
-                changed.notify_all();
-                if (last)
-                    return;
+    const auto helpAll = [&] {
+        std::vector<float> floats;
+        for (std::size_t i = 0;; ++i) {
+            {
+                std::unique_lock<std::mutex> hold(lock);
+                changed.wait(hold, [&] { return read > i; });
             }
-        });
-    }
+            const Piece& piece = pieces[i % kRing];
+            if (meter) {
+                const std::uint32_t split = peakSplit(piece);
+                bool primed = false;
+                toMeter(piece, split < piece.frames ? split - kHistory : split, piece.frames, floats,
+                        [&](const float* frames, std::uint32_t, std::uint32_t count) {
+                            if (!primed) {
+                                peakHelper->PrimeTruePeaks(frames, kHistory);
+                                frames += std::size_t{kHistory} * format.channels;
+                                count -= kHistory;
+                                primed = true;
+                            }
+                            peakHelper->AddTruePeaks(frames, count);
+                        });
+            } else {
+                const std::uint32_t own = ownFrames(piece);
+                AddFrames(kind, bytesPerSample, piece.bytes + std::size_t{own} * stride, piece.frames - own,
+                          stride, helperSums);
+            }
+            const bool last = piece.last;
+            {
+                std::lock_guard<std::mutex> hold(lock);
+                metered = i + 1;
+            }
+            changed.notify_all();
+            if (last)
+                return;
+        }
+    };
+    std::thread measurer;
+    if (helped)
+        measurer = std::thread(helpAll);
     std::int64_t first = 0;
     Progress progress(path, frameCount);
     std::vector<float> floats;
@@ -727,7 +745,8 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         if (last)
             break;
     }
-    reader.join();
+    if (reader.joinable())
+        reader.join();
     if (measurer.joinable())
         measurer.join();
     if (readFailed)
@@ -769,7 +788,8 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         report.channels.push_back(levels);
     }
     if (meter) {
-        meter->MergeTruePeaks(*peakHelper);
+        if (peakHelper)
+            meter->MergeTruePeaks(*peakHelper);
         report.hasLoudness = true;
         report.loudness = meter->Result();
     }

@@ -338,13 +338,14 @@ void LoudnessMeter::Histogram::Add(double energy)
     const int bin = std::min(Bin(loudness), kBins - 1);
     energies[bin] += energy;
     ++counts[bin];
+    top = std::max(top, bin + 1);
 }
 
 double LoudnessMeter::Histogram::MeanAbove(double loudness, std::uint64_t& count) const
 {
     double sum = 0;
     count = 0;
-    for (int bin = std::max(0, Bin(loudness)); bin < kBins; ++bin) {
+    for (int bin = std::max(0, Bin(loudness)); bin < top; ++bin) {
         sum += energies[bin];
         count += counts[bin];
     }
@@ -357,13 +358,13 @@ double LoudnessMeter::Histogram::Percentile(double floor, double share) const
 {
     std::uint64_t total = 0;
     const int first = std::max(0, Bin(floor));
-    for (int bin = first; bin < kBins; ++bin)
+    for (int bin = first; bin < top; ++bin)
         total += counts[bin];
     if (total == 0)
         return 0;
     const auto wanted = static_cast<std::uint64_t>(std::ceil(share * static_cast<double>(total)));
     std::uint64_t seen = 0;
-    for (int bin = first; bin < kBins; ++bin) {
+    for (int bin = first; bin < top; ++bin) {
         seen += counts[bin];
         if (seen >= std::max<std::uint64_t>(1, wanted))
             return kAbsoluteGate + (bin + 0.5) / 100;

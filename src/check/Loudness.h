@@ -75,6 +75,7 @@ private:
         std::vector<double> energies = std::vector<double>(kBins, 0.0);
         std::vector<std::uint64_t> counts = std::vector<std::uint64_t>(kBins, 0);
         static constexpr int kBins = 8000; // -70 to +10 LUFS in 0.01 LU
+        int top = 0;                        // the bins above this one are empty
     };
 
     // Taps of the true-peak filter for each phase between two samples, and
