@@ -32,6 +32,8 @@ constexpr char kHelp[] =
     "  --csv       one row a finding (UTF-8 with a byte order mark)\n"
     "  --strict    warnings count as findings for the exit status\n"
     "  -j N        check N files at once (default: one a core)\n"
+    "  -0          the paths on standard input end in a zero byte, as\n"
+    "              find -print0 writes them, rather than a line end\n"
     "  --chunks    list every chunk: offset, id, declared size, list type and\n"
     "              INFO entries; marks a size that runs past an end\n"
     "  --levels    per channel peak and RMS in dBFS, DC offset and samples at\n"
@@ -50,7 +52,9 @@ constexpr char kHelp[] =
     "  0  every report is clear (warnings alone too, unless --strict)\n"
     "  1  a report has a finding, a path can't be read, or with --strict a\n"
     "     file has a warning; a file can't be listed, measured or copied\n"
-    "  2  bad usage";
+    "  2  bad usage\n"
+    "A folder, or standard input, that gives no file to check is said on\n"
+    "standard error, and makes the exit status 1.";
 
 enum class Mode { Check, Chunks, Levels, Tidy };
 
@@ -71,9 +75,22 @@ struct LevelOptions {
     DeliveryTarget target;
 };
 
+// A miss as JSON: what was measured, on which channel, the figure as
+// printed and the limit it crossed, beside the sentence.
+std::string TargetMissJson(const TargetMiss& miss)
+{
+    std::string json = std::string("{\"measure\": \"") + MeasureName(miss.measure) + "\", \"channel\": " +
+                       (miss.channel ? std::to_string(*miss.channel) : "null") + ", \"value\": " +
+                       (std::isfinite(miss.value) ? FormatFixed(miss.value, 1) : "null") +
+                       ", \"limit\": " + FormatFixed(miss.limit, 2) + ", \"message\": ";
+    AppendJsonString(json, Utf8ToWide(miss.text));
+    return json + "}";
+}
+
 int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths, const LevelOptions& levelOptions = {})
 {
     ConsoleSink sink(json ? ConsoleSink::Bytes::Exact : ConsoleSink::Bytes::Text);
+    const bool flushEachFile = platform::IsStandardOutputTerminal();
     bool allWell = true;
     if (json)
         sink.Put("[");
@@ -81,7 +98,9 @@ int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths, cons
         if (json)
             sink.Put(i == 0 ? "\n  " : ",\n  ");
         else if (paths.size() > 1)
-            sink.Put("== " + WideToUtf8(paths[i].View()) + "\n");
+            sink.Put("== " + WideToPathUtf8(paths[i].View()) + "\n");
+        if (flushEachFile)
+            sink.Flush();
         if (mode == Mode::Chunks) {
             allWell = ListChunks(paths[i], json, sink) && allWell;
             continue;
@@ -89,10 +108,12 @@ int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths, cons
         LevelReport report;
         std::string problem;
         const bool measured = MeasureLevels(paths[i], report, problem, levelOptions.loudness);
-        allWell = measured && allWell;
-        std::vector<std::string> misses;
+        // Samples that are no number are left out of every figure, and the
+        // file is not sound for having them.
+        allWell = measured && CountNonFinite(report) == 0 && allWell;
+        std::vector<TargetMiss> misses;
         if (measured && levelOptions.hasTarget) {
-            misses = TargetMisses(levelOptions.target, report.loudness);
+            misses = FindTargetMisses(levelOptions.target, report.loudness);
             allWell = allWell && misses.empty();
         }
         if (json) {
@@ -104,10 +125,8 @@ int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths, cons
                     object += ", \"target\": {\"name\": ";
                     AppendJsonString(object, Utf8ToWide(levelOptions.target.name));
                     object += std::string(", \"pass\": ") + (misses.empty() ? "true" : "false") + ", \"misses\": [";
-                    for (std::size_t m = 0; m < misses.size(); ++m) {
-                        object += m ? ", " : "";
-                        AppendJsonString(object, Utf8ToWide(misses[m]));
-                    }
+                    for (std::size_t m = 0; m < misses.size(); ++m)
+                        object += (m ? ", " : "") + TargetMissJson(misses[m]);
                     object += "]}";
                 }
                 object += "}";
@@ -122,8 +141,8 @@ int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths, cons
             if (measured && levelOptions.hasTarget) {
                 if (misses.empty())
                     text += "target " + levelOptions.target.name + ": pass\n";
-                for (const std::string& miss : misses)
-                    text += "target " + levelOptions.target.name + ": " + miss + "\n";
+                for (const TargetMiss& miss : misses)
+                    text += "target " + levelOptions.target.name + ": " + miss.text + "\n";
             }
             sink.Put(text);
         }
@@ -160,7 +179,7 @@ int RunTidy(bool json, const WideString& output, const WideString& input)
     } else if (written) {
         for (const std::string& change : changes)
             sink.Put(change + "\n");
-        sink.Put((changes.empty() ? "nothing to mend; " : "") + std::string("written to ") + WideToUtf8(output.View()) + "\n");
+        sink.Put((changes.empty() ? "nothing to mend; " : "") + std::string("written to ") + WideToPathUtf8(output.View()) + "\n");
     } else {
         sink.Put("not written: " + problem + "\n");
     }
@@ -195,121 +214,140 @@ unsigned ParseJobs(const std::u16string& text)
     return jobs <= 256 ? jobs : 0;
 }
 
+// What the command line asks for, read as flags in any order; which mode
+// they make is decided once they are all read.
+struct CommandLine {
+    OutputFormat format = OutputFormat::Text;
+    int formats = 0;
+    bool strict = false;
+    unsigned jobs = 0;
+    bool nulSeparated = false;
+    bool chunks = false;
+    bool levels = false;
+    bool loudness = false;
+    bool tidy = false;
+    WideString tidyOutput;
+    std::string targetName;
+    double customFigures[3] = {0, 0, 0};
+    bool customGiven[3] = {false, false, false};
+    std::vector<WideString> paths;
+};
+
+constexpr char kOneMode[] = "sondara-check: --chunks, --levels and --tidy go one at a time";
+
 } // namespace
 
 int ConsoleMain(const std::vector<std::u16string>& arguments)
 {
-    bool json = false;
+    CommandLine line;
     bool optionsEnded = false;
-    Mode mode = Mode::Check;
-    CheckRunOptions run;
-    bool formatChosen = false;
-    WideString output;
-    std::vector<WideString> paths;
-    LevelOptions levelOptions;
-    bool customTarget = false;
-    double customFigures[3] = {0, 0, 0};
-    bool customGiven[3] = {false, false, false};
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::u16string& argument = arguments[i];
-        if (!optionsEnded && argument == u"--version") {
+        const bool hasValue = i + 1 < arguments.size();
+        if (optionsEnded || argument.size() < 2 || argument[0] != u'-') {
+            line.paths.emplace_back(argument);
+        } else if (argument == u"--version") {
             WriteWholeToStandardOutput(WithLineEnd("sondara-check " SONDARA_VERSION_DOTTED "\n", platform::kLineEnd));
             return 0;
-        }
-        if (!optionsEnded && argument == u"--help") {
+        } else if (argument == u"--help") {
             WriteWholeToStandardOutput(WithLineEnd(std::string(kUsage) + "\n" + kHelp + "\n", platform::kLineEnd));
             return 0;
-        }
-        const bool modeOption = argument == u"--chunks" || argument == u"--levels" || argument == u"--tidy";
-        const bool formatOption = argument == u"--json" || argument == u"--jsonl" || argument == u"--csv";
-        if (optionsEnded || argument.size() < 2 || argument[0] != u'-') {
-            paths.emplace_back(argument);
-        } else if (modeOption && mode != Mode::Check) {
-            return UsageError("sondara-check: --chunks, --levels and --tidy go one at a time");
-        } else if (formatOption && formatChosen) {
-            return UsageError("sondara-check: --json, --jsonl and --csv go one at a time");
-        } else if (argument == u"--json") {
-            json = true;
-            formatChosen = true;
-            run.format = OutputFormat::Json;
-        } else if (argument == u"--jsonl") {
-            formatChosen = true;
-            run.format = OutputFormat::JsonLines;
-        } else if (argument == u"--csv") {
-            formatChosen = true;
-            run.format = OutputFormat::Csv;
+        } else if (argument == u"--json" || argument == u"--jsonl" || argument == u"--csv") {
+            line.format = argument == u"--json" ? OutputFormat::Json
+                        : argument == u"--jsonl" ? OutputFormat::JsonLines : OutputFormat::Csv;
+            ++line.formats;
         } else if (argument == u"--strict") {
-            run.strict = true;
+            line.strict = true;
+        } else if (argument == u"-0") {
+            line.nulSeparated = true;
         } else if (argument.rfind(u"-j", 0) == 0) {
             const bool separate = argument.size() == 2;
-            if (separate && i + 1 == arguments.size())
+            if (separate && !hasValue)
                 return UsageError("sondara-check: -j needs a number of files to check at once");
-            run.jobs = ParseJobs(separate ? arguments[++i] : argument.substr(2));
-            if (run.jobs == 0)
+            line.jobs = ParseJobs(separate ? arguments[++i] : argument.substr(2));
+            if (line.jobs == 0)
                 return UsageError("sondara-check: -j takes a number from 1 to 256");
+        } else if (argument == u"--chunks") {
+            line.chunks = true;
+        } else if (argument == u"--levels") {
+            line.levels = true;
         } else if (argument == u"--loudness") {
-            if (mode != Mode::Check && mode != Mode::Levels)
-                return UsageError("sondara-check: --chunks, --levels and --tidy go one at a time");
-            mode = Mode::Levels;
-            levelOptions.loudness = true;
+            line.loudness = true;
         } else if (argument == u"--target") {
-            if (i + 1 == arguments.size() || !FindDeliveryTarget(WideToUtf8(arguments[i + 1]), levelOptions.target))
+            DeliveryTarget known;
+            if (!hasValue || !FindDeliveryTarget(WideToUtf8(arguments[i + 1]), known))
                 return UsageError("sondara-check: --target takes ebu-r128, atsc-a85 or streaming");
+            line.targetName = known.name;
             ++i;
-            levelOptions.hasTarget = true;
-            levelOptions.loudness = true;
-            mode = Mode::Levels;
         } else if (argument == u"--target-lufs" || argument == u"--tolerance" || argument == u"--max-true-peak") {
             const int which = argument == u"--target-lufs" ? 0 : argument == u"--tolerance" ? 1 : 2;
-            double value = 0;
-            if (i + 1 == arguments.size() || !ParseDecibels(arguments[i + 1], value))
+            if (!hasValue || !ParseDecibels(arguments[i + 1], line.customFigures[which]))
                 return UsageError("sondara-check: " + WideToUtf8(argument) + " takes a number");
+            line.customGiven[which] = true;
             ++i;
-            customFigures[which] = value;
-            customGiven[which] = true;
-            customTarget = true;
-        } else if (argument == u"--chunks") {
-            mode = Mode::Chunks;
-        } else if (argument == u"--levels") {
-            mode = Mode::Levels;
         } else if (argument == u"--tidy") {
-            if (i + 1 == arguments.size())
+            if (!hasValue)
                 return UsageError("sondara-check: --tidy needs the path of the copy");
-            mode = Mode::Tidy;
-            output = WideString(arguments[++i]);
+            line.tidy = true;
+            line.tidyOutput = WideString(arguments[++i]);
         } else if (argument == u"--") {
             optionsEnded = true;
         } else {
             return UsageError("sondara-check: unknown option " + WideToUtf8(argument));
         }
     }
-    if (customTarget) {
-        if (!customGiven[0] || levelOptions.hasTarget)
-            return UsageError("sondara-check: --target-lufs sets a target of your own, instead of --target");
-        levelOptions.target = {"own", customFigures[0], customGiven[1] ? customFigures[1] : 1.0,
-                               customGiven[2] ? customFigures[2] : -1.0};
+
+    // The mode: the loudness and the targets are parts of the levels.
+    const bool customTarget = line.customGiven[0] || line.customGiven[1] || line.customGiven[2];
+    const bool levels = line.levels || line.loudness || !line.targetName.empty() || customTarget;
+    if (int{line.chunks} + int{levels} + int{line.tidy} > 1)
+        return UsageError(kOneMode);
+    if (line.formats > 1)
+        return UsageError("sondara-check: --json, --jsonl and --csv go one at a time");
+    const Mode mode = line.chunks ? Mode::Chunks : levels ? Mode::Levels : line.tidy ? Mode::Tidy : Mode::Check;
+    LevelOptions levelOptions;
+    levelOptions.loudness = line.loudness || !line.targetName.empty() || customTarget;
+    if (!line.targetName.empty()) {
+        FindDeliveryTarget(line.targetName, levelOptions.target);
         levelOptions.hasTarget = true;
-        levelOptions.loudness = true;
-        mode = Mode::Levels;
     }
-    if (paths.empty())
+    if (customTarget) {
+        if (!line.customGiven[0] || levelOptions.hasTarget)
+            return UsageError("sondara-check: --target-lufs sets a target of your own, instead of --target");
+        levelOptions.target = {"own", line.customFigures[0], line.customGiven[1] ? line.customFigures[1] : 1.0,
+                               line.customGiven[2] ? line.customFigures[2] : -1.0};
+        levelOptions.hasTarget = true;
+    }
+    if (line.paths.empty())
         return UsageError("");
-    if (mode != Mode::Check && (run.format == OutputFormat::JsonLines || run.format == OutputFormat::Csv))
+    const bool json = line.format == OutputFormat::Json;
+    if (mode != Mode::Check && (line.format == OutputFormat::JsonLines || line.format == OutputFormat::Csv))
         return UsageError("sondara-check: --jsonl and --csv go with the check only");
     if (mode == Mode::Tidy) {
-        if (paths.size() != 1)
+        if (line.paths.size() != 1)
             return UsageError("sondara-check: --tidy copies one file at a time");
-        return RunTidy(json, output, paths[0]);
+        return RunTidy(json, line.tidyOutput, line.paths[0]);
     }
 
     std::vector<SourcePath> sources;
-    ExpandSources(paths, sources);
+    std::vector<std::string> nothingFound;
+    ExpandSources(line.paths, SourceOptions{line.nulSeparated}, sources, nothingFound);
+    int status = 0;
     if (mode != Mode::Check) {
         std::vector<WideString> files;
         for (const SourcePath& source : sources)
             files.push_back(source.path);
-        return RunEachFile(mode, json, files, levelOptions);
+        status = RunEachFile(mode, json, files, levelOptions);
+    } else {
+        ConsoleSink sink(line.format == OutputFormat::Text ? ConsoleSink::Bytes::Text : ConsoleSink::Bytes::Exact);
+        CheckRunOptions run;
+        run.format = line.format;
+        run.jobs = line.jobs;
+        run.strict = line.strict;
+        run.flushEachFile = line.format == OutputFormat::JsonLines || platform::IsStandardOutputTerminal();
+        status = RunChecks(sources, run, sink);
     }
-    ConsoleSink sink(run.format == OutputFormat::Text ? ConsoleSink::Bytes::Text : ConsoleSink::Bytes::Exact);
-    return RunChecks(sources, run, sink);
+    for (const std::string& message : nothingFound)
+        platform::WriteToStandardError(WithLineEnd(message + "\n", platform::kLineEnd));
+    return nothingFound.empty() ? status : 1;
 }

@@ -8,6 +8,8 @@ namespace {
 constexpr char16_t kAllClear[] = u"チェック完了しました。";
 // Warnings follow the report in its own voice, marked as such.
 constexpr char kWarningMark[] = "注意：";
+// The members of a JSON object in the place of a report that there is none of.
+constexpr char kNoReport[] = "\"report\": null, \"hasError\": true, ";
 
 void AppendNumber(std::string& out, const char* name, const std::optional<std::int64_t>& number)
 {
@@ -68,7 +70,7 @@ private:
     void Head(const WideString& path)
     {
         if (headed)
-            sink.Put("== " + WideToUtf8(path.View()) + "\n");
+            sink.Put("== " + WideToPathUtf8(path.View()) + "\n");
     }
 
     TextSink& sink;
@@ -84,11 +86,13 @@ public:
     void Begin() override { sink.Put("["); }
     void File(const FileCheck& check) override
     {
+        if (check.unreadable) {
+            Unreadable(check.path, "file.unreadable");
+            return;
+        }
         std::string object = Separator() + "{\"path\": ";
         AppendJsonString(object, check.path.View());
-        if (check.unreadable) {
-            object += ", " + FindingsJson({UnreadableFinding("file.unreadable")}) + "}";
-        } else {
+        {
             object += ", \"report\": ";
             AppendJsonString(object, check.report.View());
             object += std::string(", \"hasError\": ") + (check.hasError ? "true" : "false");
@@ -96,11 +100,13 @@ public:
         }
         sink.Put(object);
     }
+    // Every object has the same members: a path that gives no report has
+    // null in its place, and counts as one with an error.
     void Unreadable(const WideString& path, const std::string& code) override
     {
         std::string object = Separator() + "{\"path\": ";
         AppendJsonString(object, path.View());
-        object += ", " + FindingsJson({UnreadableFinding(code)}) + "}";
+        object += ", " + std::string(kNoReport) + FindingsJson({UnreadableFinding(code)}) + "}";
         sink.Put(object);
     }
     void End(const RunSummary&) override { sink.Put(any ? "\n]\n" : "]\n"); }
@@ -140,7 +146,7 @@ public:
     {
         std::string object = "{\"type\": \"unreadable\", \"path\": ";
         AppendJsonString(object, path.View());
-        sink.Put(object + ", " + FindingsJson({UnreadableFinding(code)}) + "}\n");
+        sink.Put(object + ", " + kNoReport + FindingsJson({UnreadableFinding(code)}) + "}\n");
     }
     void End(const RunSummary& summary) override
     {
@@ -189,26 +195,16 @@ public:
     void End(const RunSummary&) override {}
 
 private:
-    static std::string Field(const std::string& text)
-    {
-        std::string out = "\"";
-        for (char c : text) {
-            out += c;
-            if (c == '"')
-                out += '"';
-        }
-        return out + "\"";
-    }
     static std::string Number(const std::optional<std::int64_t>& number)
     {
         return number ? std::to_string(*number) : "";
     }
     void Row(const WideString& path, const std::string& severity, const std::string& code, const Finding& finding)
     {
-        sink.Put(Field(WideToUtf8(path.View())) + "," + Field(severity) + "," + Field(code) + "," +
-                 Number(finding.offset) + "," + Field(finding.chunk) + "," + Number(finding.value) + "," +
-                 Number(finding.declared) + "," + Number(finding.actual) + "," + Field(finding.message) + "," +
-                 Field(WideToUtf8(finding.text.View())) + "\r\n");
+        sink.Put(CsvField(WideToPathUtf8(path.View())) + "," + CsvField(severity) + "," + CsvField(code) + "," +
+                 Number(finding.offset) + "," + CsvField(finding.chunk) + "," + Number(finding.value) + "," +
+                 Number(finding.declared) + "," + Number(finding.actual) + "," + CsvField(finding.message) + "," +
+                 CsvField(WideToUtf8(finding.text.View())) + "\r\n");
     }
 
     TextSink& sink;

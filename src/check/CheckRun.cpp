@@ -1,5 +1,6 @@
 #include "check/CheckRun.h"
 
+#include "check/TextFormat.h"
 #include "platform/Console.h"
 
 #include <algorithm>
@@ -83,32 +84,47 @@ private:
 
 // "checked 1,234 of 10,000 files" on standard error, rewritten in place,
 // once the run has taken a second and at most ten times a second after;
-// only where a person watches the terminal.
+// only where a person watches the terminal. Results written to the same
+// terminal go between a Hide and the next Done, so that no line of theirs
+// runs into the progress line.
 class Progress {
 public:
     explicit Progress(std::size_t total) : total(total), shown(platform::IsStandardErrorTerminal()) {}
-    ~Progress()
-    {
-        if (drawn)
-            platform::WriteToStandardError("\r\x1b[K");
-    }
+    ~Progress() { Hide(); }
 
     void Done(std::size_t count)
     {
         if (!shown)
             return;
         const auto now = std::chrono::steady_clock::now();
-        if (now - start < std::chrono::seconds(1) || now - last < std::chrono::milliseconds(100))
+        const bool due = now - start >= std::chrono::seconds(1) && now - last >= std::chrono::milliseconds(100);
+        if (!due && !hidden)
+            return;
+        if (due || !text.empty())
+            text = "\rchecked " + FormatCount(static_cast<std::int64_t>(count)) + " of " +
+                   FormatCount(static_cast<std::int64_t>(total)) + " files";
+        if (text.empty())
             return;
         last = now;
         drawn = true;
-        platform::WriteToStandardError("\rchecked " + std::to_string(count) + " of " + std::to_string(total) + " files");
+        hidden = false;
+        platform::WriteToStandardError(text);
+    }
+    void Hide()
+    {
+        if (!drawn)
+            return;
+        platform::WriteToStandardError("\r\x1b[K");
+        drawn = false;
+        hidden = true;
     }
 
 private:
     std::size_t total;
     bool shown;
     bool drawn = false;
+    bool hidden = false; // cleared for results, to be drawn again
+    std::string text;
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     std::chrono::steady_clock::time_point last;
 };
@@ -132,6 +148,8 @@ int RunChecks(const std::vector<SourcePath>& paths, const CheckRunOptions& optio
         Progress progress(paths.size());
         for (std::size_t i = 0; i < paths.size(); ++i) {
             const FileCheck check = checks.Take();
+            if (options.flushEachFile)
+                progress.Hide();
             if (!paths[i].unreadable.empty()) {
                 summary.CountUnreadable();
                 printer->Unreadable(paths[i].path, paths[i].unreadable);
@@ -141,6 +159,8 @@ int RunChecks(const std::vector<SourcePath>& paths, const CheckRunOptions& optio
                 printer->File(check);
                 failed = failed || check.unreadable || check.hasError || (options.strict && check.HasWarnings());
             }
+            if (options.flushEachFile)
+                sink.Flush();
             progress.Done(i + 1);
         }
     }

@@ -11,6 +11,9 @@ struct CheckRunOptions {
     unsigned jobs = 0;
     // Warnings make the exit status 1 too.
     bool strict = false;
+    // Each file's result goes out as soon as it is printed: for a person at
+    // the terminal, and for a program that reads JSON Lines as they come.
+    bool flushEachFile = false;
 };
 
 // Checks the paths, several at once, and prints each as soon as it and

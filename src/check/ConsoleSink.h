@@ -19,7 +19,7 @@ public:
     ~ConsoleSink() override { Flush(); }
 
     void Put(std::string_view text) override;
-    void Flush();
+    void Flush() override;
 
 private:
     Bytes bytes;

@@ -85,11 +85,3 @@ std::vector<TargetMiss> FindTargetMisses(const DeliveryTarget& target, const Lou
     }
     return misses;
 }
-
-std::vector<std::string> TargetMisses(const DeliveryTarget& target, const LoudnessMeter::Figures& figures)
-{
-    std::vector<std::string> lines;
-    for (const TargetMiss& miss : FindTargetMisses(target, figures))
-        lines.push_back(miss.text);
-    return lines;
-}

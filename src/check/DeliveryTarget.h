@@ -38,5 +38,3 @@ const char* MeasureName(TargetMiss::Measure measure);
 bool FindDeliveryTarget(const std::string& name, DeliveryTarget& target);
 // What a programme misses of a target, a record each; empty when it meets it.
 std::vector<TargetMiss> FindTargetMisses(const DeliveryTarget& target, const LoudnessMeter::Figures& figures);
-// The same as lines of English, the records' text.
-std::vector<std::string> TargetMisses(const DeliveryTarget& target, const LoudnessMeter::Figures& figures);

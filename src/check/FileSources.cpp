@@ -1,5 +1,6 @@
 #include "check/FileSources.h"
 
+#include "base/Utf8.h"
 #include "platform/Console.h"
 #include "platform/FileSystem.h"
 #include "platform/Folder.h"
@@ -81,20 +82,29 @@ private:
 };
 
 // Calls line with each line of standard input, without its line end
-// (LF or CR LF).
+// (LF or CR LF), or with each path ended by a zero byte. A byte order mark
+// at the very start, as editors save lists, is skipped. False when
+// standard input failed before its end.
 template <typename LineUse>
-void ForEachInputLine(LineUse line)
+bool ForEachInputLine(bool nulSeparated, LineUse line)
 {
+    const char separator = nulSeparated ? '\0' : '\n';
     std::string pending;
     char buffer[65536];
+    bool first = true;
     for (;;) {
         const std::int64_t got = platform::ReadFromStandardInput(buffer, sizeof buffer);
         if (got > 0)
             pending.append(buffer, static_cast<std::size_t>(got));
+        if (first && (pending.size() >= 3 || got <= 0)) {
+            if (pending.rfind("\xEF\xBB\xBF", 0) == 0)
+                pending.erase(0, 3);
+            first = false;
+        }
         std::size_t start = 0;
-        for (std::size_t end; (end = pending.find('\n', start)) != std::string::npos; start = end + 1) {
+        for (std::size_t end; !first && (end = pending.find(separator, start)) != std::string::npos; start = end + 1) {
             std::string_view text(pending.data() + start, end - start);
-            if (!text.empty() && text.back() == '\r')
+            if (!nulSeparated && !text.empty() && text.back() == '\r')
                 text.remove_suffix(1);
             line(platform::StandardInputToWide(text));
         }
@@ -102,7 +112,7 @@ void ForEachInputLine(LineUse line)
         if (got <= 0) {
             if (!pending.empty())
                 line(platform::StandardInputToWide(pending));
-            return;
+            return got == 0;
         }
     }
 }
@@ -127,15 +137,21 @@ void AddPath(const std::u16string& path, std::vector<SourcePath>& paths)
 
 } // namespace
 
-void ExpandSources(const std::vector<WideString>& arguments, std::vector<SourcePath>& paths)
+void ExpandSources(const std::vector<WideString>& arguments, const SourceOptions& options,
+                   std::vector<SourcePath>& paths, std::vector<std::string>& nothingFound)
 {
     for (const WideString& argument : arguments) {
         const std::u16string text(argument.View());
+        const std::size_t before = paths.size();
         if (text == u"-") {
-            ForEachInputLine([&](const std::u16string& line) {
+            const bool whole = ForEachInputLine(options.nulSeparated, [&](const std::u16string& line) {
                 if (!line.empty())
                     AddPath(line, paths);
             });
+            if (!whole)
+                nothingFound.push_back("sondara-check: standard input can't be read to its end");
+            else if (paths.size() == before)
+                nothingFound.push_back("sondara-check: no path on standard input");
             continue;
         }
         std::vector<std::u16string> matches;
@@ -146,5 +162,7 @@ void ExpandSources(const std::vector<WideString>& arguments, std::vector<SourceP
             continue;
         }
         AddPath(text, paths);
+        if (paths.size() == before)
+            nothingFound.push_back("sondara-check: no .wav file in " + WideToPathUtf8(text));
     }
 }

@@ -1,5 +1,6 @@
 #include "check/TextFormat.h"
 
+#include <cassert>
 #include <cmath>
 #include <cstdio>
 
@@ -24,6 +25,20 @@ void AppendJsonString(std::string& out, std::u16string_view text)
         }
     }
     out += '"';
+}
+
+std::string CsvField(std::string_view text)
+{
+    std::string out = "\"";
+    if (!text.empty() && (text[0] == '=' || text[0] == '+' || text[0] == '-' || text[0] == '@' || text[0] == '\t' ||
+                          text[0] == '\r'))
+        out += '\'';
+    for (char c : text) {
+        out += c;
+        if (c == '"')
+            out += '"';
+    }
+    return out + "\"";
 }
 
 std::string ChunkIdText(std::uint32_t id)
@@ -62,8 +77,20 @@ std::string FormatCount(std::int64_t value)
 
 std::string FormatFixed(double value, int decimals)
 {
+    assert(std::isfinite(value));
+    if (std::isnan(value))
+        return "nan";
+    if (std::isinf(value))
+        return value < 0 ? "-inf" : "inf";
     const double scale = std::pow(10.0, decimals);
     const double scaled = std::round(std::fabs(value) * scale);
+    // Past 2^64 units the digits don't fit the integer below; such figures
+    // come only from hostile floats, and the C library's digits do.
+    if (scaled >= 18446744073709551616.0) {
+        char text[400];
+        std::snprintf(text, sizeof text, "%.*f", decimals, value);
+        return text;
+    }
     auto units = static_cast<std::uint64_t>(scaled);
     const auto divisor = static_cast<std::uint64_t>(scale);
     std::string text = std::to_string(units / divisor);

@@ -8,4 +8,6 @@ class TextSink {
 public:
     virtual ~TextSink() = default;
     virtual void Put(std::string_view text) = 0;
+    // Sends on what is held, for a reader that waits for each piece.
+    virtual void Flush() {}
 };

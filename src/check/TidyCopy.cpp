@@ -430,7 +430,7 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
         return false;
     }
     if (platform::GetPathAttributes(output.View()) != platform::kInvalidFileAttributes) {
-        problem = WideToUtf8(output.View()) + " exists; the copy goes to a new path only";
+        problem = WideToPathUtf8(output.View()) + " exists; the copy goes to a new path only";
         return false;
     }
 
@@ -478,7 +478,7 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
     FileStream target;
     WideString temporary;
     if (!CreateTemporary(output, target, temporary)) {
-        problem = "can't make a file beside " + WideToUtf8(output.View());
+        problem = "can't make a file beside " + WideToPathUtf8(output.View());
         return false;
     }
     // A dry run first: a RIFF copy that would pass 4 GiB is written as RF64.
@@ -501,7 +501,7 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
     }
     if (!platform::RenameFileNoReplace(temporary.View(), output.View())) {
         platform::RemoveFile(temporary.View());
-        problem = "can't give the copy the name " + WideToUtf8(output.View());
+        problem = "can't give the copy the name " + WideToPathUtf8(output.View());
         return false;
     }
     // The new name is on the disk only once its folder is.

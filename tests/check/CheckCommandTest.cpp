@@ -1,4 +1,5 @@
 #include "check/CheckCommand.h"
+#include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
 
@@ -18,48 +19,6 @@
 // files: what it prints on each stream and its exit status.
 namespace {
 
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-std::string Contents(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-// Runs the checker with these arguments in dir; the streams go to files
-// beside the samples. A checker that doesn't end normally gives -1.
-Outcome RunChecker(const TempDir& dir, std::vector<std::string> arguments, const std::string& input = "")
-{
-    std::string program = SONDARA_CHECK_PROGRAM;
-    std::vector<char*> argv{program.data()};
-    for (std::string& argument : arguments)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    const std::string out = dir.Native() + "/stdout.txt";
-    const std::string err = dir.Native() + "/stderr.txt";
-    const std::string in = dir.Native() + "/stdin.txt";
-    {
-        std::ofstream(in, std::ios::binary) << input;
-    }
-    const pid_t child = fork();
-    if (child == 0) {
-        if (chdir(dir.Native().c_str()) != 0)
-            _exit(126);
-        dup2(open(in.c_str(), O_RDONLY), 0);
-        dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
-        dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
-        execv(argv[0], argv.data());
-        _exit(127);
-    }
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
-        return {-1, {}, {}};
-    return {WEXITSTATUS(status), Contents(out), Contents(err)};
-}
 
 } // namespace
 
@@ -137,7 +96,7 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
         for (const std::string& argument : c.arguments)
             line += " " + argument;
         SCOPED_TRACE("sondara-check" + line);
-        const Outcome outcome = RunChecker(dir, c.arguments, c.input);
+        const CheckerOutcome outcome = RunChecker(dir, c.arguments, c.input);
         EXPECT_EQ(outcome.status, c.status);
         EXPECT_EQ(c.out == help ? outcome.out.substr(0, help.size()) : outcome.out, c.out);
         EXPECT_EQ(outcome.err, c.err);
@@ -166,7 +125,7 @@ TEST(CheckCommandProgram, FoldersInOrderWithLoopsBrokenLinksAndTheirFormats)
     ASSERT_EQ(symlink("gone.wav", (dir.Native() + "/deliveries/d.wav").c_str()), 0);
 
     // The order of the walk, with one check at a time.
-    const Outcome serial = RunChecker(dir, {"--jsonl", "-j", "1", "deliveries"});
+    const CheckerOutcome serial = RunChecker(dir, {"--jsonl", "-j", "1", "deliveries"});
     std::vector<std::string> order;
     for (std::size_t at = serial.out.find("\"path\": \""); at != std::string::npos;
          at = serial.out.find("\"path\": \"", at + 1)) {
@@ -180,25 +139,26 @@ TEST(CheckCommandProgram, FoldersInOrderWithLoopsBrokenLinksAndTheirFormats)
     EXPECT_EQ(order[3], "deliveries/c.wav");
     EXPECT_EQ(order[4], "deliveries/d.wav");
     EXPECT_EQ(order[5], "deliveries/many/100.wav");
-    EXPECT_NE(serial.out.find("{\"type\": \"unreadable\", \"path\": \"deliveries/a/up\", \"findings\": [{\"code\": \"folder.link-loop\""), std::string::npos);
-    EXPECT_NE(serial.out.find("\"path\": \"deliveries/d.wav\", \"findings\": [{\"code\": \"file.broken-link\""), std::string::npos);
+    EXPECT_NE(serial.out.find("{\"type\": \"unreadable\", \"path\": \"deliveries/a/up\", \"report\": null, \"hasError\": true, "
+                                   "\"findings\": [{\"code\": \"folder.link-loop\""), std::string::npos);
+    EXPECT_NE(serial.out.find("\"path\": \"deliveries/d.wav\", \"report\": null, \"hasError\": true, \"findings\": [{\"code\": \"file.broken-link\""), std::string::npos);
     EXPECT_NE(serial.out.find("\"code\": \"riff.trailing-bytes\""), std::string::npos);
     EXPECT_TRUE(serial.out.ends_with(
         "{\"type\": \"summary\", \"files\": 35, \"sound\": 28, \"withFindings\": 4, \"withWarnings\": 1, \"unreadable\": 2}\n"));
     EXPECT_EQ(serial.status, 1);
 
     // Many checks at once print the very same.
-    const Outcome parallel = RunChecker(dir, {"--jsonl", "-j7", "deliveries"});
+    const CheckerOutcome parallel = RunChecker(dir, {"--jsonl", "-j7", "deliveries"});
     EXPECT_EQ(parallel.out, serial.out);
 
     // Warnings alone: exit 0, or 1 with --strict.
     EXPECT_EQ(RunChecker(dir, {"deliveries/c.wav"}).status, 0);
     EXPECT_EQ(RunChecker(dir, {"--strict", "deliveries/c.wav"}).status, 1);
-    const Outcome text = RunChecker(dir, {"deliveries/c.wav"});
+    const CheckerOutcome text = RunChecker(dir, {"deliveries/c.wav"});
     EXPECT_EQ(text.out, "チェック完了しました。\n注意：RIFFチャンクの後ろに余分なデータがあります。 [宣言 52, 実際 54, 位置 60]\n");
 
     // CSV: a byte order mark, a header, a row a finding, a row for a sound file.
-    const Outcome csv = RunChecker(dir, {"--csv", "deliveries/b.WAV", "deliveries/c.wav"});
+    const CheckerOutcome csv = RunChecker(dir, {"--csv", "deliveries/b.WAV", "deliveries/c.wav"});
     EXPECT_EQ(csv.out,
               "\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\",\"message\",\"text\"\r\n"
               "\"deliveries/b.WAV\",\"ok\",\"file.sound\",,\"\",,,,\"The file is sound.\",\"チェック完了しました。\"\r\n"

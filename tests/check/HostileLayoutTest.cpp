@@ -3,6 +3,7 @@
 // files that recorders leave unfinished still read and mend as before.
 #include "check/ChunkList.h"
 #include "check/Rf64File.h"
+#include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
 
@@ -117,45 +118,6 @@ TEST(Rf64Layout, SizesNoFileCanHoldAreRefusedAndTheRestWalked)
 #ifdef SONDARA_CHECK_PROGRAM
 namespace {
 
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-std::string Contents(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-// Runs the checker with these arguments in dir, its streams in files
-// there. A checker that doesn't end normally within 20 seconds gives -1.
-Outcome RunChecker(const TempDir& dir, std::vector<std::string> arguments)
-{
-    std::string program = SONDARA_CHECK_PROGRAM;
-    std::vector<char*> argv{program.data()};
-    for (std::string& argument : arguments)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    const std::string out = dir.Native() + "/stdout.txt";
-    const std::string err = dir.Native() + "/stderr.txt";
-    const pid_t child = fork();
-    if (child == 0) {
-        if (chdir(dir.Native().c_str()) != 0)
-            _exit(126);
-        dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
-        dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
-        // The alarm outlives exec: a checker that spins is ended by it.
-        alarm(20);
-        execv(argv[0], argv.data());
-        _exit(127);
-    }
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
-        return {-1, {}, {}};
-    return {WEXITSTATUS(status), Contents(out), Contents(err)};
-}
 
 } // namespace
 
@@ -168,14 +130,14 @@ TEST(HostileRf64Program, TidyAndChunksEndAtOnceWithTheReason)
     for (const Hostile& c : HostileFiles()) {
         SCOPED_TRACE(c.name);
         dir.Write("hostile.wav", c.bytes);
-        const Outcome tidy = RunChecker(dir, {"--tidy", "out.wav", "hostile.wav"});
+        const CheckerOutcome tidy = RunChecker(dir, {"--tidy", "out.wav", "hostile.wav"});
         EXPECT_EQ(tidy.status, 1);
         EXPECT_EQ(tidy.out, "not written: " + c.reason + "\n");
         EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav"));
         EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav.partial-0"));
         std::filesystem::remove(dir.Native() + "/out.wav.partial-0");
 
-        const Outcome chunks = RunChecker(dir, {"--chunks", "hostile.wav"});
+        const CheckerOutcome chunks = RunChecker(dir, {"--chunks", "hostile.wav"});
         EXPECT_EQ(chunks.status, 1);
         EXPECT_LE(std::count(chunks.out.begin(), chunks.out.end(), '\n'), 5);
         EXPECT_NE(chunks.out.find(c.reason), std::string::npos);

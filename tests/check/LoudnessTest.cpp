@@ -211,8 +211,10 @@ TEST(DeliveryTarget, VerdictOnTheFigureAsPrinted)
         SCOPED_TRACE(c.name);
         const LoudnessMeter::Figures figures{c.integrated, 0, c.integrated, c.integrated, c.truePeaks};
         const std::vector<TargetMiss> misses = FindTargetMisses(target, figures);
-        EXPECT_EQ(TargetMisses(target, figures), c.misses);
-        ASSERT_EQ(misses.size(), c.misses.size());
+        std::vector<std::string> texts;
+        for (const TargetMiss& miss : misses)
+            texts.push_back(miss.text);
+        EXPECT_EQ(texts, c.misses);
         for (const TargetMiss& miss : misses) {
             const bool integrated = miss.measure == TargetMiss::Measure::Integrated;
             EXPECT_EQ(miss.channel.has_value(), !integrated);

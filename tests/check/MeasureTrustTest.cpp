@@ -1,4 +1,5 @@
 #include "check/Levels.h"
+#include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
 
@@ -167,51 +168,6 @@ TEST(MeasureTrust, LoudnessRefusedBelowItsLowestRate)
 #ifdef SONDARA_CHECK_PROGRAM
 namespace {
 
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-std::string Contents(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-// Runs the checker with these arguments in dir, with these settings added
-// to its environment; the streams go to files beside the samples. A
-// checker that doesn't end normally gives -1.
-Outcome RunChecker(const TempDir& dir, std::vector<std::string> arguments, std::vector<std::string> settings = {})
-{
-    std::string program = SONDARA_CHECK_PROGRAM;
-    std::vector<char*> argv{program.data()};
-    for (std::string& argument : arguments)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    std::vector<char*> environment;
-    for (char** setting = environ; *setting; ++setting)
-        environment.push_back(*setting);
-    for (std::string& setting : settings)
-        environment.push_back(setting.data());
-    environment.push_back(nullptr);
-    const std::string out = dir.Native() + "/stdout.txt";
-    const std::string err = dir.Native() + "/stderr.txt";
-    const pid_t child = fork();
-    if (child == 0) {
-        if (chdir(dir.Native().c_str()) != 0)
-            _exit(126);
-        dup2(open("/dev/null", O_RDONLY), 0);
-        dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
-        dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
-        execve(argv[0], argv.data(), environment.data());
-        _exit(127);
-    }
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
-        return {-1, {}, {}};
-    return {WEXITSTATUS(status), Contents(out), Contents(err)};
-}
 
 // The fault library preloaded, watching files named like name; a checker
 // built with AddressSanitizer must be told that its runtime is not first.
@@ -251,24 +207,24 @@ TEST(MeasureTrustProgram, ReadFailuresRefuseAndShortReadsMeasureTheSame)
         std::vector<std::string> arguments{"--levels", "--loudness", "long.wav"};
         if (json)
             arguments.insert(arguments.begin(), "--json");
-        const Outcome whole = RunChecker(dir, arguments);
+        const CheckerOutcome whole = RunChecker(dir, arguments);
         ASSERT_EQ(whole.status, 0) << whole.out << whole.err;
         ASSERT_NE(whole.out.find(json ? "\"frames\": 5760000," : "duration 2:00.000 (5,760,000 frames"),
                   std::string::npos)
             << whole.out;
-        const Outcome failed = RunChecker(dir, arguments, Faults("long.wav", {"SONDARA_FAULT_EIO_AFTER=8388608"}));
+        const CheckerOutcome failed = RunChecker(dir, arguments, "", Faults("long.wav", {"SONDARA_FAULT_EIO_AFTER=8388608"}));
         EXPECT_EQ(failed.status, 1);
         EXPECT_NE(failed.out.find("the audio could not be read after frame 2,097,141 of 5,760,000"), std::string::npos)
             << failed.out;
         EXPECT_EQ(failed.out.find(json ? "\"frames\"" : "duration"), std::string::npos) << failed.out;
         // A fault before the audio (in the header) leaves nothing to measure.
-        const Outcome early = RunChecker(dir, arguments, Faults("long.wav", {"SONDARA_FAULT_EIO_AFTER=0"}));
+        const CheckerOutcome early = RunChecker(dir, arguments, "", Faults("long.wav", {"SONDARA_FAULT_EIO_AFTER=0"}));
         EXPECT_EQ(early.status, 1);
         EXPECT_EQ(early.out.find(json ? "\"frames\"" : "duration"), std::string::npos) << early.out;
         for (const char* size : {"65536", "4096"}) {
             SCOPED_TRACE(size);
-            const Outcome cut =
-                RunChecker(dir, arguments, Faults("long.wav", {std::string("SONDARA_FAULT_SHORT_READS=") + size}));
+            const CheckerOutcome cut =
+                RunChecker(dir, arguments, "", Faults("long.wav", {std::string("SONDARA_FAULT_SHORT_READS=") + size}));
             EXPECT_EQ(cut.status, 0);
             EXPECT_EQ(cut.out, whole.out);
         }
@@ -288,16 +244,28 @@ TEST(MeasureTrustProgram, NonFiniteSamplesAndRateZero)
     dir.Write("rate0.wav", FloatWave(TwoSines<float>(), 2, 0));
     for (const char* name : {"inf.wav", "nan.wav"}) {
         SCOPED_TRACE(name);
-        const Outcome text = RunChecker(dir, {"--levels", "--loudness", name});
+        const CheckerOutcome text = RunChecker(dir, {"--levels", "--loudness", name});
+        EXPECT_EQ(text.status, 1);
         EXPECT_NE(text.out.find("channel 1: peak -6.02 dBFS, RMS -9.03 dBFS, DC offset "), std::string::npos) << text.out;
         EXPECT_NE(text.out.find("1 not finite, left out"), std::string::npos) << text.out;
         EXPECT_NE(text.out.find("loudness: integrated -"), std::string::npos) << text.out;
         EXPECT_EQ(text.out.find("integrated -inf"), std::string::npos) << text.out;
-        const Outcome json = RunChecker(dir, {"--json", "--levels", "--loudness", name});
+        const CheckerOutcome json = RunChecker(dir, {"--json", "--levels", "--loudness", name});
+        EXPECT_EQ(json.status, 1);
         EXPECT_NE(json.out.find("\"nonFinite\": 1}"), std::string::npos) << json.out;
         EXPECT_EQ(json.out.find("\"integrated\": null"), std::string::npos) << json.out;
     }
-    const Outcome rate0 = RunChecker(dir, {"--levels", "--loudness", "rate0.wav"});
+    // A miss in JSON: the measure, its channel, the figure and the limit.
+    const CheckerOutcome missed = RunChecker(dir, {"--json", "--target-lufs", "-10", "--max-true-peak", "-12", "inf.wav"});
+    EXPECT_EQ(missed.status, 1);
+    EXPECT_NE(missed.out.find("\"misses\": [{\"measure\": \"integrated\", \"channel\": null, \"value\": -"),
+              std::string::npos)
+        << missed.out;
+    EXPECT_NE(missed.out.find("{\"measure\": \"truePeak\", \"channel\": 1, \"value\": -6.0, \"limit\": -12.00, "
+                              "\"message\": \"channel 1: true peak -6.0 dBTP, at most -12.0\"}"),
+              std::string::npos)
+        << missed.out;
+    const CheckerOutcome rate0 = RunChecker(dir, {"--levels", "--loudness", "rate0.wav"});
     EXPECT_EQ(rate0.status, 1);
     EXPECT_EQ(rate0.out, "(loudness is measured at 8,000 Hz and above, not at 0 Hz)\n");
 }

@@ -1,1 +1,334 @@
+// What a script may rely on in the checker's output: every failure to
+// write gives a non-zero status, every JSON object has the same members,
+// results reach a reader as each file is done, the progress line never
+// runs into a result, options mean the same in any order, a run over
+// nothing says so, and CSV cells are never formulas.
+#include "check/TextFormat.h"
+#include "support/CheckerProcess.h"
+#include "support/RiffBytes.h"
+#include "support/TempDir.h"
+
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <memory>
+
+
+#ifdef SONDARA_CHECK_PROGRAM
+#include <csignal>
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+#endif
+
+TEST(TextFormat, CsvFieldsAreQuotedAndNeverFormulas)
+{
+    const struct {
+        const char* text;
+        const char* field;
+    } cases[] = {
+        {"", "\"\""},
+        {"plain.wav", "\"plain.wav\""},
+        {"say \"hi\".wav", "\"say \"\"hi\"\".wav\""},
+        {"a,b\r\nc.wav", "\"a,b\r\nc.wav\""},
+        {"=HYPERLINK(\"http://x\",\"y\").wav", "\"'=HYPERLINK(\"\"http://x\"\",\"\"y\"\").wav\""},
+        {"+1.wav", "\"'+1.wav\""},
+        {"-2.wav", "\"'-2.wav\""},
+        {"@SUM(A1).wav", "\"'@SUM(A1).wav\""},
+        {"\tx.wav", "\"'\tx.wav\""},
+        {"\rx.wav", "\"'\rx.wav\""},
+        // Only the first character decides.
+        {"a=b.wav", "\"a=b.wav\""},
+        {"チェック=.wav", "\"チェック=.wav\""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(CsvField(c.text), c.field);
+    }
+}
+
+TEST(TextFormat, JsonStringsAreAsciiAndKeepEveryUnit)
+{
+    const struct {
+        std::u16string text;
+        const char* json;
+    } cases[] = {
+        {u"", "\"\""},
+        {u"a\"b\\c", "\"a\\\"b\\\\c\""},
+        {u"\r\n\t", "\"\\r\\n\\t\""},
+        {std::u16string(1, u'\0') + u"\x01\x1f\x7f", "\"\\u0000\\u0001\\u001f\\u007f\""},
+        {u"チェック", "\"\\u30c1\\u30a7\\u30c3\\u30af\""},
+        {u"\U0001F3B5", "\"\\ud83c\\udfb5\""},
+        // A lone surrogate, as a name's byte that is not UTF-8 is carried.
+        {u"caf\xDCE9.wav", "\"caf\\udce9.wav\""},
+    };
+    for (const auto& c : cases) {
+        std::string out;
+        AppendJsonString(out, c.text);
+        EXPECT_EQ(out, c.json);
+    }
+}
+
+TEST(TextFormat, FixedDecimalsOfEveryMagnitude)
+{
+    const struct {
+        double value;
+        int decimals;
+        const char* text;
+    } cases[] = {
+        {0, 2, "0.00"},
+        {-0.004, 2, "0.00"},
+        {-0.005, 2, "-0.01"},
+        {0.5, 0, "1"},
+        {-23.456, 1, "-23.5"},
+        {1e20, 1, "100000000000000000000.0"},
+        {-1e20, 0, "-100000000000000000000"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(FormatFixed(c.value, c.decimals), c.text);
+    }
+}
+
+#ifdef SONDARA_CHECK_PROGRAM
+namespace {
+
+// Reads from fd until text has come or the time is up.
+std::string ReadUntil(int fd, const std::string& text, int milliseconds)
+{
+    std::string got;
+    char buffer[4096];
+    while (got.find(text) == std::string::npos) {
+        pollfd waiting{fd, POLLIN, 0};
+        if (poll(&waiting, 1, milliseconds) <= 0)
+            break;
+        const ssize_t count = read(fd, buffer, sizeof buffer);
+        if (count <= 0)
+            break;
+        got.append(buffer, static_cast<std::size_t>(count));
+    }
+    return got;
+}
+
+} // namespace
+
+TEST(CheckerOutput, FailedWritesAreNeverSuccess)
+{
+    TempDir dir;
+    dir.MakeDir("folder");
+    for (int i = 0; i < 50; ++i)
+        dir.Write("folder/" + std::to_string(i) + ".wav", SoundWave());
+    // A full device: the status is 1 and standard error says why, in every
+    // mode, whatever the amount of output.
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"--json", "folder"}, {"folder"}, {"--jsonl", "folder"},
+                                               {"--csv", "folder"}, {"--json", "--chunks", "folder"},
+                                               {"--levels", "folder"}, {"--version"}, {"--help"}}) {
+        SCOPED_TRACE(arguments[0]);
+        const CheckerOutcome full = RunChecker(dir, arguments, "", {}, "/dev/full");
+        EXPECT_EQ(full.status, 1);
+        EXPECT_EQ(full.err, "sondara-check: standard output can't be written: No space left on device\n");
+    }
+
+    // A reader that has gone: the signal ends the checker as it ends every
+    // tool of a pipeline, or, where the signal is ignored, status 1 and no
+    // word.
+    for (const bool ignorePipe : {false, true}) {
+        SCOPED_TRACE(ignorePipe ? "SIGPIPE ignored" : "SIGPIPE as it comes");
+        int pipeFds[2];
+        ASSERT_EQ(pipe(pipeFds), 0);
+        close(pipeFds[0]);
+        const int errFd = open((dir.Native() + "/stderr.txt").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        const int inFd = open("/dev/null", O_RDONLY);
+        const int status = WaitForChecker(StartChecker(dir, {"--jsonl", "folder"}, inFd, pipeFds[1], errFd, {}, ignorePipe));
+        close(pipeFds[1]);
+        close(errFd);
+        close(inFd);
+        EXPECT_EQ(status, ignorePipe ? 1 : 128 + SIGPIPE);
+        EXPECT_EQ(FileContents(dir.Native() + "/stderr.txt"), "");
+    }
+}
+
+TEST(CheckerOutput, EveryJsonObjectHasItsMembersAndNothingToCheckSaysSo)
+{
+    TempDir dir;
+    dir.MakeDir("links");
+    dir.Write("links/sound.wav", SoundWave());
+    ASSERT_EQ(symlink("gone.wav", (dir.Native() + "/links/broken.wav").c_str()), 0);
+    ASSERT_EQ(symlink("..", (dir.Native() + "/links/up").c_str()), 0);
+    const CheckerOutcome links = RunChecker(dir, {"--json", "links"});
+    EXPECT_EQ(links.status, 1);
+    std::size_t objects = 0;
+    for (std::size_t at = links.out.find("{\"path\": "); at != std::string::npos;
+         at = links.out.find("{\"path\": ", at + 1), ++objects) {
+        const std::string object = links.out.substr(at, links.out.find('\n', at) - at);
+        SCOPED_TRACE(object);
+        for (const char* member : {"\"report\": ", "\"hasError\": ", "\"findings\": ["})
+            EXPECT_NE(object.find(member), std::string::npos);
+    }
+    EXPECT_EQ(objects, 3u);
+    EXPECT_NE(links.out.find("{\"path\": \"links/broken.wav\", \"report\": null, \"hasError\": true, \"findings\": "
+                             "[{\"code\": \"file.broken-link\""),
+              std::string::npos);
+
+    // A run over nothing is not a run over sound files.
+    dir.MakeDir("empty");
+    dir.MakeDir("other");
+    dir.Write("other/take.bwf", SoundWave());
+    const struct {
+        std::vector<std::string> arguments;
+        std::string input;
+        std::string out;
+        std::string err;
+    } cases[] = {
+        {{"empty"}, "", "", "sondara-check: no .wav file in empty\n"},
+        {{"--json", "other"}, "", "[]\n", "sondara-check: no .wav file in other\n"},
+        {{"-"}, "", "", "sondara-check: no path on standard input\n"},
+        {{"-"}, "\n\r\n", "", "sondara-check: no path on standard input\n"},
+        {{"--levels", "empty"}, "", "", "sondara-check: no .wav file in empty\n"},
+        {{"links/sound.wav", "empty"}, "", "チェック完了しました。\n", "sondara-check: no .wav file in empty\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.arguments[0] + " " + c.input);
+        const CheckerOutcome outcome = RunChecker(dir, c.arguments, c.input);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.out, c.out);
+        EXPECT_EQ(outcome.err, c.err);
+    }
+}
+
+TEST(CheckerOutput, ListsAndOptionsInAnyForm)
+{
+    TempDir dir;
+    dir.Write("a.wav", SoundWave(4410));
+    dir.Write("b.wav", SoundWave());
+    const std::string two = "== a.wav\nチェック完了しました。\n== b.wav\nチェック完了しました。\n"
+                            "2 files: 2 sound, 0 with findings, 0 with warnings, 0 unreadable\n";
+    // A byte order mark before the first path, CR LF, and paths ended by a
+    // zero byte with -0 (where a line end may be part of a name).
+    for (const auto& [arguments, input] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"-"}, "a.wav\nb.wav\n"},
+             {{"-"}, "\xEF\xBB\xBF" "a.wav\r\nb.wav"},
+             {{"-0", "-"}, std::string("a.wav\0b.wav\0", 12)},
+             {{"-", "-0"}, std::string("\xEF\xBB\xBF" "a.wav\0b.wav", 14)},
+         }) {
+        SCOPED_TRACE(input);
+        const CheckerOutcome outcome = RunChecker(dir, arguments, input);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.out, two);
+    }
+
+    // The options say the same in any order.
+    const std::vector<std::vector<std::string>> orders[] = {
+        {{"--levels", "--loudness", "a.wav"}, {"--loudness", "--levels", "a.wav"}, {"a.wav", "--loudness", "--levels"}},
+        {{"--json", "--levels", "--target", "ebu-r128", "a.wav"}, {"--target", "ebu-r128", "--levels", "--json", "a.wav"},
+         {"--target", "ebu-r128", "a.wav", "--json"}},
+        {{"--target-lufs", "-20", "--tolerance", "2", "a.wav"}, {"--tolerance", "2", "--target-lufs", "-20", "a.wav"},
+         {"--tolerance", "2", "--levels", "--target-lufs", "-20", "a.wav"}},
+        {{"--strict", "--csv", "-j", "2", "a.wav"}, {"-j2", "a.wav", "--csv", "--strict"}},
+    };
+    for (const auto& same : orders) {
+        const CheckerOutcome first = RunChecker(dir, same[0]);
+        EXPECT_NE(first.out, "");
+        for (const std::vector<std::string>& arguments : same) {
+            SCOPED_TRACE(arguments[0] + " " + arguments[1]);
+            const CheckerOutcome outcome = RunChecker(dir, arguments);
+            EXPECT_EQ(outcome.status, first.status);
+            EXPECT_EQ(outcome.out, first.out);
+            EXPECT_EQ(outcome.err, "");
+        }
+    }
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"--loudness", "--chunks", "a.wav"}, {"--tidy", "c.wav", "--target", "streaming", "a.wav"}}) {
+        const CheckerOutcome outcome = RunChecker(dir, arguments);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_TRUE(outcome.err.starts_with("sondara-check: --chunks, --levels and --tidy go one at a time\n"));
+    }
+}
+
+namespace {
+
+} // namespace
+
+// The first open of held.wav takes 3 seconds: the results before it
+// must have reached the reader by then, and on a terminal the progress line
+// that shows once a second has gone must stand alone.
+TEST(CheckerOutput, ResultsReachTheReaderAsEachFileIsDone)
+{
+    TempDir dir;
+    dir.Write("first.wav", SoundWave());
+    dir.Write("held.wav", SoundWave());
+    dir.Write("last.wav", SoundWave());
+    // A checker built with AddressSanitizer must be told that its runtime
+    // is not the first library.
+    CheckerSettings slowOpen = {"LD_PRELOAD=" SONDARA_FAULT_SHIM, "SONDARA_FAULT_PATH=held.wav",
+                                "SONDARA_FAULT_OPEN_DELAY_MS=3000", "ASAN_OPTIONS=verify_asan_link_order=0"};
+
+    // JSON Lines into a pipe.
+    int pipeFds[2];
+    ASSERT_EQ(pipe(pipeFds), 0);
+    const int inFd = open("/dev/null", O_RDONLY);
+    const pid_t child = StartChecker(dir, {"--jsonl", "-j", "1", "first.wav", "held.wav", "last.wav"}, inFd,
+                                     pipeFds[1], 2, slowOpen);
+    close(pipeFds[1]);
+    close(inFd);
+    const std::string early = ReadUntil(pipeFds[0], "\n", 2500);
+    EXPECT_TRUE(early.starts_with("{\"type\": \"file\", \"path\": \"first.wav\"")) << early;
+    EXPECT_EQ(early.find("held.wav"), std::string::npos);
+    ReadUntil(pipeFds[0], "\"summary\"", 10000);
+    close(pipeFds[0]);
+    EXPECT_EQ(WaitForChecker(child), 0);
+
+    // Text on a terminal: a thousand files, then the one that waits.
+    std::vector<std::string> arguments{"-j", "1"};
+    dir.MakeDir("many");
+    for (int i = 0; i < 1000; ++i) {
+        const std::string name = "many/" + std::to_string(i) + ".wav";
+        dir.Write(name, SoundWave());
+        arguments.push_back(name);
+    }
+    arguments.push_back("held.wav");
+    arguments.push_back("last.wav");
+    int terminal = -1;
+    termios raw{};
+    cfmakeraw(&raw);
+    const pid_t onTerminal = forkpty(&terminal, nullptr, &raw, nullptr);
+    if (onTerminal == 0) {
+        const int none = open("/dev/null", O_RDONLY);
+        dup2(none, 0);
+        if (chdir(dir.Native().c_str()) != 0)
+            _exit(126);
+        for (std::string& setting : slowOpen)
+            putenv(setting.data());
+        std::vector<char*> argv{const_cast<char*>(SONDARA_CHECK_PROGRAM)};
+        for (std::string& argument : arguments)
+            argv.push_back(argument.data());
+        argv.push_back(nullptr);
+        execv(argv[0], argv.data());
+        _exit(127);
+    }
+    ASSERT_GT(onTerminal, 0);
+    // Before the held file's check ends, the thousand are on the screen.
+    std::string screen = ReadUntil(terminal, "== many/999.wav\nチェック完了しました。\n", 2500);
+    EXPECT_NE(screen.find("== many/999.wav\n"), std::string::npos);
+    screen += ReadUntil(terminal, " unreadable\n", 20000);
+    close(terminal);
+    EXPECT_EQ(WaitForChecker(onTerminal), 0);
+    const std::string clear = "\r\x1b[K";
+    const std::string tail = screen.substr(screen.size() > 400 ? screen.size() - 400 : 0);
+    EXPECT_NE(screen.find("== held.wav\nチェック完了しました。\n\rchecked 1,001 of 1,002 files" + clear + "== last.wav\n"),
+              std::string::npos)
+        << tail;
+    EXPECT_NE(screen.find("== last.wav\nチェック完了しました。\n\rchecked 1,002 of 1,002 files" + clear +
+                          "1,002 files: 1,002 sound"),
+              std::string::npos)
+        << tail;
+}
+#endif

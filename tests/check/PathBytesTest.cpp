@@ -1,3 +1,4 @@
+#include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
 
@@ -17,48 +18,6 @@
 // for its bytes.
 namespace {
 
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-std::string Contents(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-// Runs the checker with these arguments in dir; the streams go to files
-// beside the samples. A checker that doesn't end normally gives -1.
-Outcome RunChecker(const TempDir& dir, std::vector<std::string> arguments, const std::string& input = "")
-{
-    std::string program = SONDARA_CHECK_PROGRAM;
-    std::vector<char*> argv{program.data()};
-    for (std::string& argument : arguments)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    const std::string out = dir.Native() + "/stdout.txt";
-    const std::string err = dir.Native() + "/stderr.txt";
-    const std::string in = dir.Native() + "/stdin.txt";
-    {
-        std::ofstream(in, std::ios::binary) << input;
-    }
-    const pid_t child = fork();
-    if (child == 0) {
-        if (chdir(dir.Native().c_str()) != 0)
-            _exit(126);
-        dup2(open(in.c_str(), O_RDONLY), 0);
-        dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
-        dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
-        execv(argv[0], argv.data());
-        _exit(127);
-    }
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
-        return {-1, {}, {}};
-    return {WEXITSTATUS(status), Contents(out), Contents(err)};
-}
 
 // TempDir names files through UTF-16, which a name of other bytes can't
 // pass: this writes under the name's own bytes.
@@ -109,7 +68,7 @@ TEST(PathBytesProgram, NameOfOtherBytesIsFoundAndOpened)
         for (const std::string& argument : c.arguments)
             line += " " + argument;
         SCOPED_TRACE("sondara-check" + line + " < " + c.input);
-        const Outcome outcome = RunChecker(dir, c.arguments, c.input);
+        const CheckerOutcome outcome = RunChecker(dir, c.arguments, c.input);
         EXPECT_EQ(outcome.status, 0);
         EXPECT_EQ(outcome.out, c.out);
         EXPECT_EQ(outcome.err, "");
@@ -121,26 +80,25 @@ TEST(PathBytesProgram, NameOfOtherBytesIsFoundAndOpened)
     EXPECT_FALSE(Exists(dir, "copy\xEF\xBF\xBD.wav"));
 }
 
-// FIXME: enabled once the text and CSV printers write a path's own bytes
-// (WideToPathUtf8); until then they print U+FFFD for each byte that isn't
-// UTF-8.
-TEST(PathBytesProgram, DISABLED_TextAndCsvPrintTheNamesOwnBytes)
+// Text and CSV print a path's own bytes, so that a script can open what
+// they name.
+TEST(PathBytesProgram, TextAndCsvPrintTheNamesOwnBytes)
 {
     TempDir dir;
     dir.MakeDir("archive");
     WriteRaw(dir, kLatin1Name, SoundWave());
     WriteRaw(dir, "archive/z.wav", SoundWave());
 
-    const Outcome text = RunChecker(dir, {"archive"});
+    const CheckerOutcome text = RunChecker(dir, {"archive"});
     EXPECT_EQ(text.status, 0);
     EXPECT_EQ(text.out, "== " + kLatin1Name + "\n" + kClear + "== archive/z.wav\n" + kClear +
                             "2 files: 2 sound, 0 with findings, 0 with warnings, 0 unreadable\n");
 
-    const Outcome csv = RunChecker(dir, {"--csv", kLatin1Name});
+    const CheckerOutcome csv = RunChecker(dir, {"--csv", kLatin1Name});
     EXPECT_EQ(csv.status, 0);
     EXPECT_NE(csv.out.find("\r\n\"" + kLatin1Name + "\",\"ok\",\"file.sound\","), std::string::npos) << csv.out;
 
-    const Outcome copy = RunChecker(dir, {"--tidy", "copy\xE9.wav", kLatin1Name});
+    const CheckerOutcome copy = RunChecker(dir, {"--tidy", "copy\xE9.wav", kLatin1Name});
     EXPECT_EQ(copy.status, 0);
     EXPECT_EQ(copy.out, "nothing to mend; written to copy\xE9.wav\n");
 }

@@ -1,1 +1,64 @@
+// The checker's threads, run where ThreadSanitizer watches them: the checks
+// of a folder several at a time, and the levels' read, sum and loudness
+// threads over a file longer than three of their reads.
+#include "check/CheckRun.h"
+#include "check/ConsoleSink.h"
+#include "check/Levels.h"
+#include "support/RiffBytes.h"
+#include "support/TempDir.h"
+
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+
+TEST(CheckerThreads, ManyChecksAtOncePrintWhatOneAtATimePrints)
+{
+    TempDir dir;
+    std::vector<SourcePath> sources;
+    for (int i = 0; i < 60; ++i) {
+        const std::string bytes = i % 5 == 1 ? "not riff" : i % 5 == 2 ? SoundWave() + "ab" : SoundWave(64 + i);
+        sources.push_back({dir.Write(std::to_string(100 + i) + ".wav", bytes), i % 17 == 4 ? "file.broken-link" : ""});
+    }
+    std::string outputs[2];
+    int statuses[2] = {};
+    const unsigned jobs[2] = {1, 7};
+    for (int run = 0; run < 2; ++run) {
+        StringSink sink;
+        CheckRunOptions options;
+        options.format = OutputFormat::JsonLines;
+        options.jobs = jobs[run];
+        statuses[run] = RunChecks(sources, options, sink);
+        outputs[run] = sink.bytes;
+    }
+    EXPECT_EQ(statuses[0], 1);
+    EXPECT_EQ(statuses[1], statuses[0]);
+    EXPECT_EQ(outputs[1], outputs[0]);
+    EXPECT_NE(outputs[0].find("\"files\": 60"), std::string::npos);
+}
+
+TEST(CheckerThreads, LevelsOfAFileLongerThanThreeReads)
+{
+    // Stereo 64-bit floats: 16 bytes a frame, so 17 MiB is more than four
+    // reads of 4 MiB, with frames cut by the reads' ends.
+    constexpr std::uint32_t kFrames = 17 * 1024 * 1024 / 16 + 3;
+    std::string audio(std::size_t{kFrames} * 16, '\0');
+    for (std::uint32_t i = 0; i < kFrames; ++i) {
+        const double samples[2] = {0.5 * std::sin(i * 0.01), -0.25 * std::sin(i * 0.003)};
+        std::memcpy(audio.data() + std::size_t{i} * 16, samples, 16);
+    }
+    TempDir dir;
+    const WideString path =
+        dir.Write("long.wav", Riff(RiffBytes().Chunk("fmt ", FormatBody(3, 2, 48000, 64)).Chunk("data", audio).Bytes()));
+    for (const bool loudness : {false, true}) {
+        SCOPED_TRACE(loudness ? "with loudness" : "levels alone");
+        LevelReport report;
+        std::string problem;
+        ASSERT_TRUE(MeasureLevels(path, report, problem, loudness)) << problem;
+        EXPECT_EQ(report.frames, kFrames);
+        ASSERT_EQ(report.channels.size(), 2u);
+        EXPECT_NEAR(report.channels[0].peak, 0.5, 1e-6);
+        EXPECT_NEAR(report.channels[1].peak, 0.25, 1e-6);
+        EXPECT_EQ(report.hasLoudness, loudness);
+    }
+}

@@ -3,7 +3,9 @@
  * the files whose path contains SONDARA_FAULT_PATH and makes their reads
  *   - fail with EIO once they reach the byte SONDARA_FAULT_EIO_AFTER of the
  *     file (a read across it brings the bytes before it first), and/or
- *   - come short: at most SONDARA_FAULT_SHORT_READS bytes a call.
+ *   - come short: at most SONDARA_FAULT_SHORT_READS bytes a call;
+ * and makes the first open of such a file take SONDARA_FAULT_OPEN_DELAY_MS
+ * milliseconds, as a file on a slow or sleeping disk does.
  * For a file opened for direct transfers both numbers must be whole sectors,
  * as the system's own short reads are. Every other file reads as usual. */
 #define _GNU_SOURCE
@@ -23,6 +25,8 @@ static unsigned char watched[kDescriptors];
 static const char* faultPath;
 static long long eioAfter = -1;
 static long long shortReads = 0;
+static long long openDelay = 0;
+static int delayed;
 
 static long long NumberFrom(const char* name, long long otherwise)
 {
@@ -37,6 +41,7 @@ __attribute__((constructor)) static void ReadSettings(void)
         faultPath = NULL;
     eioAfter = NumberFrom("SONDARA_FAULT_EIO_AFTER", -1);
     shortReads = NumberFrom("SONDARA_FAULT_SHORT_READS", 0);
+    openDelay = NumberFrom("SONDARA_FAULT_OPEN_DELAY_MS", 0);
 }
 
 static void* Real(const char* name)
@@ -48,6 +53,9 @@ static void* Real(const char* name)
  * forgotten otherwise, since a number is used again once it is closed. */
 static int Opened(int descriptor, const char* path)
 {
+    if (openDelay > 0 && faultPath && path && strstr(path, faultPath) != NULL &&
+        !__atomic_exchange_n(&delayed, 1, __ATOMIC_SEQ_CST))
+        usleep((useconds_t)(openDelay * 1000));
     if (descriptor >= 0 && descriptor < kDescriptors)
         __atomic_store_n(&watched[descriptor], faultPath && path && strstr(path, faultPath) != NULL, __ATOMIC_SEQ_CST);
     return descriptor;

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "support/TempDir.h"
+
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+// sondara-check as built, started as its own process in a test's folder,
+// for what only the whole program shows: its streams and exit status.
+// POSIX only; the path of the program comes from the test's build.
+
+struct CheckerOutcome {
+    // The exit status; 128 and the signal for a checker a signal ended
+    // (one still running after a minute is ended by SIGALRM); -1 when it
+    // could not be waited for.
+    int status;
+    std::string out;
+    std::string err;
+};
+
+// Settings such as "NAME=value", added to the checker's environment.
+using CheckerSettings = std::vector<std::string>;
+
+// Runs the checker with these arguments in dir, standard input from input
+// and its other streams into files there (standard output into outputPath
+// instead when one is given, and then out stays empty).
+CheckerOutcome RunChecker(const TempDir& dir, const std::vector<std::string>& arguments, const std::string& input = "",
+                          const CheckerSettings& settings = {}, const std::string& outputPath = "");
+
+// Starts the checker in dir with its streams on the descriptors given; with
+// ignorePipeSignal it starts with SIGPIPE ignored, as some shells and
+// language runtimes start their children.
+pid_t StartChecker(const TempDir& dir, const std::vector<std::string>& arguments, int in, int out, int err,
+                   const CheckerSettings& settings = {}, bool ignorePipeSignal = false);
+// Waits for a checker: its status as CheckerOutcome has it.
+int WaitForChecker(pid_t child);
+
+std::string FileContents(const std::string& path);
