@@ -66,8 +66,6 @@ int UsageError(const std::string& message)
     return 2;
 }
 
-// Each file's listing or levels as it is made: in JSON one element of the
-// array for each file.
 // What --levels measures beyond the levels: loudness, and a target.
 struct LevelOptions {
     bool loudness = false;
@@ -87,6 +85,56 @@ std::string TargetMissJson(const TargetMiss& miss)
     return json + "}";
 }
 
+// One file's levels, and its target's verdict, to the sink; false when it
+// can't be measured, holds samples that are no number or misses the target.
+bool MeasureFile(const WideString& path, bool json, const LevelOptions& levelOptions, TextSink& sink)
+{
+    LevelReport report;
+    std::string problem;
+    const bool measured = MeasureLevels(path, report, problem, levelOptions.loudness);
+    // Samples that are no number are left out of every figure, and the
+    // file is not sound for having them.
+    bool sound = measured && CountNonFinite(report) == 0;
+    std::vector<TargetMiss> misses;
+    if (measured && levelOptions.hasTarget) {
+        misses = FindTargetMisses(levelOptions.target, report.loudness);
+        sound = sound && misses.empty();
+    }
+    if (json) {
+        std::string object = "{\"path\": ";
+        AppendJsonString(object, path.View());
+        if (measured) {
+            object += ", " + FormatLevelsJson(report);
+            if (levelOptions.hasTarget) {
+                object += ", \"target\": {\"name\": ";
+                AppendJsonString(object, Utf8ToWide(levelOptions.target.name));
+                object += std::string(", \"pass\": ") + (misses.empty() ? "true" : "false") + ", \"misses\": [";
+                for (std::size_t m = 0; m < misses.size(); ++m)
+                    object += (m ? ", " : "") + TargetMissJson(misses[m]);
+                object += "]}";
+            }
+            object += "}";
+        } else {
+            object += ", \"error\": ";
+            AppendJsonString(object, Utf8ToWide(problem));
+            object += "}";
+        }
+        sink.Put(object);
+    } else {
+        std::string text = measured ? FormatLevelsText(report) : "(" + problem + ")\n";
+        if (measured && levelOptions.hasTarget) {
+            if (misses.empty())
+                text += "target " + levelOptions.target.name + ": pass\n";
+            for (const TargetMiss& miss : misses)
+                text += "target " + levelOptions.target.name + ": " + miss.text + "\n";
+        }
+        sink.Put(text);
+    }
+    return sound;
+}
+
+// Each file's listing or levels as it is made: in JSON one element of the
+// array for each file. On a terminal each goes out once it is whole.
 int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths, const LevelOptions& levelOptions = {})
 {
     ConsoleSink sink(json ? ConsoleSink::Bytes::Exact : ConsoleSink::Bytes::Text);
@@ -99,53 +147,12 @@ int RunEachFile(Mode mode, bool json, const std::vector<WideString>& paths, cons
             sink.Put(i == 0 ? "\n  " : ",\n  ");
         else if (paths.size() > 1)
             sink.Put("== " + WideToPathUtf8(paths[i].View()) + "\n");
+        if (mode == Mode::Chunks)
+            allWell = ListChunks(paths[i], json, sink) && allWell;
+        else
+            allWell = MeasureFile(paths[i], json, levelOptions, sink) && allWell;
         if (flushEachFile)
             sink.Flush();
-        if (mode == Mode::Chunks) {
-            allWell = ListChunks(paths[i], json, sink) && allWell;
-            continue;
-        }
-        LevelReport report;
-        std::string problem;
-        const bool measured = MeasureLevels(paths[i], report, problem, levelOptions.loudness);
-        // Samples that are no number are left out of every figure, and the
-        // file is not sound for having them.
-        allWell = measured && CountNonFinite(report) == 0 && allWell;
-        std::vector<TargetMiss> misses;
-        if (measured && levelOptions.hasTarget) {
-            misses = FindTargetMisses(levelOptions.target, report.loudness);
-            allWell = allWell && misses.empty();
-        }
-        if (json) {
-            std::string object = "{\"path\": ";
-            AppendJsonString(object, paths[i].View());
-            if (measured) {
-                object += ", " + FormatLevelsJson(report);
-                if (levelOptions.hasTarget) {
-                    object += ", \"target\": {\"name\": ";
-                    AppendJsonString(object, Utf8ToWide(levelOptions.target.name));
-                    object += std::string(", \"pass\": ") + (misses.empty() ? "true" : "false") + ", \"misses\": [";
-                    for (std::size_t m = 0; m < misses.size(); ++m)
-                        object += (m ? ", " : "") + TargetMissJson(misses[m]);
-                    object += "]}";
-                }
-                object += "}";
-            } else {
-                object += ", \"error\": ";
-                AppendJsonString(object, Utf8ToWide(problem));
-                object += "}";
-            }
-            sink.Put(object);
-        } else {
-            std::string text = measured ? FormatLevelsText(report) : "(" + problem + ")\n";
-            if (measured && levelOptions.hasTarget) {
-                if (misses.empty())
-                    text += "target " + levelOptions.target.name + ": pass\n";
-                for (const TargetMiss& miss : misses)
-                    text += "target " + levelOptions.target.name + ": " + miss.text + "\n";
-            }
-            sink.Put(text);
-        }
     }
     if (json)
         sink.Put(paths.empty() ? "]\n" : "\n]\n");
