@@ -23,8 +23,10 @@ void WriteToStandardError(std::string_view bytes);
 // One read of standard input: the bytes that came, 0 at its end, -1 on
 // failure.
 std::int64_t ReadFromStandardInput(void* destination, std::uint32_t count);
-// Bytes of standard input as text, in the character set that programs
-// which list paths write there.
+// A line of standard input as text, in the character set that programs
+// which list paths write there: a path's own bytes on POSIX (each byte
+// that isn't UTF-8 kept as a lone surrogate); UTF-8 on Windows, else the
+// console's code page, or the OEM one without a console.
 std::u16string StandardInputToWide(std::string_view bytes);
 // True when standard error (output) is a terminal that a person watches,
 // rather than a pipe or a file.
