@@ -142,7 +142,7 @@ for preset in native native-asan native-tsan windows windows32 fuzz; do
             step "$preset end to end (Wine)" e2e_tests || true
             ;;
         windows32) ;;
-        fuzz) step "fuzz smoke runs" scripts/fuzz-smoke.sh 30 || true ;;
+        fuzz) step "fuzz smoke runs" scripts/fuzz-smoke.sh 15 || true ;;
         *) step "$preset test" run_ctest "$preset" || true ;;
     esac
 done

@@ -2,6 +2,8 @@
 
 #include "check/TextFormat.h"
 #include "files/FileStream.h"
+#include "wave/FourCc.h"
+#include "wave/FormatChunk.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,25 +15,6 @@ namespace {
 // all ones, or the largest run of whole 4 KiB pages below 2 GiB.
 constexpr std::uint32_t kPlaceholderSize = 0xFFFFFFFF;
 constexpr std::uint32_t kPagedPlaceholderSize = 0x7FFFF000;
-constexpr std::uint16_t kTagPcm = 1;
-constexpr std::uint16_t kTagFloat = 3;
-constexpr std::uint16_t kTagAlaw = 6;
-constexpr std::uint16_t kTagMulaw = 7;
-constexpr std::uint16_t kTagExtensible = 0xFFFE;
-// The sub-format of an extensible format is a GUID whose first two bytes
-// hold a format tag and whose other fourteen are these.
-constexpr std::uint8_t kSubFormatTail[14] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
-                                             0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
-
-std::uint32_t U32(const std::uint8_t* bytes)
-{
-    return bytes[0] | (bytes[1] << 8) | (bytes[2] << 16) | (static_cast<std::uint32_t>(bytes[3]) << 24);
-}
-
-std::uint16_t U16(const std::uint8_t* bytes)
-{
-    return static_cast<std::uint16_t>(bytes[0] | (bytes[1] << 8));
-}
 
 // Four bytes that may begin a chunk: printable ASCII, as every chunk id
 // that writers use is.
@@ -67,27 +50,27 @@ public:
     {
         if (length < 16)
             return;
-        const std::uint16_t tag = U16(body);
-        const std::uint16_t channels = U16(body + 2);
-        const std::uint32_t rate = U32(body + 4);
-        const std::uint32_t byteRate = U32(body + 8);
-        const std::uint16_t blockAlign = U16(body + 12);
-        const std::uint16_t bits = U16(body + 14);
+        const std::uint16_t tag = ReadLittleEndian16(body);
+        const std::uint16_t channels = ReadLittleEndian16(body + 2);
+        const std::uint32_t rate = ReadLittleEndian32(body + 4);
+        const std::uint32_t byteRate = ReadLittleEndian32(body + 8);
+        const std::uint16_t blockAlign = ReadLittleEndian16(body + 12);
+        const std::uint16_t bits = ReadLittleEndian16(body + 14);
         std::uint16_t sampleTag = tag;
-        if (tag == kTagExtensible) {
+        if (tag == kFormatTagExtensible) {
             // An extensible format without its sub-format says nothing
             // more; the check takes any extensible format for PCM.
             if (length < 40)
                 return;
             const bool standard = std::memcmp(body + 26, kSubFormatTail, sizeof kSubFormatTail) == 0;
-            sampleTag = standard ? U16(body + 24) : 0;
-            if (sampleTag != kTagPcm)
+            sampleTag = standard ? ReadLittleEndian16(body + 24) : 0;
+            if (sampleTag != kFormatTagPcm)
                 Warn("format.extensible-not-pcm", offset, "fmt ", std::nullopt, std::nullopt);
         }
         // Only formats of whole samples have one right block align; a
         // compressed format sets its own.
         const bool wholeSamples =
-            sampleTag == kTagPcm || sampleTag == kTagFloat || sampleTag == kTagAlaw || sampleTag == kTagMulaw;
+            sampleTag == kFormatTagPcm || sampleTag == kFormatTagFloat || sampleTag == kFormatTagAlaw || sampleTag == kFormatTagMulaw;
         if (!wholeSamples || channels == 0 || bits == 0)
             return;
         const std::int64_t rightAlign = std::int64_t{channels} * ((bits + 7) / 8);
@@ -107,8 +90,8 @@ public:
         int formats = 0;
         std::uint8_t header[8];
         while (position + 8 <= end && ReadAt(position, header, 8)) {
-            const std::string id = ChunkIdText(U32(header));
-            const std::uint32_t size = U32(header + 4);
+            const std::string id = ChunkIdText(ReadLittleEndian32(header));
+            const std::uint32_t size = ReadLittleEndian32(header + 4);
             const std::int64_t bodyEnd = position + 8 + size;
             if (id == "fmt ") {
                 if (++formats == 1) {
@@ -167,7 +150,7 @@ public:
     {
         std::uint8_t next[8];
         return position + 8 <= end && ReadAt(position, next, 8) && LooksLikeId(next) &&
-               position + 8 + U32(next + 4) <= end;
+               position + 8 + ReadLittleEndian32(next + 4) <= end;
     }
 
     // Where the data chunk ends by its placeholder size, when it has one.
@@ -201,7 +184,7 @@ bool FindWarnings(const WideString& path, FileLayout& layout, std::vector<Findin
     if (std::memcmp(header, "RIFF", 4) != 0)
         return true;
 
-    const std::uint32_t riffSize = U32(header + 4);
+    const std::uint32_t riffSize = ReadLittleEndian32(header + 4);
     const std::int64_t declaredEnd = 8 + std::int64_t{riffSize};
     const bool allOnesOrZero = riffSize == 0 || riffSize == kPlaceholderSize;
     const std::int64_t riffEnd = allOnesOrZero ? fileSize : std::min(fileSize, declaredEnd);

@@ -26,12 +26,6 @@
 namespace {
 
 constexpr char kOnlyPcm[] = ": levels are measured for PCM (8, 16, 24 and 32-bit) and float (32 and 64-bit) only";
-constexpr std::uint16_t kTagPcm = 1;
-constexpr std::uint16_t kTagFloat = 3;
-constexpr std::uint16_t kTagExtensible = 0xFFFE;
-// An extensible format's sub-format GUID: a format tag, then these bytes.
-constexpr std::uint8_t kSubFormatTail[14] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
-                                             0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 // Audio is read in requests of this many bytes, behind room for the part
 // of a frame that the request before ended in (a frame is at most 65,535
 // bytes); both are whole sectors of any volume.
@@ -418,23 +412,23 @@ bool SampleKindOf(const std::uint8_t* body, std::uint32_t length, SampleKind& ki
         return Refuse(problem, "a format chunk of " + std::to_string(length) + " bytes");
     std::uint16_t tag = static_cast<std::uint16_t>(body[0] | body[1] << 8);
     const auto bits = static_cast<std::uint16_t>(body[14] | body[15] << 8);
-    if (tag == kTagExtensible) {
+    if (tag == kFormatTagExtensible) {
         if (length < 40 || std::memcmp(body + 26, kSubFormatTail, sizeof kSubFormatTail) != 0)
             return Refuse(problem, "an extensible format without a known sub-format" + std::string(kOnlyPcm));
         tag = static_cast<std::uint16_t>(body[24] | body[25] << 8);
     }
-    if (tag == kTagPcm && (bits == 8 || bits == 16 || bits == 24 || bits == 32)) {
+    if (tag == kFormatTagPcm && (bits == 8 || bits == 16 || bits == 24 || bits == 32)) {
         kind = bits == 8 ? SampleKind::Unsigned8 : bits == 16 ? SampleKind::Signed16
              : bits == 24 ? SampleKind::Signed24 : SampleKind::Signed32;
         return true;
     }
-    if (tag == kTagFloat && (bits == 32 || bits == 64)) {
+    if (tag == kFormatTagFloat && (bits == 32 || bits == 64)) {
         kind = bits == 32 ? SampleKind::Float32 : SampleKind::Float64;
         return true;
     }
     char detail[96];
-    if (tag == kTagPcm || tag == kTagFloat)
-        std::snprintf(detail, sizeof detail, "%u-bit %s samples", static_cast<unsigned>(bits), tag == kTagPcm ? "PCM" : "float");
+    if (tag == kFormatTagPcm || tag == kFormatTagFloat)
+        std::snprintf(detail, sizeof detail, "%u-bit %s samples", static_cast<unsigned>(bits), tag == kFormatTagPcm ? "PCM" : "float");
     else
         std::snprintf(detail, sizeof detail, "format tag 0x%04X is not PCM", static_cast<unsigned>(tag));
     return Refuse(problem, detail + std::string(kOnlyPcm));
@@ -483,7 +477,7 @@ bool FindAudio(const WideString& path, AudioPlace& place, std::string& problem)
     const std::uint16_t frame[] = {format.blockAlign, format.bitsPerSample};
     std::memcpy(place.format + 12, frame, 4);
     place.formatBytes = 16;
-    if (format.formatTag == kTagExtensible && formatChunk->GetSize() >= 40) {
+    if (format.formatTag == kFormatTagExtensible && formatChunk->GetSize() >= 40) {
         StreamGuard guard;
         FileStream& stream = document.AcquireStream(guard);
         if (stream.SeekTo(formatChunk->GetPosition() + 8 + 16) && stream.Read(place.format + 16, 24) == 24)
@@ -554,7 +548,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     // The loudness is measured on the same pieces.
     std::unique_ptr<LoudnessMeter> meter;
     if (loudness) {
-        const std::uint32_t mask = place.formatBytes >= 24 && (place.format[0] | place.format[1] << 8) == kTagExtensible
+        const std::uint32_t mask = place.formatBytes >= 24 && (place.format[0] | place.format[1] << 8) == kFormatTagExtensible
                                        ? static_cast<std::uint32_t>(place.format[20] | place.format[21] << 8 |
                                                                     place.format[22] << 16) |
                                              static_cast<std::uint32_t>(place.format[23]) << 24

@@ -2,22 +2,13 @@
 
 #include "check/TextFormat.h"
 #include "files/FileStream.h"
+#include "wave/FourCc.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
 
 namespace {
-
-std::uint32_t U32(const std::uint8_t* bytes)
-{
-    return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
-}
-
-std::uint64_t U64(const std::uint8_t* bytes)
-{
-    return U32(bytes) | static_cast<std::uint64_t>(U32(bytes + 4)) << 32;
-}
 
 // A count marked in thousands as FormatCount marks one, over the whole
 // range of a 64-bit size.
@@ -45,9 +36,7 @@ bool RefuseSize(const char* which, std::uint64_t size, std::string& problem)
     return false;
 }
 
-constexpr std::uint32_t kIdDs64 = 0x34367364; // "ds64"
-constexpr std::uint32_t kIdFmt = 0x20746D66;  // "fmt "
-constexpr std::uint32_t kIdData = 0x61746164; // "data"
+constexpr std::uint32_t kIdDs64 = MakeFourCc("ds64");
 
 } // namespace
 
@@ -78,23 +67,23 @@ bool ReadRf64Layout(const WideString& path, Rf64Layout& layout, std::string& pro
         problem = "not an RF64 file";
         return false;
     }
-    layout.riffSize32 = U32(header + 4);
+    layout.riffSize32 = ReadLittleEndian32(header + 4);
     layout.riffSize = layout.riffSize32;
-    layout.formType = U32(header + 8);
+    layout.formType = ReadLittleEndian32(header + 8);
     std::int64_t position = 12;
     while (position + 8 <= layout.fileSize && layout.chunks.size() < kMostRf64Chunks) {
         std::uint8_t chunkHeader[8];
         if (!stream.SeekTo(position) || stream.Read(chunkHeader, 8) != 8)
             break;
         Rf64Chunk chunk;
-        chunk.id = U32(chunkHeader);
+        chunk.id = ReadLittleEndian32(chunkHeader);
         chunk.position = position;
-        chunk.size32 = U32(chunkHeader + 4);
+        chunk.size32 = ReadLittleEndian32(chunkHeader + 4);
         chunk.size = chunk.size32;
         if (chunk.id == kIdDs64 && position == 12 && chunk.size32 >= 24) {
             std::uint8_t sizes[24];
             if (stream.Read(sizes, 24) == 24) {
-                const std::uint64_t riffSize = U64(sizes);
+                const std::uint64_t riffSize = ReadLittleEndian64(sizes);
                 if (layout.riffSize32 == kRf64DefersSize) {
                     if (!CanBeMeant(riffSize, layout.fileSize))
                         return RefuseSize("RIFF", riffSize, problem);
@@ -102,14 +91,14 @@ bool ReadRf64Layout(const WideString& path, Rf64Layout& layout, std::string& pro
                 }
                 layout.hasDs64 = true;
                 layout.ds64Size = chunk.size32;
-                layout.ds64DataSize = U64(sizes + 8);
-                layout.ds64SampleCount = U64(sizes + 16);
+                layout.ds64DataSize = ReadLittleEndian64(sizes + 8);
+                layout.ds64SampleCount = ReadLittleEndian64(sizes + 16);
             }
         }
         if (chunk.id == kIdData && chunk.size32 == kRf64DefersSize && layout.hasDs64 &&
             !Rf64DeferredDataSize(layout, chunk.size, problem))
             return false;
-        if (chunk.id == kIdFmt && layout.formatBytes == 0) {
+        if (chunk.id == kIdFormat && layout.formatBytes == 0) {
             layout.formatBytes = chunk.size32 < 40 ? chunk.size32 : 40;
             if (stream.Read(layout.format, layout.formatBytes) != layout.formatBytes)
                 layout.formatBytes = 0;

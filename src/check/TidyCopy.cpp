@@ -157,7 +157,7 @@ public:
             (std::memcmp(riff, "RIFF", 4) != 0 && std::memcmp(riff, "RF64", 4) != 0))
             return Refuse("the file does not begin with its RIFF chunk");
         const bool fromRf64 = std::memcmp(riff, "RF64", 4) == 0;
-        const std::uint32_t riffSize = U32(riff + 4);
+        const std::uint32_t riffSize = ReadLittleEndian32(riff + 4);
         std::int64_t declaredRiff = riffSize;
         std::int64_t position = kRootHeaderBytes;
         std::uint32_t ds64Size = 0;
@@ -193,7 +193,7 @@ public:
             const auto headerBytes = static_cast<std::uint32_t>(std::min<std::int64_t>(8, fileSize - position));
             if (!input.SeekTo(position) || input.Read(header, headerBytes) != headerBytes)
                 return Failed();
-            const std::uint32_t id = U32(header);
+            const std::uint32_t id = ReadLittleEndian32(header);
             const bool inside = placeholder || position < declaredEnd;
             if (headerBytes < 8) {
                 // A missing pad byte at the end of the file loses nothing.
@@ -209,7 +209,7 @@ public:
                               FormatCount(position));
             if (!inside)
                 ++outside;
-            const std::uint32_t size32 = U32(header + 4);
+            const std::uint32_t size32 = ReadLittleEndian32(header + 4);
             std::int64_t size = size32;
             if (fromRf64 && id == kIdData && size32 == kDefers && !Rf64DeferredDataSize(*rf64, size, problem))
                 return false;
@@ -369,7 +369,7 @@ private:
         return target.SeekTo(position) && target.Write(bytes, count) == count && target.SeekTo(written);
     }
 
-    static std::uint32_t U32(const std::uint8_t* bytes)
+    static std::uint32_t ReadLittleEndian32(const std::uint8_t* bytes)
     {
         return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
     }

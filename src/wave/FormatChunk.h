@@ -21,7 +21,14 @@ struct WaveFormat {
 };
 
 constexpr std::uint16_t kFormatTagPcm = 1;
+constexpr std::uint16_t kFormatTagFloat = 3;
+constexpr std::uint16_t kFormatTagAlaw = 6;
+constexpr std::uint16_t kFormatTagMulaw = 7;
 constexpr std::uint16_t kFormatTagExtensible = 0xFFFE;
+// The sub-format of an extensible format is a GUID whose first two bytes
+// hold a format tag and whose other fourteen are these.
+inline constexpr std::uint8_t kSubFormatTail[14] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
+                                                    0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
 // The "fmt " chunk.
 class FormatChunk : public Chunk {

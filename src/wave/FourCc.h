@@ -43,3 +43,8 @@ inline std::uint16_t ReadLittleEndian16(const std::uint8_t* bytes)
 {
     return static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
 }
+
+inline std::uint64_t ReadLittleEndian64(const std::uint8_t* bytes)
+{
+    return ReadLittleEndian32(bytes) | static_cast<std::uint64_t>(ReadLittleEndian32(bytes + 4)) << 32;
+}

@@ -1,6 +1,7 @@
 // The chunk list, the levels and the tidy copy of sondara-check, on files
 // made here and on the samples of the repository.
 #include "check/ChunkList.h"
+#include "check/ConsoleSink.h"
 #include "check/Levels.h"
 #include "check/TextFormat.h"
 #include "check/TidyCopy.h"
@@ -19,12 +20,6 @@
 #include <iterator>
 
 namespace {
-
-class StringSink : public TextSink {
-public:
-    void Put(std::string_view piece) override { text += piece; }
-    std::string text;
-};
 
 std::string Contents(const TempDir& dir, const std::string& name)
 {
@@ -71,20 +66,20 @@ TEST(ChunkList, MarksSizesPastAnEnd)
                                   .Id("data").U32(100).Raw(std::string(60, 'd')).Bytes();
     StringSink sink;
     EXPECT_FALSE(ListChunks(dir.Write("a.wav", bytes), false, sink));
-    EXPECT_EQ(sink.text, "RIFF at 0, 70 bytes, form WAVE\n"
+    EXPECT_EQ(sink.bytes, "RIFF at 0, 70 bytes, form WAVE\n"
                          "  fmt  at 12, 16 bytes\n"
                          "  LIST at 36, 26 bytes, list INFO: INAM \"take\", IART \"me\"\n"
                          "  data at 70, 100 bytes; runs past the end of the file by 40 bytes; runs past the end of "
                          "its parent by 100 bytes\n");
     StringSink json;
     ListChunks(dir.Write("b.wav", SoundWave()), true, json);
-    EXPECT_NE(json.text.find(", \"chunks\": [\n    {\"depth\": 0, \"offset\": 0, \"id\": \"RIFF\", \"size\": 52, \"form\": "
+    EXPECT_NE(json.bytes.find(", \"chunks\": [\n    {\"depth\": 0, \"offset\": 0, \"id\": \"RIFF\", \"size\": 52, \"form\": "
                              "\"WAVE\", \"pastFileEnd\": false, \"pastParentEnd\": false},\n    {\"depth\": 1, \"offset\": 12, "
                              "\"id\": \"fmt \", \"size\": 16, \"pastFileEnd\": false, \"pastParentEnd\": false},\n    "
                              "{\"depth\": 1, \"offset\": 36, \"id\": \"data\", \"size\": 16, \"pastFileEnd\": false, "
                              "\"pastParentEnd\": false}\n  ]}"),
               std::string::npos)
-        << json.text;
+        << json.bytes;
 }
 
 // The list is the tree the document keeps, though it is written as the walk
@@ -105,7 +100,7 @@ TEST(ChunkList, ShowsOnlyWhatTheWalkKeeps)
                               RiffBytes().Chunk("tail", "").Bytes();
     StringSink sink;
     EXPECT_TRUE(ListChunks(dir.Write("a.wav", bytes), false, sink));
-    EXPECT_EQ(sink.text, "LIST at 4, 18 bytes, list INFO: INAM \"take\"\n"
+    EXPECT_EQ(sink.bytes, "LIST at 4, 18 bytes, list INFO: INAM \"take\"\n"
                          "RIFF at 30, 3,688 bytes, form WAVE\n"
                          "  fmt  at 42, 16 bytes\n"
                          "  LIST at 66, 18 bytes, list INFO: INAM \"take\"\n");
@@ -294,7 +289,7 @@ TEST(Rf64, ListedMeasuredAndMended)
     EXPECT_EQ(Check(path), "RIFF形式ではありません。\r\n");
     StringSink sink;
     EXPECT_TRUE(ListChunks(path, false, sink));
-    EXPECT_EQ(sink.text, "RF64 at 0, 4,294,967,295 bytes (ds64: 2,072), form WAVE\n"
+    EXPECT_EQ(sink.bytes, "RF64 at 0, 4,294,967,295 bytes (ds64: 2,072), form WAVE\n"
                          "  ds64 at 12, 28 bytes\n"
                          "  fmt  at 48, 16 bytes\n"
                          "  data at 72, 4,294,967,295 bytes (ds64: 2,000)\n");

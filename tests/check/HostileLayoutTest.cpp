@@ -2,6 +2,7 @@
 // chunk list and the tidy copy refuse them at once and say why, while the
 // files that recorders leave unfinished still read and mend as before.
 #include "check/ChunkList.h"
+#include "check/ConsoleSink.h"
 #include "check/Rf64File.h"
 #include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
@@ -24,12 +25,6 @@
 #endif
 
 namespace {
-
-class StringSink : public TextSink {
-public:
-    void Put(std::string_view piece) override { text += piece; }
-    std::string text;
-};
 
 constexpr std::uint64_t kMinus8 = ~std::uint64_t{7};
 constexpr std::uint64_t kLargestSigned = std::numeric_limits<std::int64_t>::max();
@@ -84,7 +79,7 @@ TEST(Rf64Layout, SizesNoFileCanHoldAreRefusedAndTheRestWalked)
         EXPECT_EQ(problem, c.reason);
         StringSink sink;
         EXPECT_FALSE(ListChunks(path, false, sink));
-        EXPECT_EQ(sink.text, "(" + c.reason + ")\n");
+        EXPECT_EQ(sink.bytes, "(" + c.reason + ")\n");
     }
 
     const struct {

@@ -6,12 +6,11 @@
 
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <string>
 #include <vector>
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 // Sines of 1 kHz (or another frequency) in the same phase on every
 // channel, segment after segment: seconds and level in dBFS.
@@ -30,7 +29,7 @@ LoudnessMeter::Figures Measure(std::uint32_t rate, int channels, const std::vect
         const double amplitude = std::pow(10.0, segment.level / 20);
         frames.clear();
         for (long i = 0; i < static_cast<long>(segment.seconds * rate); ++i, ++n) {
-            const auto value = static_cast<float>(amplitude * std::sin(2 * kPi * frequency * n / rate + phase));
+            const auto value = static_cast<float>(amplitude * std::sin(2 * std::numbers::pi * frequency * n / rate + phase));
             for (int c = 0; c < channels; ++c)
                 frames.push_back(value);
         }
@@ -91,7 +90,7 @@ TEST(Loudness, EbuTestSignalsGiveTheirStatedValues)
 // short.
 TEST(Loudness, TruePeakBetweenSamples)
 {
-    for (double phase : {0.0, kPi / 8, kPi / 4, 3 * kPi / 8}) {
+    for (double phase : {0.0, std::numbers::pi / 8, std::numbers::pi / 4, 3 * std::numbers::pi / 8}) {
         SCOPED_TRACE(phase);
         const LoudnessMeter::Figures figures = Measure(48000, 1, {{1, -6}}, 12000, phase);
         EXPECT_NEAR(Decibels(figures.truePeak[0]), -6 - 0.1, 0.3);

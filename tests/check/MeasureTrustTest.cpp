@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <limits>
+#include <numbers>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,6 @@ extern char** environ;
 #endif
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 // A float WAVE file of these interleaved samples (32 or 64-bit).
 template <typename Float>
@@ -39,8 +38,8 @@ std::vector<Float> TwoSines()
 {
     std::vector<Float> samples;
     for (int i = 0; i < 96000; ++i) {
-        samples.push_back(static_cast<Float>(0.5 * std::sin(2 * kPi * 997 * i / 48000)));
-        samples.push_back(static_cast<Float>(0.25 * std::sin(2 * kPi * 440 * i / 48000 + 1)));
+        samples.push_back(static_cast<Float>(0.5 * std::sin(2 * std::numbers::pi * 997 * i / 48000)));
+        samples.push_back(static_cast<Float>(0.25 * std::sin(2 * std::numbers::pi * 440 * i / 48000 + 1)));
     }
     return samples;
 }
@@ -167,7 +166,6 @@ TEST(MeasureTrust, LoudnessRefusedBelowItsLowestRate)
 
 #ifdef SONDARA_CHECK_PROGRAM
 namespace {
-
 
 // The fault library preloaded, watching files named like name; a checker
 // built with AddressSanitizer must be told that its runtime is not first.

@@ -14,14 +14,18 @@ first file whose digest differs, saying which and what was printed now;
 `write` records the digests of the build given, for a change of output
 that is meant.
 
-The runs stand in WORK-FOLDER, which reaches the tree by a link named src,
-so the paths in the output are the same on every machine.
+The runs stand in folders of WORK-FOLDER, one for each run at a time,
+which reach the tree by a link named src, so the paths in the output are
+the same on every machine.
 """
+import concurrent.futures
 import glob
 import hashlib
+import itertools
 import os
 import subprocess
 import sys
+import threading
 
 MODES = ["report", "--chunks", "--levels", "--tidy"]
 COPY = "copy.wav"
@@ -47,20 +51,22 @@ def without_findings(stdout):
     return b"\n".join(lines)
 
 
-def run(checker, mode, path):
-    """The digest of one run, and what it printed."""
-    if os.path.exists(COPY):
-        os.remove(COPY)
+def run(checker, mode, path, folder):
+    """The digest of one run in folder, and what it printed."""
+    copy = os.path.join(folder, COPY)
+    if os.path.exists(copy):
+        os.remove(copy)
     options = {"report": [], "--tidy": ["--tidy", COPY]}.get(mode, [mode])
     # INFO texts are decoded in the locale's character set: one locale for all.
     environment = dict(os.environ, LC_ALL="C.UTF-8")
-    result = subprocess.run([checker, "--json"] + options + ["--", path], capture_output=True, env=environment)
+    result = subprocess.run([checker, "--json"] + options + ["--", path], capture_output=True, env=environment,
+                            cwd=folder)
     stdout = without_findings(result.stdout) if mode == "report" else result.stdout
     digest = hashlib.sha256(b"%d\n" % result.returncode + stdout)
-    if os.path.exists(COPY):
-        with open(COPY, "rb") as copy:
-            digest.update(copy.read())
-        os.remove(COPY)
+    if os.path.exists(copy):
+        with open(copy, "rb") as made:
+            digest.update(made.read())
+        os.remove(copy)
     return digest.hexdigest()[:16], result.stdout
 
 
@@ -72,21 +78,30 @@ def main():
     source_root = os.path.abspath(source_root)
     digests_path = os.path.abspath(digests_path)
     os.makedirs(work, exist_ok=True)
-    os.chdir(work)
-    if os.path.lexists("src"):
-        os.remove("src")
-    os.symlink(source_root, "src")
 
     files = corpus(source_root)
     if not files:
         sys.exit("unchanged_output: no files found under " + source_root)
-    lines = []
-    printed = {}
-    for path in files:
-        for mode in MODES:
-            digest, output = run(checker, mode, path)
-            lines.append(f"{digest} {mode} {path}")
-            printed[(mode, path)] = output
+    runs = [(mode, path) for path in files for mode in MODES]
+
+    # A folder for each thread, made the first time the thread runs.
+    folders = threading.local()
+    numbers = itertools.count()
+
+    def run_in_own_folder(mode_and_path):
+        if not hasattr(folders, "path"):
+            folders.path = os.path.join(os.path.abspath(work), f"run-{next(numbers)}")
+            os.makedirs(folders.path, exist_ok=True)
+            link = os.path.join(folders.path, "src")
+            if os.path.lexists(link):
+                os.remove(link)
+            os.symlink(source_root, link)
+        return run(checker, *mode_and_path, folders.path)
+
+    with concurrent.futures.ThreadPoolExecutor(max_workers=os.cpu_count() or 2) as pool:
+        results = list(pool.map(run_in_own_folder, runs))
+    lines = [f"{digest} {mode} {path}" for (mode, path), (digest, _) in zip(runs, results)]
+    printed = {run_: output for run_, (_, output) in zip(runs, results)}
     if action == "write":
         with open(digests_path, "w") as out:
             out.write("\n".join(lines) + "\n")

@@ -15,7 +15,9 @@ chunk holding exactly the whole frames of audio present, and the check
 must call it sound where it calls the original sound. The inputs must be
 unchanged. Prints the count; exits 1 on the first difference.
 """
+import concurrent.futures
 import hashlib
+import json
 import os
 import shutil
 import struct
@@ -26,28 +28,27 @@ TONE = ["synth", "0.05", "sine", "440"]
 
 
 def originals(work):
-    """(name, path) of every original file."""
-    made = []
+    """The path of every original file, made side by side."""
+    commands = {}
     sox = {"u8": ["-b", "8", "-e", "unsigned"], "s16": ["-b", "16"], "s24": ["-b", "24"], "s32": ["-b", "32"],
            "f32": ["-b", "32", "-e", "float"], "alaw": ["-e", "a-law"], "ulaw": ["-e", "u-law"],
            "ima": ["-e", "ima-adpcm"], "ms": ["-e", "ms-adpcm"]}
     for name, options in sox.items():
         for channels in (1, 2, 6):
             path = os.path.join(work, f"sox-{name}-{channels}.wav")
-            subprocess.run(["sox", "-V1", "-n", "-r", "8000", "-c", str(channels)] + options + [path] + TONE, check=True)
-            made.append(path)
+            commands[path] = ["sox", "-V1", "-n", "-r", "8000", "-c", str(channels)] + options + [path] + TONE
     lavfi = ["ffmpeg", "-v", "error", "-y", "-f", "lavfi", "-i", "sine=d=0.05"]
     for codec in ["pcm_u8", "pcm_s16le", "pcm_s24le", "pcm_s32le", "pcm_f32le", "pcm_f64le", "pcm_alaw", "adpcm_ima_wav"]:
         for channels in ((1, 2, 8) if codec.startswith("pcm") else (1, 2)):
             path = os.path.join(work, f"ff-{codec}-{channels}.wav")
-            subprocess.run(lavfi + ["-ac", str(channels), "-c:a", codec, path], check=True)
-            made.append(path)
+            commands[path] = lavfi + ["-ac", str(channels), "-c:a", codec, path]
     for extra, options in (("info", ["-metadata", "title=Take 1", "-metadata", "artist=Someone"]),
                            ("bext", ["-write_bext", "1", "-metadata", "description=Take 1"])):
         path = os.path.join(work, f"ff-{extra}.wav")
-        subprocess.run(lavfi + ["-ac", "2", "-c:a", "pcm_s24le"] + options + [path], check=True)
-        made.append(path)
-    return made
+        commands[path] = lavfi + ["-ac", "2", "-c:a", "pcm_s24le"] + options + [path]
+    with concurrent.futures.ThreadPoolExecutor(max_workers=os.cpu_count() or 2) as pool:
+        list(pool.map(lambda command: subprocess.run(command, check=True), commands.values()))
+    return list(commands)
 
 
 def chunks_of(data):
@@ -111,8 +112,30 @@ def expected_copy(original, cut_at=None):
     return b"RIFF" + struct.pack("<I", len(pieces) + 4) + b"WAVE" + pieces
 
 
-def check(checker, path):
-    return subprocess.run([checker, "--json", "--", path], capture_output=True, text=True).stdout
+def sound_ones(checker, paths):
+    """Those of the paths that the check calls sound, in one run."""
+    lines = subprocess.run([checker, "--jsonl", "--"] + paths, capture_output=True, text=True).stdout.splitlines()
+    results = [json.loads(line) for line in lines]
+    return {result["path"] for result in results if result["type"] == "file" and not result["hasError"]}
+
+
+def mend(checker, work, name, kind, data, cut_at, original):
+    """Mends one unfinished copy; what is wrong with the result, or None."""
+    source = os.path.join(work, f"{name}-{kind}.wav")
+    copy = os.path.join(work, f"{name}-{kind}-mended.wav")
+    with open(source, "wb") as out:
+        out.write(data)
+    before = hashlib.sha256(data).hexdigest()
+    result = subprocess.run([checker, "--tidy", copy, "--", source], capture_output=True, text=True)
+    if result.returncode != 0:
+        return f"{source}: {result.stdout.strip()}"
+    if hashlib.sha256(open(source, "rb").read()).hexdigest() != before:
+        return f"{source} was changed"
+    want = expected_copy(original, cut_at)
+    got = open(copy, "rb").read()
+    if got != want:
+        return f"{copy}: {len(got)} bytes, {len(want)} expected; chunks {chunks_of(got)} against {chunks_of(want)}"
+    return None
 
 
 def main():
@@ -121,45 +144,44 @@ def main():
     checker, work = os.path.abspath(sys.argv[1]), sys.argv[2]
     shutil.rmtree(work, ignore_errors=True)
     os.makedirs(work)
-    count = 0
-    for path in originals(work):
+    jobs = []
+    made = originals(work)
+    sound = sound_ones(checker, made)
+    if not sound:
+        sys.exit("unfinished_copies: the check called none of the originals sound")
+    must_be_sound = []
+    for path in made:
         plain = open(path, "rb").read()
         for shape, original in (("", plain), ("-behind", with_chunks_behind(plain))):
             name = os.path.basename(path)[:-4] + shape
             data_at = next(p for chunk_id, p, _ in chunks_of(original) if chunk_id == b"data")
+            cut_at = data_at + 8 + (len(original) - data_at - 8) * 2 // 3 + 1
             unfinished = {
                 "zero": (set_sizes(original, 0, 0), None),
                 "ones": (set_sizes(original, 0xFFFFFFFF, 0xFFFFFFFF), None),
                 "riff-small": (set_sizes(original, 4, struct.unpack_from("<I", original, data_at + 4)[0]), None),
-                "cut": (original[:data_at + 8 + (len(original) - data_at - 8) * 2 // 3 + 1],
-                        data_at + 8 + (len(original) - data_at - 8) * 2 // 3 + 1),
+                "cut": (original[:cut_at], cut_at),
             }
-            sound = '"hasError": false' in check(checker, path)
-            for kind, (data, cut_at) in unfinished.items():
-                if kind == "cut" and cut_at >= len(plain) - 8:
+            for kind, (data, cut) in unfinished.items():
+                if kind == "cut" and cut >= len(plain) - 8:
                     continue
-                source = os.path.join(work, f"{name}-{kind}.wav")
-                copy = os.path.join(work, f"{name}-{kind}-mended.wav")
-                with open(source, "wb") as out:
-                    out.write(data)
-                before = hashlib.sha256(data).hexdigest()
-                result = subprocess.run([checker, "--tidy", copy, "--", source], capture_output=True, text=True)
-                if result.returncode != 0:
-                    sys.exit(f"unfinished_copies: {source}: {result.stdout.strip()}")
-                if hashlib.sha256(open(source, "rb").read()).hexdigest() != before:
-                    sys.exit(f"unfinished_copies: {source} was changed")
-                want = expected_copy(original, cut_at)
-                got = open(copy, "rb").read()
-                if got != want:
-                    sys.exit(f"unfinished_copies: {copy}: {len(got)} bytes, {len(want)} expected; "
-                             f"chunks {chunks_of(got)} against {chunks_of(want)}")
-                if sound and '"hasError": false' not in check(checker, copy):
-                    sys.exit(f"unfinished_copies: {copy} is not sound: {check(checker, copy)}")
-                count += 1
+                jobs.append((checker, work, name, kind, data, cut, original))
+                if path in sound:
+                    must_be_sound.append(os.path.join(work, f"{name}-{kind}-mended.wav"))
+    # Each copy is mended by a checker of its own; they run side by side.
+    with concurrent.futures.ThreadPoolExecutor(max_workers=os.cpu_count() or 2) as pool:
+        faults = list(pool.map(lambda job: mend(*job), jobs))
+    for fault in faults:
+        if fault:
+            sys.exit(f"unfinished_copies: {fault}")
+    not_sound = sorted(set(must_be_sound) - sound_ones(checker, must_be_sound))
+    if not_sound:
+        sys.exit(f"unfinished_copies: mended from sound files, yet not sound: {not_sound}")
     leftovers = [name for name in os.listdir(work) if ".partial-" in name]
     if leftovers:
         sys.exit(f"unfinished_copies: left behind: {leftovers}")
-    print(f"{count} unfinished copies mended, each with its chunks byte for byte and its whole frames")
+    print(f"{len(jobs)} unfinished copies mended, each with its chunks byte for byte and its whole frames;"
+          f" the {len(must_be_sound)} of sound originals sound")
 
 
 if __name__ == "__main__":

@@ -23,7 +23,7 @@ RiffBytes Head(std::uint32_t size)
     return RiffBytes().Id("RIFF").U32(size).Id("WAVE");
 }
 
-struct Case {
+struct EdgeCase {
     const char* name;
     std::string bytes;
     const char* read;
@@ -37,7 +37,7 @@ struct Case {
 TEST_F(WaveDocumentOpen, EdgesOfTheFormat)
 {
     const std::string children = kFmt8 + RiffBytes().Chunk("data", "abcd").Bytes();
-    const Case cases[] = {
+    const EdgeCase cases[] = {
         {"empty", "", "ok unknown"},
         {"one byte", "R", "ok unknown"},
         {"three bytes", "RRR", "ok unknown"},
@@ -104,7 +104,7 @@ TEST_F(WaveDocumentOpen, EdgesOfTheFormat)
          "failed riff RIFF/WAVE:52{fmt_:16 data:16} fmt=1/2/44100/16/4/0 data=16/4"},
         {"RIFF behind 5 bytes", "junkj" + SoundWave(), "failed unknown"},
     };
-    for (const Case& c : cases) {
+    for (const EdgeCase& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(Describe(c.bytes), c.read);
         const std::string registry = DescribeRegistry(c.bytes, TreeForm::Whole);
@@ -124,7 +124,7 @@ TEST_F(WaveDocumentOpen, ReopeningKeepsTheKindAndDropsTheOldChunks)
 
 TEST_F(WaveDocumentOpen, FormatBodies)
 {
-    const Case cases[] = {
+    const EdgeCase cases[] = {
         {"16 bytes", FormatBody(1, 2, 44100, 16), "fmt=1/2/44100/16/4/0 pcm"},
         {"18 bytes", FormatBody(1, 1, 8000, 8) + "\x05\x00", "fmt=1/1/8000/8/1/5 pcm"},
         {"40 bytes extensible", FormatBody(0xFFFE, 2, 96000, 24) + std::string("\x16\x00", 2) + std::string(22, 'x'),
@@ -135,7 +135,7 @@ TEST_F(WaveDocumentOpen, FormatBodies)
         // A body of 1024 bytes or more is not read in.
         {"1024 bytes", FormatBody(1, 2, 44100, 16) + std::string(1008, 'x'), "fmt=0/0/0/0/0/0"},
     };
-    for (const Case& c : cases) {
+    for (const EdgeCase& c : cases) {
         SCOPED_TRACE(c.name);
         ASSERT_TRUE(OpenBytes(Riff(RiffBytes().Chunk("fmt ", c.bytes).Bytes())));
         const std::string read = Describe(document, true);

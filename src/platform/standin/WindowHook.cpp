@@ -10,7 +10,7 @@ using standin::State;
 
 namespace {
 
-bool IsLiveLocked(WindowHandle window)
+bool IsKnownLocked(WindowHandle window)
 {
     return State().windows.count(window) != 0;
 }
@@ -20,7 +20,7 @@ std::intptr_t HookedProcedure(WindowHandle window, std::uint32_t id, std::uintpt
     const WindowHookLink* link = nullptr;
     {
         std::lock_guard lock(State().mutex);
-        if (IsLiveLocked(window))
+        if (IsKnownLocked(window))
             link = window->hookLink;
     }
     if (link == nullptr || link->procedure == nullptr)
@@ -41,7 +41,7 @@ WindowProcedureObject defaultProcedure{DefaultProcedure};
 WindowProcedureHandle HookWindowProcedure(WindowHandle window, const WindowHookLink* link)
 {
     std::lock_guard lock(State().mutex);
-    if (!IsLiveLocked(window))
+    if (!IsKnownLocked(window))
         return nullptr;
     WindowProcedureHandle previous =
         window->windowProcedure != nullptr ? window->windowProcedure : standin::DialogWindowProcedure();
@@ -53,7 +53,7 @@ WindowProcedureHandle HookWindowProcedure(WindowHandle window, const WindowHookL
 bool UnhookWindowProcedure(WindowHandle window, WindowProcedureHandle procedure)
 {
     std::lock_guard lock(State().mutex);
-    if (!IsLiveLocked(window) || window->windowProcedure != &hookProcedure)
+    if (!IsKnownLocked(window) || window->windowProcedure != &hookProcedure)
         return false;
     window->windowProcedure = procedure;
     window->hookLink = nullptr;
