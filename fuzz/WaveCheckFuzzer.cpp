@@ -8,12 +8,12 @@
 // same report twice is left to the corpus test: a second check cost a
 // quarter of every run, and each walk here opens the file once a data
 // chunk.
-#include "check/ChunkList.h"
 #include "check/FileCheck.h"
-#include "check/Rf64File.h"
+#include "cli/ChunkList.h"
 #include "support/ReportGrammar.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
+#include "wave/Rf64File.h"
 #include "wave/WaveDocument.h"
 
 #include "FuzzInput.h"

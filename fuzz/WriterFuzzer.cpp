@@ -5,9 +5,9 @@
 // format grown to 18 bytes and a pad byte. A tidy copy reads as RIFF, or,
 // of an RF64 file, as RF64 whose ds64 RIFF size is the copy's. The tree
 // read in compact form must write the very bytes of the whole tree.
-#include "check/Rf64File.h"
-#include "check/TidyCopy.h"
+#include "mend/TidyCopy.h"
 #include "wave/Chunk.h"
+#include "wave/Rf64File.h"
 #include "wave/WaveDocument.h"
 
 #include "FuzzInput.h"

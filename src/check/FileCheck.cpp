@@ -1,8 +1,8 @@
 #include "check/FileCheck.h"
 
-#include "check/FileFacts.h"
 #include "check/FileWarnings.h"
 #include "check/WaveCheck.h"
+#include "wave/FileFacts.h"
 
 #include <cstdlib>
 

@@ -1,9 +1,9 @@
 #include "check/FileWarnings.h"
 
-#include "check/TextFormat.h"
+#include "base/TextFormat.h"
 #include "files/FileStream.h"
-#include "wave/FourCc.h"
 #include "wave/FormatChunk.h"
+#include "wave/FourCc.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
 #include "check/Finding.h"
 
-#include "check/TextFormat.h"
+#include "base/TextFormat.h"
 
 #include <cstring>
 

@@ -1,8 +1,8 @@
 #include "check/WaveCheck.h"
 
-#include "check/FileFacts.h"
 #include "check/Finding.h"
 #include "wave/DataChunk.h"
+#include "wave/FileFacts.h"
 #include "wave/FormatChunk.h"
 #include "wave/WaveDocument.h"
 

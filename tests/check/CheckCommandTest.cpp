@@ -1,4 +1,4 @@
-#include "check/CheckCommand.h"
+#include "cli/CheckCommand.h"
 #include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"

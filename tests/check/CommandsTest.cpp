@@ -1,12 +1,12 @@
 // The chunk list, the levels and the tidy copy of sondara-check, on files
 // made here and on the samples of the repository.
-#include "check/ChunkList.h"
-#include "check/ConsoleSink.h"
-#include "check/Levels.h"
-#include "check/TextFormat.h"
-#include "check/TidyCopy.h"
-#include "check/WaveCheck.h"
+#include "base/TextFormat.h"
 #include "base/Utf8.h"
+#include "check/WaveCheck.h"
+#include "cli/ChunkList.h"
+#include "cli/ConsoleSink.h"
+#include "measure/Levels.h"
+#include "mend/TidyCopy.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
 

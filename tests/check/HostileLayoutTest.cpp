@@ -1,12 +1,12 @@
 // Files whose sizes would lead a chunk walk nowhere: the RF64 layout, the
 // chunk list and the tidy copy refuse them at once and say why, while the
 // files that recorders leave unfinished still read and mend as before.
-#include "check/ChunkList.h"
-#include "check/ConsoleSink.h"
-#include "check/Rf64File.h"
+#include "cli/ChunkList.h"
+#include "cli/ConsoleSink.h"
 #include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
+#include "wave/Rf64File.h"
 
 #include <gtest/gtest.h>
 

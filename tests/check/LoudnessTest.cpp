@@ -1,6 +1,6 @@
-#include "check/DeliveryTarget.h"
-#include "check/Loudness.h"
-#include "check/TextFormat.h"
+#include "base/TextFormat.h"
+#include "measure/DeliveryTarget.h"
+#include "measure/Loudness.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "check/Levels.h"
+#include "measure/Levels.h"
 #include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"

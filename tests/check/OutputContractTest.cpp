@@ -3,7 +3,7 @@
 // results reach a reader as each file is done, the progress line never
 // runs into a result, options mean the same in any order, a run over
 // nothing says so, and CSV cells are never formulas.
-#include "check/TextFormat.h"
+#include "base/TextFormat.h"
 #include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"

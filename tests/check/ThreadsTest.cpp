@@ -1,9 +1,9 @@
 // The checker's threads, run where ThreadSanitizer watches them: the checks
 // of a folder several at a time, and the levels' read, sum and loudness
 // threads over a file longer than three of their reads.
-#include "check/CheckRun.h"
-#include "check/ConsoleSink.h"
-#include "check/Levels.h"
+#include "cli/CheckRun.h"
+#include "cli/ConsoleSink.h"
+#include "measure/Levels.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
 

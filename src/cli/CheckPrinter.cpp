@@ -1,7 +1,7 @@
-#include "check/CheckPrinter.h"
+#include "cli/CheckPrinter.h"
 
+#include "base/TextFormat.h"
 #include "base/Utf8.h"
-#include "check/TextFormat.h"
 
 namespace {
 

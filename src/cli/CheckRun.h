@@ -1,7 +1,7 @@
 #pragma once
 
-#include "check/CheckPrinter.h"
-#include "check/FileSources.h"
+#include "cli/CheckPrinter.h"
+#include "cli/FileSources.h"
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include "check/ConsoleSink.h"
+#include "cli/ConsoleSink.h"
 
 #include "platform/Console.h"
 

@@ -1,6 +1,6 @@
-#include "check/DeliveryTarget.h"
+#include "measure/DeliveryTarget.h"
 
-#include "check/TextFormat.h"
+#include "base/TextFormat.h"
 
 #include <cmath>
 #include <cstdlib>

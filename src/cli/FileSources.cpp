@@ -1,4 +1,4 @@
-#include "check/FileSources.h"
+#include "cli/FileSources.h"
 
 #include "base/Utf8.h"
 #include "platform/Console.h"

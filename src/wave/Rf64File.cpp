@@ -1,6 +1,6 @@
-#include "check/Rf64File.h"
+#include "wave/Rf64File.h"
 
-#include "check/TextFormat.h"
+#include "base/TextFormat.h"
 #include "files/FileStream.h"
 #include "wave/FourCc.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/WideString.h"
-#include "check/TextSink.h"
+#include "cli/TextSink.h"
 
 // The chunk list of a file, as the check's own reader sees it: each chunk
 // with its id, offset and declared size, a list's type and an INFO list's

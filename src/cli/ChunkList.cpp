@@ -1,12 +1,12 @@
-#include "check/ChunkList.h"
+#include "cli/ChunkList.h"
 
+#include "base/TextFormat.h"
 #include "base/Utf8.h"
-#include "check/TextFormat.h"
-#include "check/FileFacts.h"
-#include "check/Rf64File.h"
 #include "wave/ChunkObserver.h"
+#include "wave/FileFacts.h"
 #include "wave/InfoChunk.h"
 #include "wave/ListChunk.h"
+#include "wave/Rf64File.h"
 #include "wave/RootChunk.h"
 #include "wave/WaveDocument.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "check/Loudness.h"
+#include "measure/Loudness.h"
 
 #include <cstdint>
 #include <optional>

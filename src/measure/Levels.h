@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/WideString.h"
-#include "check/Loudness.h"
+#include "measure/Loudness.h"
 
 #include <cstdint>
 #include <string>

@@ -1,4 +1,4 @@
-#include "check/FileFacts.h"
+#include "wave/FileFacts.h"
 
 #include "platform/FileSystem.h"
 #include "wave/WaveDocument.h"

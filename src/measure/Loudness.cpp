@@ -1,4 +1,4 @@
-#include "check/Loudness.h"
+#include "measure/Loudness.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,14 +1,14 @@
-#include "check/Levels.h"
+#include "measure/Levels.h"
 
-#include "check/TextFormat.h"
+#include "base/TextFormat.h"
 #include "base/Utf8.h"
-#include "check/FileFacts.h"
-#include "platform/Console.h"
-#include "check/Rf64File.h"
 #include "files/FileStream.h"
 #include "files/UnbufferedReader.h"
+#include "platform/Console.h"
 #include "wave/DataChunk.h"
+#include "wave/FileFacts.h"
 #include "wave/FormatChunk.h"
+#include "wave/Rf64File.h"
 #include "wave/WaveDocument.h"
 
 #include <algorithm>

@@ -1,14 +1,14 @@
-#include "check/TidyCopy.h"
+#include "mend/TidyCopy.h"
 
+#include "base/TextFormat.h"
 #include "base/Utf8.h"
-#include "check/TextFormat.h"
-#include "check/FileFacts.h"
-#include "check/Rf64File.h"
 #include "files/FileStream.h"
 #include "platform/FileSystem.h"
 #include "wave/DataChunk.h"
+#include "wave/FileFacts.h"
 #include "wave/FormatChunk.h"
 #include "wave/FourCc.h"
+#include "wave/Rf64File.h"
 #include "wave/WaveDocument.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "check/TextSink.h"
+#include "cli/TextSink.h"
 
 #include <string>
 #include <string_view>

@@ -1,6 +1,6 @@
-#include "check/CheckRun.h"
+#include "cli/CheckRun.h"
 
-#include "check/TextFormat.h"
+#include "base/TextFormat.h"
 #include "platform/Console.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "check/FileCheck.h"
-#include "check/TextSink.h"
+#include "cli/TextSink.h"
 
 #include <cstdint>
 #include <memory>

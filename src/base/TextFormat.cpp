@@ -1,4 +1,4 @@
-#include "check/TextFormat.h"
+#include "base/TextFormat.h"
 
 #include <cassert>
 #include <cmath>
