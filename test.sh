@@ -3,8 +3,9 @@
 # native and native-asan with ctest, native-tsan with the worker's tests
 # under ThreadSanitizer, windows with ctest under Wine and a
 # comparison of its reports with the native ones, windows32 compiled only
-# (no 32-bit Wine can run it), and fuzz with a short run of every target;
-# then the download files of ./release.sh, unpacked and tried.
+# (no 32-bit Wine can run it), and fuzz with a short run of every target,
+# those two beside the Wine tests; then the download files of ./release.sh,
+# unpacked and tried.
 # Every preset is tried even after a failure; the script exits non-zero when
 # any step failed, and ends with each ctest summary and the total.
 set -euo pipefail
@@ -133,19 +134,58 @@ mkdir -p build
 rm -f build/wine-retries.log
 step "compare-builds self-test" scripts/compare-builds.sh --self-test || true
 
-for preset in native native-asan native-tsan windows windows32 fuzz; do
-    step "$preset configure" cmake --preset "$preset" || continue
-    step "$preset build" cmake --build --preset "$preset" -j "$jobs" || continue
-    case "$preset" in
-        windows)
-            step "$preset test (Wine)" wine_tests || true
-            step "$preset end to end (Wine)" e2e_tests || true
-            ;;
-        windows32) ;;
-        fuzz) step "fuzz smoke runs" scripts/fuzz-smoke.sh 15 || true ;;
-        *) step "$preset test" run_ctest "$preset" || true ;;
-    esac
+# configure_and_build PRESET: the first two steps of every preset.
+configure_and_build()
+{
+    step "$1 configure" cmake --preset "$1" && step "$1 build" cmake --build --preset "$1" -j "$jobs"
+}
+
+# The i686 build and the fuzzing need nothing of the Windows tests, which
+# spend most of their time waiting on Wine and the X server: they run beside
+# them at the lowest priority, in a subshell that leaves its timings and
+# failures in a file for this shell to take in.
+beside_wine()
+{
+    renice -n 19 "$BASHPID" >/dev/null || true
+    timings=()
+    failures=()
+    configure_and_build windows32 || true
+    if configure_and_build fuzz; then
+        step "fuzz smoke runs" scripts/fuzz-smoke.sh 15 || true
+    fi
+    declare -p timings failures >build/beside-wine.state
+}
+
+for preset in native native-asan native-tsan; do
+    if configure_and_build "$preset"; then
+        step "$preset test" run_ctest "$preset" || true
+    fi
 done
+
+rm -f build/beside-wine.state
+if configure_and_build windows; then
+    beside_wine >build/beside-wine.log 2>&1 &
+    beside=$!
+    step "windows test (Wine)" wine_tests || true
+    step "windows end to end (Wine)" e2e_tests || true
+else
+    beside_wine >build/beside-wine.log 2>&1 &
+    beside=$!
+fi
+wait "$beside" || true
+echo
+echo "== beside the Wine tests: the i686 build and the fuzzing"
+cat build/beside-wine.log
+if [[ -f build/beside-wine.state ]]; then
+    main_timings=("${timings[@]}")
+    main_failures=("${failures[@]}")
+    # shellcheck source=/dev/null
+    source build/beside-wine.state
+    timings=("${main_timings[@]}" "${timings[@]}")
+    failures=("${main_failures[@]}" "${failures[@]}")
+else
+    failures+=("beside the Wine tests")
+fi
 
 # The download files, made from the builds above, and tried where nothing
 # of the build is.
