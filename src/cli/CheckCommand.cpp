@@ -2,6 +2,7 @@
 
 #include "base/TextFormat.h"
 #include "base/Utf8.h"
+#include "cli/CheckOptions.h"
 #include "cli/CheckRun.h"
 #include "cli/ChunkList.h"
 #include "cli/ConsoleSink.h"
@@ -19,49 +20,12 @@
 
 namespace {
 
-constexpr char kUsage[] = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [-j N] FILE...\n"
-                          "       sondara-check [--json] [--chunks | --levels [--loudness] [--target NAME]] FILE...\n"
-                          "       sondara-check [--json] --tidy OUT FILE";
-constexpr char kHelp[] =
-    "Checks WAV files as the Sondara window does and prints a report for each,\n"
-    "followed by warnings of what the report leaves unsaid.\n"
-    "A FILE may be a folder (every .wav file below it, in sorted order) or -\n"
-    "(paths from standard input, one a line).\n"
-    "  --json      one JSON array: path, report, hasError and findings\n"
-    "  --jsonl     one JSON object a line, and a summary line at the end\n"
-    "  --csv       one row a finding (UTF-8 with a byte order mark)\n"
-    "  --strict    warnings count as findings for the exit status\n"
-    "  -j N        check N files at once (default: one a core)\n"
-    "  -0          the paths on standard input end in a zero byte, as\n"
-    "              find -print0 writes them, rather than a line end\n"
-    "  --chunks    list every chunk: offset, id, declared size, list type and\n"
-    "              INFO entries; marks a size that runs past an end\n"
-    "  --levels    per channel peak and RMS in dBFS, DC offset and samples at\n"
-    "              full scale, and the duration (8 to 32-bit PCM, 32 and\n"
-    "              64-bit float)\n"
-    "  --loudness  --levels with the loudness (integrated, range, momentary\n"
-    "              and short-term maximum) and each channel's true peak\n"
-    "  --target NAME   --loudness against ebu-r128, atsc-a85 or streaming;\n"
-    "              a miss makes the exit status 1\n"
-    "  --target-lufs X [--tolerance Y] [--max-true-peak Z]   a target of\n"
-    "              your own (default tolerance 1 LU, at most -1 dBTP)\n"
-    "  --tidy OUT  write a mended copy of FILE to the new path OUT and say\n"
-    "              what changed; refused where anything would be lost\n"
-    "  --version   the version of sondara-check\n"
-    "Exit status:\n"
-    "  0  every report is clear (warnings alone too, unless --strict)\n"
-    "  1  a report has a finding, a path can't be read, or with --strict a\n"
-    "     file has a warning; a file can't be listed, measured or copied\n"
-    "  2  bad usage\n"
-    "A folder, or standard input, that gives no file to check is said on\n"
-    "standard error, and makes the exit status 1.";
-
 enum class Mode { Check, Chunks, Levels, Tidy };
 
 // The message, if any, and the usage on standard error; exit status 2.
 int UsageError(const std::string& message)
 {
-    const std::string text = (message.empty() ? "" : message + "\n") + kUsage + "\n";
+    const std::string text = (message.empty() ? "" : message + "\n") + UsageText();
     platform::WriteToStandardError(WithLineEnd(text, platform::kLineEnd));
     return 2;
 }
@@ -253,11 +217,13 @@ int ConsoleMain(const std::vector<std::u16string>& arguments)
         const bool hasValue = i + 1 < arguments.size();
         if (optionsEnded || argument.size() < 2 || argument[0] != u'-') {
             line.paths.emplace_back(argument);
+        } else if (!IsCheckOption(argument)) {
+            return UsageError("sondara-check: unknown option " + WideToUtf8(argument));
         } else if (argument == u"--version") {
             WriteWholeToStandardOutput(WithLineEnd("sondara-check " SONDARA_VERSION_DOTTED "\n", platform::kLineEnd));
             return 0;
         } else if (argument == u"--help") {
-            WriteWholeToStandardOutput(WithLineEnd(std::string(kUsage) + "\n" + kHelp + "\n", platform::kLineEnd));
+            WriteWholeToStandardOutput(WithLineEnd(HelpText(), platform::kLineEnd));
             return 0;
         } else if (argument == u"--json" || argument == u"--jsonl" || argument == u"--csv") {
             line.format = argument == u"--json" ? OutputFormat::Json

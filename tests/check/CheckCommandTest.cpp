@@ -1,4 +1,5 @@
 #include "cli/CheckCommand.h"
+#include "cli/CheckOptions.h"
 #include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
@@ -100,6 +101,26 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
         EXPECT_EQ(outcome.status, c.status);
         EXPECT_EQ(c.out == help ? outcome.out.substr(0, help.size()) : outcome.out, c.out);
         EXPECT_EQ(outcome.err, c.err);
+    }
+}
+#endif
+
+#ifdef SONDARA_CHECK_PROGRAM
+// The table of options is the command line's one list of them: each of its
+// spellings is known, and what merely begins like one is not.
+TEST(CheckCommandProgram, EveryOptionOfTheTableIsKnown)
+{
+    TempDir dir;
+    for (const CheckOption& option : CheckOptionTable()) {
+        SCOPED_TRACE(option.spelling);
+        const CheckerOutcome outcome = RunChecker(dir, {option.spelling});
+        EXPECT_EQ(outcome.err.find("unknown option"), std::string::npos) << outcome.err;
+    }
+    for (const std::string unknown : {"--jsonx", "-0x", "--tidyOUT", "---"}) {
+        SCOPED_TRACE(unknown);
+        const CheckerOutcome outcome = RunChecker(dir, {unknown, "sound.wav"});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.err.rfind("sondara-check: unknown option " + unknown + "\n", 0), 0u) << outcome.err;
     }
 }
 #endif
