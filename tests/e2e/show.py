@@ -3,7 +3,12 @@ Sondara.exe, enters a file's path into WaveFilePath as a user does, presses
 start, waits for the report in Message, photographs the window and closes
 it by its close box.
 
-    python3 show.py --build BUILD_DIR [--probe window-probe.exe] --out OUT_DIR --screenshot PNG FILE
+    python3 show.py --build BUILD_DIR [--probe window-probe.exe] --out OUT_DIR --screenshot PNG
+                    [--as WINDOWS_PATH] FILE
+
+--as types the path under which the program sees FILE in its own drive
+(C:\\...) instead of the path through drive Z:, which names the folders of
+the machine.
 
 Prints the report as the window shows it. Exit status 0 when all of that
 went as it should and the program ended with exit code 2, 1 otherwise.
@@ -24,6 +29,7 @@ def main(argv):
     parser.add_argument("--probe")
     parser.add_argument("--out", required=True)
     parser.add_argument("--screenshot", required=True)
+    parser.add_argument("--as", dest="typed")
     parser.add_argument("file")
     args = parser.parse_args(argv[1:])
     os.makedirs(args.out, exist_ok=True)
@@ -34,7 +40,7 @@ def main(argv):
         return 1
     try:
         program = h.start()
-        program.enter_text("WaveFilePath", wine_path(args.file))
+        program.enter_text("WaveFilePath", args.typed or wine_path(args.file))
         program.start_check()
         report = program.wait_report()
         # The report goes back into the field once the caret has left it.
