@@ -21,20 +21,26 @@ const FindingKind* KindOfLine(std::u16string_view line)
     return nullptr;
 }
 
-// The number in the brackets behind a line's text: hexadecimal for a
-// format tag, as the report writes it, decimal otherwise.
-std::optional<std::int64_t> ValueOfLine(std::u16string_view line, bool hexadecimal)
+// The figure in the brackets behind a line's text, as the line writes it:
+// four hexadecimal digits for a format tag, decimal otherwise. Empty for a
+// line without one.
+std::string FigureOfLine(std::u16string_view line)
 {
     const std::size_t open = line.rfind(u'[');
     const std::size_t close = line.rfind(u']');
     if (open == std::u16string_view::npos || close == std::u16string_view::npos || close < open + 2)
-        return std::nullopt;
+        return {};
     std::string digits;
     for (char16_t unit : line.substr(open + 1, close - open - 1))
         digits += static_cast<char>(unit < 0x80 ? unit : '?');
+    return digits;
+}
+
+std::optional<std::int64_t> ValueOfFigure(const std::string& digits, bool hexadecimal)
+{
     char* end = nullptr;
     const long long value = std::strtoll(digits.c_str(), &end, hexadecimal ? 16 : 10);
-    if (end == digits.c_str() || *end != '\0')
+    if (digits.empty() || *end != '\0')
         return std::nullopt;
     return value;
 }
@@ -55,11 +61,11 @@ void CheckFile(const WideString& path, FileCheck& result)
     result.path = path;
     result.findings.clear();
     result.unreadable = false;
-    RunWaveCheck(path, result.report, result.hasError);
+    JudgedChunks judged;
+    RunWaveCheck(path, result.report, result.hasError, judged);
 
-    FileLayout layout;
     std::vector<Finding> warnings;
-    if (IsExistingFile(path) && !FindWarnings(path, layout, warnings)) {
+    if (IsExistingFile(path) && !FindWarnings(path, warnings)) {
         result.unreadable = true;
         return;
     }
@@ -77,23 +83,25 @@ void CheckFile(const WideString& path, FileCheck& result)
         const std::string code = kind->code;
         std::optional<std::int64_t> offset;
         std::string chunk;
-        if (code.rfind("format.", 0) == 0 && code != "format.missing" && layout.formatOffset) {
-            offset = layout.formatOffset;
+        if (code.rfind("format.", 0) == 0 && code != "format.missing" && judged.formatOffset) {
+            offset = judged.formatOffset;
             chunk = "fmt ";
-        } else if ((code == "data.size" || code == "data.frames") && layout.dataOffset) {
-            offset = layout.dataOffset;
+        } else if ((code == "data.size" || code == "data.frames") && judged.dataOffset) {
+            offset = judged.dataOffset;
             chunk = "data";
         }
         Finding finding;
         finding.kind = kind;
         finding.offset = offset;
         finding.chunk = chunk;
-        finding.value = ValueOfLine(line, code == "format.not-pcm");
-        // The Japanese line is the report's own, value and all.
+        const std::string figure = FigureOfLine(line);
+        finding.value = ValueOfFigure(figure, code == "format.not-pcm");
+        // The Japanese line is the report's own, value and all; the English
+        // one gives the figure as the line writes it.
         finding.text = WideString(line);
         finding.message = kind->message;
         if (finding.value)
-            finding.message += " [" + std::to_string(*finding.value) + "]";
+            finding.message += " [" + figure + "]";
         result.findings.push_back(std::move(finding));
     }
     for (Finding& warning : warnings)

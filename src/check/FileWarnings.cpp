@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace {
 
@@ -73,6 +74,9 @@ public:
             sampleTag == kFormatTagPcm || sampleTag == kFormatTagFloat || sampleTag == kFormatTagAlaw || sampleTag == kFormatTagMulaw;
         if (!wholeSamples || channels == 0 || bits == 0)
             return;
+        // The check counts frames by the block align as declared, and so
+        // do readers that trust it.
+        frameBytes = blockAlign;
         const std::int64_t rightAlign = std::int64_t{channels} * ((bits + 7) / 8);
         if (blockAlign != rightAlign)
             Warn("format.block-align", offset, "fmt ", blockAlign, rightAlign);
@@ -85,7 +89,7 @@ public:
 
     // The chunks of the RIFF chunk from position to end, the end of the
     // RIFF chunk or of the file.
-    void WalkChunks(std::int64_t position, std::int64_t end, FileLayout& layout)
+    void WalkChunks(std::int64_t position, std::int64_t end)
     {
         int formats = 0;
         std::uint8_t header[8];
@@ -95,7 +99,6 @@ public:
             const std::int64_t bodyEnd = position + 8 + size;
             if (id == "fmt ") {
                 if (++formats == 1) {
-                    layout.formatOffset = position;
                     std::uint8_t body[40] = {};
                     const std::uint32_t length = size < 40 ? size : 40;
                     if (ReadAt(position + 8, body, length))
@@ -105,9 +108,8 @@ public:
                 }
             }
             if (id == "data") {
-                const bool first = !layout.dataOffset;
-                if (first)
-                    layout.dataOffset = position;
+                const bool first = !dataSeen;
+                dataSeen = true;
                 // A data size of 0 with bytes behind it, or of 0xFFFFFFFF, is
                 // what a recorder writes before it knows the length. What is
                 // there runs to the end of the RIFF chunk when its size is
@@ -125,6 +127,8 @@ public:
                     Warn("data.truncated", position, "data", size, fileSize - (position + 8));
                     return;
                 }
+                if (first)
+                    wholeData = {position, size};
             }
             // A header and a 32-bit size always move the walk on; should a
             // step ever not, the walk ends rather than go round.
@@ -153,25 +157,48 @@ public:
                position + 8 + ReadLittleEndian32(next + 4) <= end;
     }
 
+    // A first data chunk whose size the file holds, against the frames of
+    // the first format chunk: a size that ends inside a frame leaves readers
+    // to guess at the last one. Known only once the walk is done, as the
+    // format chunk may come behind the data.
+    void CheckWholeFrames()
+    {
+        if (!wholeData || frameBytes == 0 || wholeData->size % frameBytes == 0)
+            return;
+        const std::int64_t frames = wholeData->size / frameBytes;
+        const FindingFigure more[] = {{u"フレーム", "whole frames", frames},
+                                      {u"余り", "bytes left over", wholeData->size % frameBytes}};
+        warnings.push_back(MakeFinding(*FindFindingKind("data.partial-frame"), wholeData->position, "data",
+                                       wholeData->size, frames * frameBytes, more));
+    }
+
     // Where the data chunk ends by its placeholder size, when it has one.
     std::int64_t dataPlaceholderEnd = -1;
 
 private:
+    struct DataExtent {
+        std::int64_t position;
+        std::int64_t size;
+    };
+
     FileStream& stream;
     std::int64_t fileSize;
     std::vector<Finding>& warnings;
+    bool dataSeen = false;
+    std::optional<DataExtent> wholeData;
+    std::int64_t frameBytes = 0; // the block align of a format of whole samples
 };
 
 } // namespace
 
-bool FindWarnings(const WideString& path, FileLayout& layout, std::vector<Finding>& warnings)
+// Every warning is placed where the chunk it is about begins: the RIFF
+// header, at 0, for what is wrong with the RIFF size or behind it.
+bool FindWarnings(const WideString& path, std::vector<Finding>& warnings)
 {
-    layout = FileLayout();
     FileStream stream;
     if (!stream.OpenPlain(path, 0))
         return false;
     stream.EnableReadAhead(64 * 1024);
-    layout.opened = true;
     const std::int64_t fileSize = stream.GetSize();
     Scan scan(stream, fileSize, warnings);
     std::uint8_t header[12];
@@ -191,18 +218,20 @@ bool FindWarnings(const WideString& path, FileLayout& layout, std::vector<Findin
     std::vector<Finding> chunkWarnings;
     Scan chunks(stream, fileSize, chunkWarnings);
     if (std::memcmp(header + 8, "WAVE", 4) == 0)
-        chunks.WalkChunks(12, riffEnd, layout);
+        chunks.WalkChunks(12, riffEnd);
+    chunks.CheckWholeFrames();
 
     // A RIFF size that ends where a placeholder data size ends is one too.
     const bool placeholder = allOnesOrZero || (chunks.dataPlaceholderEnd >= 0 && declaredEnd == chunks.dataPlaceholderEnd);
     const std::int64_t actualSize = fileSize - 8;
     if (placeholder) {
-        scan.Warn("riff.size-placeholder", 4, "RIFF", riffSize, actualSize);
+        scan.Warn("riff.size-placeholder", 0, "RIFF", riffSize, actualSize);
     } else if (declaredEnd > fileSize) {
-        scan.Warn("riff.size-mismatch", 4, "RIFF", riffSize, actualSize);
+        scan.Warn("riff.size-mismatch", 0, "RIFF", riffSize, actualSize);
     } else if (declaredEnd < fileSize && !(riffSize % 2 == 1 && declaredEnd + 1 == fileSize)) {
-        // An odd RIFF chunk's pad byte behind it is no stray byte.
-        scan.Warn("riff.trailing-bytes", declaredEnd + riffSize % 2, "RIFF", riffSize, actualSize);
+        // An odd RIFF chunk's pad byte behind it is no stray byte. The stray
+        // bytes begin where the declared size ends.
+        scan.Warn("riff.trailing-bytes", 0, "RIFF", riffSize, actualSize);
     }
     warnings.insert(warnings.end(), chunkWarnings.begin(), chunkWarnings.end());
     return true;

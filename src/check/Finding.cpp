@@ -61,6 +61,9 @@ constexpr FindingKind kKinds[] = {
     {"data.truncated", Severity::Warning, u"データがファイルの途中で切れています。",
      "The audio is cut short: the data chunk runs past the end of the file.",
      "Get the file again; --tidy makes a copy that declares the audio present."},
+    {"data.partial-frame", Severity::Warning, u"データのサイズがブロックサイズの倍数ではありません。",
+     "The data size is not a whole number of frames: the last frame is partial.",
+     "Readers differ on the last frame: some drop it, some play it padded, some refuse the file; export the file again."},
     {"chunk.missing-pad", Severity::Warning, u"奇数サイズのチャンクにパディングのバイトがありません。",
      "A chunk of odd size has no pad byte after it.",
      "Strict readers lose their way after this chunk; export the file again."},
@@ -122,9 +125,11 @@ const char16_t* ReportLineText(std::string_view code)
 }
 
 // A warning reads as a line of the report: the text, and the figures in
-// brackets: "declared 0, actual 17,678, at offset 4" in English.
+// brackets: "declared 0, actual 17,678, at offset 0" in English, the
+// figures of more between the actual one and the offset.
 Finding MakeFinding(const FindingKind& kind, std::optional<std::int64_t> offset, const std::string& chunk,
-                    std::optional<std::int64_t> declared, std::optional<std::int64_t> actual)
+                    std::optional<std::int64_t> declared, std::optional<std::int64_t> actual,
+                    std::span<const FindingFigure> more)
 {
     Finding finding;
     finding.kind = &kind;
@@ -138,6 +143,8 @@ Finding MakeFinding(const FindingKind& kind, std::optional<std::int64_t> offset,
         AppendFigure(figures, english, u"宣言", "declared", *declared);
     if (actual)
         AppendFigure(figures, english, u"実際", "actual", *actual);
+    for (const FindingFigure& figure : more)
+        AppendFigure(figures, english, figure.label, figure.english, figure.value);
     if (offset)
         AppendFigure(figures, english, u"位置", "at offset", *offset);
     finding.text = WideString(kind.text);

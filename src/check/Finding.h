@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -27,7 +28,7 @@ struct Finding {
     std::string message;   // English, with the values
     WideString text;       // the Japanese line as printed, no line end
     std::optional<std::int64_t> value;    // the value of a report line
-    std::optional<std::int64_t> offset;   // where in the file it applies
+    std::optional<std::int64_t> offset;   // where the chunk it is about begins
     std::string chunk;                    // the id of the chunk there
     std::optional<std::int64_t> declared; // what the header says
     std::optional<std::int64_t> actual;   // what the file holds
@@ -42,7 +43,16 @@ const char* SeverityName(Severity severity);
 // The Japanese text of a report line of the check, by code.
 const char16_t* ReportLineText(std::string_view code);
 
+// A figure that a finding gives beside the declared and actual ones, with
+// its label in each language.
+struct FindingFigure {
+    const char16_t* label;
+    const char* english;
+    std::int64_t value;
+};
+
 // A finding of a kind, its message and text made from the kind's and the
 // figures given.
 Finding MakeFinding(const FindingKind& kind, std::optional<std::int64_t> offset, const std::string& chunk,
-                    std::optional<std::int64_t> declared, std::optional<std::int64_t> actual);
+                    std::optional<std::int64_t> declared, std::optional<std::int64_t> actual,
+                    std::span<const FindingFigure> more = {});

@@ -60,8 +60,13 @@ void CheckData(const DataChunk& dataChunk, CheckReport& report)
 // Every way in which a run stops early leaves reportHasError true: it turns
 // false only in the all-clear step. An exception (memory, a fault) passes
 // through with the lines written so far, and the document goes on the way.
-void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportHasError)
+//
+// The chunks judged are those the document keeps in its slots: the last
+// format and data chunk it made, in a list or behind a RIFF chunk that
+// ended early too.
+void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportHasError, JudgedChunks& judged)
 {
+    judged = JudgedChunks();
     report.Clear();
     reportHasError = true;
     const WideString path = wavePath;
@@ -83,18 +88,28 @@ void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportH
         AppendLine(report, "riff.structure");
     }
 
-    if (const FormatChunk* formatChunk = document.GetFormatChunk())
+    if (const FormatChunk* formatChunk = document.GetFormatChunk()) {
+        judged.formatOffset = formatChunk->GetPosition();
         CheckFormat(*formatChunk, report);
-    else
+    } else {
         AppendLine(report, "format.missing");
+    }
 
-    if (const DataChunk* dataChunk = document.GetDataChunk())
+    if (const DataChunk* dataChunk = document.GetDataChunk()) {
+        judged.dataOffset = dataChunk->GetPosition();
         CheckData(*dataChunk, report);
-    else
+    } else {
         AppendLine(report, "data.missing");
+    }
 
     if (report.IsEmpty()) {
         report = WideString(kAllClear);
         reportHasError = false;
     }
+}
+
+void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportHasError)
+{
+    JudgedChunks judged;
+    RunWaveCheck(wavePath, report, reportHasError, judged);
 }

@@ -176,15 +176,15 @@ TEST(CheckCommandProgram, FoldersInOrderWithLoopsBrokenLinksAndTheirFormats)
     EXPECT_EQ(RunChecker(dir, {"deliveries/c.wav"}).status, 0);
     EXPECT_EQ(RunChecker(dir, {"--strict", "deliveries/c.wav"}).status, 1);
     const CheckerOutcome text = RunChecker(dir, {"deliveries/c.wav"});
-    EXPECT_EQ(text.out, "チェック完了しました。\n注意：RIFFチャンクの後ろに余分なデータがあります。 [宣言 52, 実際 54, 位置 60]\n");
+    EXPECT_EQ(text.out, "チェック完了しました。\n注意：RIFFチャンクの後ろに余分なデータがあります。 [宣言 52, 実際 54, 位置 0]\n");
 
     // CSV: a byte order mark, a header, a row a finding, a row for a sound file.
     const CheckerOutcome csv = RunChecker(dir, {"--csv", "deliveries/b.WAV", "deliveries/c.wav"});
     EXPECT_EQ(csv.out,
               "\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\",\"message\",\"text\"\r\n"
               "\"deliveries/b.WAV\",\"ok\",\"file.sound\",,\"\",,,,\"The file is sound.\",\"チェック完了しました。\"\r\n"
-              "\"deliveries/c.wav\",\"warning\",\"riff.trailing-bytes\",60,\"RIFF\",,52,54,"
-              "\"There are bytes after the RIFF chunk. (declared 52, actual 54, at offset 60)\","
-              "\"RIFFチャンクの後ろに余分なデータがあります。 [宣言 52, 実際 54, 位置 60]\"\r\n");
+              "\"deliveries/c.wav\",\"warning\",\"riff.trailing-bytes\",0,\"RIFF\",,52,54,"
+              "\"There are bytes after the RIFF chunk. (declared 52, actual 54, at offset 0)\","
+              "\"RIFFチャンクの後ろに余分なデータがあります。 [宣言 52, 実際 54, 位置 0]\"\r\n");
 }
 #endif

@@ -8,15 +8,6 @@
 
 namespace {
 
-// A warning as the table below expects it: code, declared, actual, offset
-// (-1 where there is none).
-struct Expected {
-    std::string code;
-    std::int64_t declared = -1;
-    std::int64_t actual = -1;
-    std::int64_t offset = -1;
-};
-
 std::string U32(std::uint32_t value)
 {
     return RiffBytes().U32(value).Bytes();
@@ -27,7 +18,7 @@ std::string Extensible(std::uint16_t subFormat, std::uint16_t channels, std::uin
     const auto align = static_cast<std::uint16_t>(channels * bits / 8);
     return RiffBytes()
         .U16(0xFFFE).U16(channels).U32(48000).U32(48000u * align).U16(align).U16(bits)
-        .U16(22).U16(bits).U32(channels == 6 ? 0x3F : 0x3)
+        .U16(22).U16(bits).U32(0x3)
         .U16(subFormat).Raw(std::string("\x00\x00\x00\x00\x10\x00\x80\x00\x00\xAA\x00\x38\x9B\x71", 14))
         .Bytes();
 }
@@ -37,76 +28,150 @@ std::string Header(std::string_view id, std::uint32_t size)
     return RiffBytes().Id(id).U32(size).Id("WAVE").Bytes();
 }
 
-const std::string kFmt = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes(); // 24 bytes
+std::string Fmt(const std::string& body)
+{
+    return RiffBytes().Chunk("fmt ", body).Bytes();
+}
+
+std::string Data(const std::string& body)
+{
+    return RiffBytes().Chunk("data", body).Bytes();
+}
+
+const std::string kFmt = Fmt(FormatBody(1, 2, 44100, 16)); // 24 bytes, frames of 4
+const std::string kFmt8 = Fmt(FormatBody(1, 1, 8000, 8));  // frames of 1
 const std::string kAudio(400, '\x01');
+
+// A finding as one line, so that a table row reads as the checker's output:
+// "data.truncated @36 data declared 1002 actual 400".
+std::string Describe(const std::string& code, std::int64_t offset, const std::string& chunk, std::int64_t declared,
+                     std::int64_t actual)
+{
+    std::string line = code;
+    if (offset >= 0)
+        line += " @" + std::to_string(offset) + " " + chunk;
+    if (declared >= 0)
+        line += " declared " + std::to_string(declared);
+    if (actual >= 0)
+        line += " actual " + std::to_string(actual);
+    return line;
+}
+
+struct Expected {
+    std::string code;
+    std::int64_t offset = -1;
+    std::string chunk{};
+    std::int64_t declared = -1;
+    std::int64_t actual = -1;
+};
 
 } // namespace
 
-// Each file a writer or a broken recording leaves, and the warnings it must
-// give with their figures: nothing for what is legal, exactly the fault
-// for what is not.
-TEST(FileCheckWarnings, EachFaultWithItsFiguresAndNothingForWhatIsLegal)
+// Each file a writer or a broken recording leaves, and every finding it must
+// give, errors and warnings, each at the offset of the chunk it is about
+// (the RIFF header for what concerns the RIFF size) with its figures:
+// nothing for what is legal, exactly the fault for what is not. Every kind
+// that a file's bytes can give has a row here.
+TEST(FileCheckFindings, EachKindAtTheChunkItIsAboutWithItsFigures)
 {
-    const std::string data = RiffBytes().Chunk("data", kAudio).Bytes();
+    const std::string data = Data(kAudio);
     const std::string list = RiffBytes().Chunk("LIST", std::string("INFOISFT") + U32(3) + "ab\0" + '\0').Bytes();
+    const std::string partial(3527, '\x01'); // 16-bit stereo: 881 frames and 3 bytes
     const struct {
         const char* name;
         std::string bytes;
-        std::vector<Expected> warnings;
+        std::vector<Expected> findings;
+        bool sound = false;
     } cases[] = {
-        {"sound", SoundWave(), {}},
-        {"odd chunk with its pad", Riff(kFmt + RiffBytes().Chunk("junk", "abc").Bytes() + data), {}},
-        {"list and bext", Riff(kFmt + list + RiffBytes().Chunk("bext", std::string(602, '\0')).Bytes() + data), {}},
-        {"extensible PCM", Riff(RiffBytes().Chunk("fmt ", Extensible(1, 6, 24)).Bytes() + data), {}},
+        {"sound", SoundWave(), {}, true},
+        {"odd chunk with its pad", Riff(kFmt + RiffBytes().Chunk("junk", "abc").Bytes() + data), {}, true},
+        {"list and bext", Riff(kFmt + list + RiffBytes().Chunk("bext", std::string(602, '\0')).Bytes() + data), {}, true},
+        {"extensible PCM", Riff(Fmt(Extensible(1, 2, 24)) + Data(std::string(6 * 60, '\x01'))), {}, true},
         // Some writers leave the last pad byte out of the RIFF size.
-        {"pad byte behind an odd RIFF chunk", Riff(kFmt + RiffBytes().ChunkNoPad("data", "abc").Bytes()) + '\0', {}},
-        {"odd last chunk without its pad", Riff(kFmt + RiffBytes().ChunkNoPad("data", "abc").Bytes()),
-         {{"chunk.missing-pad", 3, -1, 36}}},
-        {"RF64", Header("RF64", 0xFFFFFFFF) + kFmt + data, {{"container.rf64", -1, -1, 0}}},
+        {"pad byte behind an odd RIFF chunk", Riff(kFmt8 + RiffBytes().ChunkNoPad("data", "abc").Bytes()) + '\0', {}, true},
+        {"odd last chunk without its pad", Riff(kFmt8 + RiffBytes().ChunkNoPad("data", "abc").Bytes()),
+         {{"chunk.missing-pad", 36, "data", 3}}, true},
+        {"odd chunk without its pad", Riff(kFmt + RiffBytes().ChunkNoPad("junk", "abc").Bytes() + data),
+         {{"data.missing"}, {"chunk.missing-pad", 36, "junk", 3}}},
+        {"not RIFF", "hello, this is text", {{"riff.not-riff"}}},
+        {"RIFF further on", "junk" + SoundWave(), {{"riff.structure"}}},
+        {"empty RIFF", Riff(""), {{"format.missing"}, {"data.missing"}}},
+        {"RF64", Header("RF64", 0xFFFFFFFF) + kFmt + data, {{"riff.not-riff"}, {"container.rf64", 0, "RF64"}}},
+        {"bad format and empty data", Riff(Fmt(RiffBytes().U16(3).U16(6).U32(0).U32(0).U16(24).U16(32).Bytes()) + Data("")),
+         {{"format.not-pcm", 12, "fmt "}, {"format.sample-rate", 12, "fmt "}, {"format.bits", 12, "fmt "},
+          {"format.channels", 12, "fmt "}, {"data.size", 36, "data"}, {"data.frames", 36, "data"}}},
+        // The check takes the format chunk read last; the warning is of the
+        // second one too.
+        {"two format chunks", Riff(kFmt + Fmt(FormatBody(3, 2, 44100, 32)) + data),
+         {{"format.not-pcm", 36, "fmt "}, {"format.bits", 36, "fmt "}, {"format.duplicate", 36, "fmt "}}},
+        // The data chunk that the check reads lies outside the RIFF chunk.
+        {"empty data behind a RIFF chunk that ends early", Header("RIFF", 4 + 24) + kFmt + Data(""),
+         {{"data.size", 36, "data"}, {"data.frames", 36, "data"}, {"riff.trailing-bytes", 0, "RIFF", 28, 36}}},
+        {"bytes after the RIFF chunk", Riff(kFmt + data) + "ID3\x03junk",
+         {{"riff.trailing-bytes", 0, "RIFF", 436, 444}}, true},
         {"unfinished: sizes 0", Header("RIFF", 0) + kFmt + RiffBytes().ChunkWithSize("data", 0, kAudio).Bytes(),
-         {{"riff.size-placeholder", 0, 436, 4}, {"data.size-placeholder", 0, 400, 36}}},
+         {{"data.size", 36, "data"}, {"riff.size-placeholder", 0, "RIFF", 0, 436}, {"data.size-placeholder", 36, "data", 0, 400}}},
+        // Placeholders and sizes past the end are no partial frames, whatever they divide into.
         {"unfinished: sizes 0xFFFFFFFF",
          Header("RIFF", 0xFFFFFFFF) + kFmt + RiffBytes().ChunkWithSize("data", 0xFFFFFFFF, kAudio).Bytes(),
-         {{"riff.size-placeholder", 0xFFFFFFFF, 436, 4}, {"data.size-placeholder", 0xFFFFFFFF, 400, 36}}},
+         {{"riff.size-placeholder", 0, "RIFF", 0xFFFFFFFF, 436}, {"data.size-placeholder", 36, "data", 0xFFFFFFFF, 400}}, true},
         {"unfinished: the paged placeholder",
          Header("RIFF", 0x7FFFF024) + kFmt + RiffBytes().ChunkWithSize("data", 0x7FFFF000, kAudio).Bytes(),
-         {{"riff.size-placeholder", 0x7FFFF024, 436, 4}, {"data.size-placeholder", 0x7FFFF000, 400, 36}}},
-        {"cut short in the audio", Header("RIFF", 4 + 24 + 8 + 1000) + kFmt + RiffBytes().ChunkWithSize("data", 1000, kAudio).Bytes(),
-         {{"riff.size-mismatch", 1036, 436, 4}, {"data.truncated", 1000, 400, 36}}},
-        {"RIFF size too small", Header("RIFF", 4 + 24) + kFmt + data,
-         {{"riff.trailing-bytes", 28, 436, 36}}},
-        {"bytes after the RIFF chunk", Riff(kFmt + data) + "ID3\x03junk",
-         {{"riff.trailing-bytes", 436, 444, 444}}},
-        {"odd chunk without its pad", Riff(kFmt + RiffBytes().ChunkNoPad("junk", "abc").Bytes() + data),
-         {{"chunk.missing-pad", 3, -1, 36}}},
-        {"two format chunks", Riff(kFmt + kFmt + data), {{"format.duplicate", -1, -1, 36}}},
-        {"block align", Riff(RiffBytes().Chunk("fmt ", FormatBodyAligned(1, 2, 44100, 16, 2)).Bytes() + data),
-         {{"format.block-align", 2, 4, 12}}},
-        {"byte rate", Riff(RiffBytes().Chunk("fmt ", RiffBytes().U16(1).U16(2).U32(44100).U32(44100).U16(4).U16(16).Bytes()).Bytes() + data),
-         {{"format.byte-rate", 44100, 176400, 12}}},
-        {"extensible float", Riff(RiffBytes().Chunk("fmt ", Extensible(3, 2, 32)).Bytes() + data),
-         {{"format.extensible-not-pcm", -1, -1, 12}}},
+         {{"riff.size-placeholder", 0, "RIFF", 0x7FFFF024, 436}, {"data.size-placeholder", 36, "data", 0x7FFFF000, 400}}, true},
+        {"cut short in the audio", Header("RIFF", 4 + 24 + 8 + 1002) + kFmt + RiffBytes().ChunkWithSize("data", 1002, kAudio).Bytes(),
+         {{"riff.size-mismatch", 0, "RIFF", 1038, 436}, {"data.truncated", 36, "data", 1002, 400}}, true},
+        {"block align", Riff(Fmt(FormatBodyAligned(1, 2, 44100, 16, 2)) + data), {{"format.block-align", 12, "fmt ", 2, 4}}, true},
+        {"byte rate", Riff(Fmt(RiffBytes().U16(1).U16(2).U32(44100).U32(44100).U16(4).U16(16).Bytes()) + data),
+         {{"format.byte-rate", 12, "fmt ", 44100, 176400}}, true},
+        {"extensible float", Riff(Fmt(Extensible(3, 2, 32)) + data),
+         {{"format.bits", 12, "fmt "}, {"format.extensible-not-pcm", 12, "fmt "}}},
+        {"partial frame", Riff(kFmt + Data(partial)), {{"data.partial-frame", 36, "data", 3527, 3524}}, true},
+        {"partial frame, the format behind the data", Riff(Data(partial) + kFmt),
+         {{"data.partial-frame", 12, "data", 3527, 3524}}, true},
+        // A compressed format's block holds many frames, and its last one
+        // may be cut short.
+        {"blocks of a compressed format", Riff(Fmt(FormatBodyAligned(0x11, 1, 8000, 4, 256)) + Data(std::string(300, '\0'))),
+         {{"format.not-pcm", 12, "fmt "}, {"format.bits", 12, "fmt "}}},
     };
+    // Kinds that come of a path, never of a file's bytes.
+    std::set<std::string> covered = {"file.missing", "file.unreadable", "folder.unreadable", "folder.link-loop",
+                                     "file.broken-link"};
     TempDir dir;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         FileCheck check;
         CheckFile(dir.Write("case.wav", c.bytes), check);
-        std::vector<Expected> warnings;
-        for (const Finding& finding : check.findings) {
-            if (finding.kind->severity == Severity::Warning)
-                warnings.push_back({finding.kind->code, finding.declared.value_or(-1), finding.actual.value_or(-1),
-                                    finding.offset.value_or(-1)});
+        std::vector<std::string> found, expected;
+        for (const Finding& finding : check.findings)
+            found.push_back(Describe(finding.kind->code, finding.offset.value_or(-1), finding.chunk,
+                                     finding.declared.value_or(-1), finding.actual.value_or(-1)));
+        for (const Expected& e : c.findings) {
+            expected.push_back(Describe(e.code, e.offset, e.chunk, e.declared, e.actual));
+            covered.insert(e.code);
         }
-        ASSERT_EQ(warnings.size(), c.warnings.size());
-        for (std::size_t i = 0; i < warnings.size(); ++i) {
-            EXPECT_EQ(warnings[i].code, c.warnings[i].code);
-            EXPECT_EQ(warnings[i].declared, c.warnings[i].declared);
-            EXPECT_EQ(warnings[i].actual, c.warnings[i].actual);
-            EXPECT_EQ(warnings[i].offset, c.warnings[i].offset);
-        }
-        EXPECT_EQ(check.HasWarnings(), !c.warnings.empty());
+        EXPECT_EQ(found, expected);
+        // Warnings never change the verdict.
+        EXPECT_EQ(check.hasError, !c.sound);
     }
+    std::size_t count = 0;
+    const FindingKind* kinds = FindingKinds(count);
+    for (std::size_t i = 0; i < count; ++i)
+        EXPECT_TRUE(covered.count(kinds[i].code)) << kinds[i].code << " has no file in the table";
+}
+
+// A warning's figures beyond the declared and actual ones stand in both
+// texts, between those and the offset.
+TEST(FileCheckFindings, PartialFrameSaysTheWholeFramesAndTheBytesLeftOver)
+{
+    TempDir dir;
+    FileCheck check;
+    CheckFile(dir.Write("partial.wav", Riff(kFmt + Data(std::string(3527, '\x01')))), check);
+    EXPECT_EQ(check.report.ToU16String(), u"チェック完了しました。\r\n");
+    ASSERT_EQ(check.findings.size(), 1u);
+    EXPECT_EQ(check.findings[0].message, "The data size is not a whole number of frames: the last frame is partial. "
+                                         "(declared 3,527, actual 3,524, whole frames 881, bytes left over 3, at offset 36)");
+    EXPECT_EQ(check.findings[0].text.ToU16String(),
+              u"データのサイズがブロックサイズの倍数ではありません。 [宣言 3527, 実際 3524, フレーム 881, 余り 3, 位置 36]");
 }
 
 // The errors are the report's lines, one for one, each with the code whose
@@ -114,7 +179,8 @@ TEST(FileCheckWarnings, EachFaultWithItsFiguresAndNothingForWhatIsLegal)
 TEST(FileCheckFindings, ErrorsAreTheReportLinesWithCodesValuesAndPlaces)
 {
     TempDir dir;
-    const std::string body = RiffBytes().U16(3).U16(6).U32(0).U32(0).U16(24).U16(32).Bytes();
+    // A tag whose hexadecimal digits read as another decimal number.
+    const std::string body = RiffBytes().U16(0x55).U16(6).U32(0).U32(0).U16(24).U16(32).Bytes();
     FileCheck check;
     CheckFile(dir.Write("bad.wav", Riff(RiffBytes().Chunk("fmt ", body).Bytes() + RiffBytes().Chunk("data", "").Bytes())), check);
     const std::u16string report = check.report.ToU16String();
@@ -125,13 +191,16 @@ TEST(FileCheckFindings, ErrorsAreTheReportLinesWithCodesValuesAndPlaces)
         codes.push_back(finding.kind->code);
         lines += finding.text.ToU16String() + u"\r\n";
         EXPECT_TRUE(finding.value.has_value());
-        EXPECT_EQ(finding.offset.value_or(-1), finding.chunk == "fmt " ? 12 : 36);
     }
     EXPECT_EQ(lines, report);
     EXPECT_EQ(codes, (std::vector<std::string>{"format.not-pcm", "format.sample-rate", "format.bits", "format.channels",
                                                "data.size", "data.frames"}));
-    EXPECT_EQ(check.findings[0].value, 3);
+    // The English message writes the tag as the Japanese line does.
+    EXPECT_EQ(check.findings[0].value, 0x55);
+    EXPECT_EQ(check.findings[0].message, "The audio is not PCM. [0055]");
+    EXPECT_EQ(check.findings[0].text.ToU16String(), u"PCMではありません。 [0055]");
     EXPECT_EQ(check.findings[3].value, 6);
+    EXPECT_EQ(check.findings[3].message, "The file has neither one nor two channels. [6]");
 
     CheckFile(dir.Write("sound.wav", SoundWave()), check);
     EXPECT_FALSE(check.hasError);

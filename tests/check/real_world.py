@@ -93,7 +93,7 @@ def true_warnings(path):
                 # Only what a pipe leaves: the sizes of a writer that could
                 # not go back.
                 assert chunk_size in (0xFFFFFFFF, 0x7FFFF000), path
-                warnings.insert(0, ("riff.size-placeholder", riff_size, size - 8, 4))
+                warnings.insert(0, ("riff.size-placeholder", riff_size, size - 8, 0))
                 warnings.append(("data.size-placeholder", chunk_size, present, position))
                 break
         position += 8 + chunk_size + chunk_size % 2
