@@ -5,19 +5,46 @@
 #include "mend/TidyPlan.h"
 #include "mend/TidyWalk.h"
 #include "platform/FileSystem.h"
+#include "platform/Folder.h"
 #include "wave/FileFacts.h"
 
 namespace {
 
-// A free name beside output for the file being written.
-bool CreateTemporary(const WideString& output, FileStream& stream, WideString& temporary)
+// The copy is written under OUT's name with ".sondara-check-unfinished"
+// behind it and renamed once whole. The name tells a person who finds one
+// (left by a tidy killed while it wrote) whose it is and that the copy in
+// it is not whole; it doesn't end in ".wav", so no check of the folder
+// takes it for a recording. Being one name for each OUT, it is known for a
+// leftover by the next tidy of the same OUT, which removes it.
+WideString TemporaryFor(const WideString& output)
 {
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        temporary = output + WideString::FromAscii(".partial-" + std::to_string(attempt));
-        if (stream.CreateNew(temporary, false))
-            return true;
+    return output + WideString::FromAscii(".sondara-check-unfinished");
+}
+
+// Makes the temporary, after removing a leftover of an earlier tidy of the
+// same OUT: a file of exactly its name, never a folder, nor the input (a
+// leftover given to be mended), which refuses the copy. Two tidies of one
+// OUT at the same moment are not told apart: on POSIX the later removes the
+// file the earlier is writing; on Windows a file open for writing can't be
+// removed, and the later is refused.
+bool CreateTemporary(const WideString& temporary, const WideString& input, const WideString& output,
+                     FileStream& stream, std::string& problem)
+{
+    const std::uint32_t attributes = platform::GetPathAttributes(temporary.View());
+    if (attributes != platform::kInvalidFileAttributes && !(attributes & platform::kFileAttributeDirectory)) {
+        platform::FolderIdentity leftover, source;
+        if (platform::GetFolderIdentity(temporary.View(), leftover) &&
+            platform::GetFolderIdentity(input.View(), source) && leftover == source) {
+            problem = "the file has the name that the copy is written under until it is whole; rename it first";
+            return false;
+        }
+        platform::RemoveFile(temporary.View());
     }
-    return false;
+    if (!stream.CreateNew(temporary, false)) {
+        problem = "can't make a file beside " + WideToPathUtf8(output.View());
+        return false;
+    }
+    return true;
 }
 
 // A dry run first: a RIFF copy that would pass 4 GiB is written as RF64.
@@ -60,11 +87,9 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
     }
     source.EnableReadAhead(64 * 1024);
     FileStream target;
-    WideString temporary;
-    if (!CreateTemporary(output, target, temporary)) {
-        problem = "can't make a file beside " + WideToPathUtf8(output.View());
+    const WideString temporary = TemporaryFor(output);
+    if (!CreateTemporary(temporary, input, output, target, problem))
         return false;
-    }
     const bool written = WriteCopy(source, target, plan, changes, problem);
     target.Close();
     if (!written) {

@@ -13,10 +13,12 @@
 // audio up to the chunks written behind it.
 //
 // The copy goes to output, which must not exist yet, through a temporary
-// file beside it that is flushed and renamed at the end; the input is only
-// read. It is refused, with the reason in problem, wherever something
-// would be lost or the end of the audio can't be told for certain; nothing
-// is left behind then. changes receives what the copy does differently
-// from the input, one line each.
+// file beside it (output's name and ".sondara-check-unfinished") that is
+// flushed and renamed at the end; one that an earlier tidy of the same
+// output left is removed first. The input is only read. The copy is
+// refused, with the reason in problem, wherever something would be lost or
+// the end of the audio can't be told for certain; nothing is left behind
+// then. changes receives what the copy does differently from the input,
+// one line each.
 bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector<std::string>& changes,
                   std::string& problem);

@@ -17,7 +17,7 @@ struct FolderEntry {
     EntryKind kind = EntryKind::Other;
 };
 
-// Tells folders apart whatever the path that leads to them.
+// Tells folders, and files, apart whatever the path that leads to them.
 struct FolderIdentity {
     std::uint64_t volume = 0;
     std::uint64_t index = 0;

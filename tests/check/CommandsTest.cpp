@@ -14,6 +14,14 @@
 
 #include <cstring>
 
+#ifdef SONDARA_CHECK_PROGRAM
+#include "support/CheckerProcess.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+#endif
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -267,6 +275,64 @@ TEST(TidyCopy, RefusesWhereSomethingWouldBeLost)
         EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav"));
     }
 }
+
+#ifdef SONDARA_CHECK_PROGRAM
+// A tidy killed while it writes leaves its copy under a name that says it
+// is unfinished; the next tidy of the same OUT removes it and makes the
+// copy. Nothing else beside OUT is removed: not another name, and not a
+// folder of the temporary's name nor a leftover given as the input, which
+// refuse the copy instead.
+TEST(TidyCopyProgram, NextRunRemovesTheCopyAKilledRunLeft)
+{
+    TempDir dir;
+    const std::string sound = Riff(kFormat + RiffBytes().Chunk("data", Tone(2 * 1024 * 1024)).Bytes());
+    dir.Write("big.wav", sound);
+    const std::string leftover = dir.Native() + "/out.wav.sondara-check-unfinished";
+    // 8 MiB read 64 KiB at a time, each read 10 ms late: more than a second.
+    const CheckerSettings slowReads = {"LD_PRELOAD=" SONDARA_FAULT_SHIM, "SONDARA_FAULT_PATH=big.wav",
+                                       "SONDARA_FAULT_SHORT_READS=65536", "SONDARA_FAULT_READ_DELAY_MS=10",
+                                       "ASAN_OPTIONS=verify_asan_link_order=0"};
+    const int none = open("/dev/null", O_RDWR);
+    const pid_t child = StartChecker(dir, {"--tidy", "out.wav", "big.wav"}, none, none, none, slowReads);
+    close(none);
+    const auto writtenSoFar = [&] {
+        std::error_code missing;
+        const std::uintmax_t size = std::filesystem::file_size(leftover, missing);
+        return missing ? 0 : size;
+    };
+    // Killed once a mebibyte of the copy is out, or after ten seconds.
+    for (int wait = 0; wait < 2000 && writtenSoFar() < (1u << 20); ++wait)
+        usleep(5000);
+    kill(child, SIGKILL);
+    EXPECT_EQ(WaitForChecker(child), 128 + SIGKILL);
+    ASSERT_TRUE(std::filesystem::exists(leftover));
+    EXPECT_LT(std::filesystem::file_size(leftover), sound.size());
+    EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav"));
+
+    dir.Write("out.wav.partial-0", "not the checker's");
+    const CheckerOutcome again = RunChecker(dir, {"--tidy", "out.wav", "big.wav"});
+    EXPECT_EQ(again.status, 0);
+    EXPECT_EQ(again.out, "nothing to mend; written to out.wav\n");
+    EXPECT_EQ(Contents(dir, "out.wav"), sound);
+    EXPECT_FALSE(std::filesystem::exists(leftover));
+    EXPECT_EQ(Contents(dir, "out.wav.partial-0"), "not the checker's");
+
+    dir.MakeDir("held.wav.sondara-check-unfinished");
+    const CheckerOutcome held = RunChecker(dir, {"--tidy", "held.wav", "big.wav"});
+    EXPECT_EQ(held.status, 1);
+    EXPECT_EQ(held.out, "not written: can't make a file beside held.wav\n");
+    EXPECT_TRUE(std::filesystem::is_directory(dir.Native() + "/held.wav.sondara-check-unfinished"));
+    EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/held.wav"));
+
+    dir.Write("kept.wav.sondara-check-unfinished", sound);
+    const CheckerOutcome itself = RunChecker(dir, {"--tidy", "kept.wav", "kept.wav.sondara-check-unfinished"});
+    EXPECT_EQ(itself.status, 1);
+    EXPECT_EQ(itself.out, "not written: the file has the name that the copy is written under until it is whole; "
+                          "rename it first\n");
+    EXPECT_EQ(Contents(dir, "kept.wav.sondara-check-unfinished"), sound);
+    EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/kept.wav"));
+}
+#endif
 
 // An RF64 file, which the check takes for one that is not RIFF: the chunk
 // list shows ds64's sizes beside the fields that defer to them, the levels

@@ -129,8 +129,7 @@ TEST(HostileRf64Program, TidyAndChunksEndAtOnceWithTheReason)
         EXPECT_EQ(tidy.status, 1);
         EXPECT_EQ(tidy.out, "not written: " + c.reason + "\n");
         EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav"));
-        EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav.partial-0"));
-        std::filesystem::remove(dir.Native() + "/out.wav.partial-0");
+        EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav.sondara-check-unfinished"));
 
         const CheckerOutcome chunks = RunChecker(dir, {"--chunks", "hostile.wav"});
         EXPECT_EQ(chunks.status, 1);

@@ -177,7 +177,7 @@ def main():
     not_sound = sorted(set(must_be_sound) - sound_ones(checker, must_be_sound))
     if not_sound:
         sys.exit(f"unfinished_copies: mended from sound files, yet not sound: {not_sound}")
-    leftovers = [name for name in os.listdir(work) if ".partial-" in name]
+    leftovers = [name for name in os.listdir(work) if name.endswith(".sondara-check-unfinished")]
     if leftovers:
         sys.exit(f"unfinished_copies: left behind: {leftovers}")
     print(f"{len(jobs)} unfinished copies mended, each with its chunks byte for byte and its whole frames;"

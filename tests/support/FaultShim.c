@@ -3,7 +3,8 @@
  * the files whose path contains SONDARA_FAULT_PATH and makes their reads
  *   - fail with EIO once they reach the byte SONDARA_FAULT_EIO_AFTER of the
  *     file (a read across it brings the bytes before it first), and/or
- *   - come short: at most SONDARA_FAULT_SHORT_READS bytes a call;
+ *   - come short: at most SONDARA_FAULT_SHORT_READS bytes a call, and/or
+ *   - come slowly: each after SONDARA_FAULT_READ_DELAY_MS milliseconds;
  * and makes the first open of such a file take SONDARA_FAULT_OPEN_DELAY_MS
  * milliseconds, as a file on a slow or sleeping disk does.
  * For a file opened for direct transfers both numbers must be whole sectors,
@@ -26,6 +27,7 @@ static const char* faultPath;
 static long long eioAfter = -1;
 static long long shortReads = 0;
 static long long openDelay = 0;
+static long long readDelay = 0;
 static int delayed;
 
 static long long NumberFrom(const char* name, long long otherwise)
@@ -42,6 +44,7 @@ __attribute__((constructor)) static void ReadSettings(void)
     eioAfter = NumberFrom("SONDARA_FAULT_EIO_AFTER", -1);
     shortReads = NumberFrom("SONDARA_FAULT_SHORT_READS", 0);
     openDelay = NumberFrom("SONDARA_FAULT_OPEN_DELAY_MS", 0);
+    readDelay = NumberFrom("SONDARA_FAULT_READ_DELAY_MS", 0);
 }
 
 static void* Real(const char* name)
@@ -69,6 +72,8 @@ static int IsWatched(int descriptor)
 /* How many of count bytes at position a read may bring: -1 for EIO. */
 static long long Allowed(long long position, size_t count)
 {
+    if (readDelay > 0)
+        usleep((useconds_t)(readDelay * 1000));
     long long allowed = (long long)count;
     if (shortReads > 0 && allowed > shortReads)
         allowed = shortReads;
