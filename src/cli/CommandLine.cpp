@@ -1,0 +1,188 @@
+#include "cli/CommandLine.h"
+
+#include "base/TextFormat.h"
+#include "base/Utf8.h"
+#include "cli/CheckOptions.h"
+#include "cli/ConsoleSink.h"
+#include "platform/Console.h"
+
+#include "platform/ProgramVersion.h"
+
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+constexpr char kOneMode[] = "sondara-check: --chunks, --levels and --tidy go one at a time";
+
+// The message, if any, and the usage on standard error; exit status 2.
+int UsageError(const std::string& message)
+{
+    const std::string text = (message.empty() ? "" : message + "\n") + UsageText();
+    platform::WriteToStandardError(WithLineEnd(text, platform::kLineEnd));
+    return 2;
+}
+
+// A number such as "-23", "0.5" or "+1": false when it is none.
+bool ParseDecibels(const std::u16string& text, double& value)
+{
+    std::string ascii;
+    for (char16_t unit : text) {
+        if (unit >= 0x80)
+            return false;
+        ascii += static_cast<char>(unit);
+    }
+    char* end = nullptr;
+    value = std::strtod(ascii.c_str(), &end);
+    return !ascii.empty() && end && *end == '\0' && std::isfinite(value);
+}
+
+// The number behind -j: a whole number from 1 to 256; 0 when it is none.
+unsigned ParseJobs(const std::u16string& text)
+{
+    if (text.empty() || text.size() > 3)
+        return 0;
+    unsigned jobs = 0;
+    for (char16_t unit : text) {
+        if (unit < u'0' || unit > u'9')
+            return 0;
+        jobs = jobs * 10 + (unit - u'0');
+    }
+    return jobs <= 256 ? jobs : 0;
+}
+
+// The flags as given, in any order; which mode they make is decided once
+// they are all read.
+struct Flags {
+    OutputFormat format = OutputFormat::Text;
+    int formats = 0;
+    bool strict = false;
+    unsigned jobs = 0;
+    bool nulSeparated = false;
+    bool chunks = false;
+    bool levels = false;
+    bool loudness = false;
+    bool tidy = false;
+    WideString tidyOutput;
+    std::string targetName;
+    double customFigures[3] = {0, 0, 0};
+    bool customGiven[3] = {false, false, false};
+    std::vector<WideString> paths;
+};
+
+// Reads every argument into flags; the exit status when one ends the run
+// (--help, --version, or one that is wrong).
+std::optional<int> ReadFlags(const std::vector<std::u16string>& arguments, Flags& flags)
+{
+    bool optionsEnded = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::u16string& argument = arguments[i];
+        const bool hasValue = i + 1 < arguments.size();
+        if (optionsEnded || argument.size() < 2 || argument[0] != u'-') {
+            flags.paths.emplace_back(argument);
+        } else if (!IsCheckOption(argument)) {
+            return UsageError("sondara-check: unknown option " + WideToUtf8(argument));
+        } else if (argument == u"--version") {
+            WriteWholeToStandardOutput(WithLineEnd("sondara-check " SONDARA_VERSION_DOTTED "\n", platform::kLineEnd));
+            return 0;
+        } else if (argument == u"--help") {
+            WriteWholeToStandardOutput(WithLineEnd(HelpText(), platform::kLineEnd));
+            return 0;
+        } else if (argument == u"--json" || argument == u"--jsonl" || argument == u"--csv") {
+            flags.format = argument == u"--json" ? OutputFormat::Json
+                         : argument == u"--jsonl" ? OutputFormat::JsonLines : OutputFormat::Csv;
+            ++flags.formats;
+        } else if (argument == u"--strict") {
+            flags.strict = true;
+        } else if (argument == u"-0") {
+            flags.nulSeparated = true;
+        } else if (argument.rfind(u"-j", 0) == 0) {
+            const bool separate = argument.size() == 2;
+            if (separate && !hasValue)
+                return UsageError("sondara-check: -j needs a number of files to check at once");
+            flags.jobs = ParseJobs(separate ? arguments[++i] : argument.substr(2));
+            if (flags.jobs == 0)
+                return UsageError("sondara-check: -j takes a number from 1 to 256");
+        } else if (argument == u"--chunks") {
+            flags.chunks = true;
+        } else if (argument == u"--levels") {
+            flags.levels = true;
+        } else if (argument == u"--loudness") {
+            flags.loudness = true;
+        } else if (argument == u"--target") {
+            DeliveryTarget known;
+            if (!hasValue || !FindDeliveryTarget(WideToUtf8(arguments[i + 1]), known))
+                return UsageError("sondara-check: --target takes ebu-r128, atsc-a85 or streaming");
+            flags.targetName = known.name;
+            ++i;
+        } else if (argument == u"--target-lufs" || argument == u"--tolerance" || argument == u"--max-true-peak") {
+            const int which = argument == u"--target-lufs" ? 0 : argument == u"--tolerance" ? 1 : 2;
+            if (!hasValue || !ParseDecibels(arguments[i + 1], flags.customFigures[which]))
+                return UsageError("sondara-check: " + WideToUtf8(argument) + " takes a number");
+            flags.customGiven[which] = true;
+            ++i;
+        } else if (argument == u"--tidy") {
+            if (!hasValue)
+                return UsageError("sondara-check: --tidy needs the path of the copy");
+            flags.tidy = true;
+            flags.tidyOutput = WideString(arguments[++i]);
+        } else if (argument == u"--") {
+            optionsEnded = true;
+        } else {
+            return UsageError("sondara-check: unknown option " + WideToUtf8(argument));
+        }
+    }
+    return std::nullopt;
+}
+
+// The mode the flags make, and its options: the loudness and the targets
+// are parts of the levels. The exit status when they don't go together.
+std::optional<int> DecideMode(Flags& flags, CommandLine& line)
+{
+    const bool customTarget = flags.customGiven[0] || flags.customGiven[1] || flags.customGiven[2];
+    const bool levels = flags.levels || flags.loudness || !flags.targetName.empty() || customTarget;
+    if (int{flags.chunks} + int{levels} + int{flags.tidy} > 1)
+        return UsageError(kOneMode);
+    if (flags.formats > 1)
+        return UsageError("sondara-check: --json, --jsonl and --csv go one at a time");
+    line.mode = flags.chunks ? RunMode::Chunks : levels ? RunMode::Levels : flags.tidy ? RunMode::Tidy : RunMode::Check;
+    LevelOptions& levelOptions = line.levelOptions;
+    levelOptions.loudness = flags.loudness || !flags.targetName.empty() || customTarget;
+    if (!flags.targetName.empty()) {
+        FindDeliveryTarget(flags.targetName, levelOptions.target);
+        levelOptions.hasTarget = true;
+    }
+    if (customTarget) {
+        if (!flags.customGiven[0] || levelOptions.hasTarget)
+            return UsageError("sondara-check: --target-lufs sets a target of your own, instead of --target");
+        levelOptions.target = {"own", flags.customFigures[0], flags.customGiven[1] ? flags.customFigures[1] : 1.0,
+                               flags.customGiven[2] ? flags.customFigures[2] : -1.0};
+        levelOptions.hasTarget = true;
+    }
+    if (flags.paths.empty())
+        return UsageError("");
+    if (line.mode != RunMode::Check && (flags.format == OutputFormat::JsonLines || flags.format == OutputFormat::Csv))
+        return UsageError("sondara-check: --jsonl and --csv go with the check only");
+    if (line.mode == RunMode::Tidy && flags.paths.size() != 1)
+        return UsageError("sondara-check: --tidy copies one file at a time");
+    line.format = flags.format;
+    line.strict = flags.strict;
+    line.jobs = flags.jobs;
+    line.nulSeparated = flags.nulSeparated;
+    line.tidyOutput = std::move(flags.tidyOutput);
+    line.paths = std::move(flags.paths);
+    return std::nullopt;
+}
+
+} // namespace
+
+// Reads the arguments into line. When the command line is the whole run
+// (--help, --version, bad usage) gives its exit status, having written what
+// it has to say; nothing when there is a run to make.
+std::optional<int> ReadCommandLine(const std::vector<std::u16string>& arguments, CommandLine& line)
+{
+    Flags flags;
+    if (const std::optional<int> status = ReadFlags(arguments, flags))
+        return status;
+    return DecideMode(flags, line);
+}
