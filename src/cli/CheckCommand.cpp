@@ -78,27 +78,30 @@ bool MeasureFile(const WideString& path, bool json, const LevelOptions& levelOpt
 
 // Each file's listing or levels as it is made: in JSON one element of the
 // array for each file. On a terminal each goes out once it is whole.
-int RunEachFile(RunMode mode, bool json, const std::vector<WideString>& paths, const LevelOptions& levelOptions)
+int RunEachFile(RunMode mode, bool json, FileSources& sources, const LevelOptions& levelOptions)
 {
     ConsoleSink sink(json ? ConsoleSink::Bytes::Exact : ConsoleSink::Bytes::Text);
     const bool flushEachFile = platform::IsStandardOutputTerminal();
+    const bool several = sources.LookAhead(2) > 1;
     bool allWell = true;
     if (json)
         sink.Put("[");
-    for (std::size_t i = 0; i < paths.size(); ++i) {
+    SourcePath source;
+    std::size_t count = 0;
+    for (; sources.Next(source); ++count) {
         if (json)
-            sink.Put(i == 0 ? "\n  " : ",\n  ");
-        else if (paths.size() > 1)
-            sink.Put("== " + WideToPathUtf8(paths[i].View()) + "\n");
+            sink.Put(count == 0 ? "\n  " : ",\n  ");
+        else if (several)
+            sink.Put("== " + WideToPathUtf8(source.path.View()) + "\n");
         if (mode == RunMode::Chunks)
-            allWell = ListChunks(paths[i], json, sink) && allWell;
+            allWell = ListChunks(source.path, json, sink) && allWell;
         else
-            allWell = MeasureFile(paths[i], json, levelOptions, sink) && allWell;
+            allWell = MeasureFile(source.path, json, levelOptions, sink) && allWell;
         if (flushEachFile)
             sink.Flush();
     }
     if (json)
-        sink.Put(paths.empty() ? "]\n" : "\n]\n");
+        sink.Put(count == 0 ? "]\n" : "\n]\n");
     return allWell ? 0 : 1;
 }
 
@@ -137,7 +140,7 @@ int RunTidy(bool json, const WideString& output, const WideString& input)
 }
 
 // The check of every path, several at once, printed in order.
-int RunCheckMode(const CommandLine& line, const std::vector<SourcePath>& sources)
+int RunCheckMode(const CommandLine& line, FileSources& sources)
 {
     ConsoleSink sink(line.format == OutputFormat::Text ? ConsoleSink::Bytes::Text : ConsoleSink::Bytes::Exact);
     CheckRunOptions run;
@@ -159,19 +162,10 @@ int ConsoleMain(const std::vector<std::u16string>& arguments)
     if (line.mode == RunMode::Tidy)
         return RunTidy(json, line.tidyOutput, line.paths[0]);
 
-    std::vector<SourcePath> sources;
-    std::vector<std::string> nothingFound;
-    ExpandSources(line.paths, SourceOptions{line.nulSeparated}, sources, nothingFound);
-    int status = 0;
-    if (line.mode == RunMode::Check) {
-        status = RunCheckMode(line, sources);
-    } else {
-        std::vector<WideString> files;
-        for (const SourcePath& source : sources)
-            files.push_back(source.path);
-        status = RunEachFile(line.mode, json, files, line.levelOptions);
-    }
-    for (const std::string& message : nothingFound)
+    FileSources sources(std::move(line.paths), SourceOptions{line.nulSeparated});
+    const int status = line.mode == RunMode::Check ? RunCheckMode(line, sources)
+                                                   : RunEachFile(line.mode, json, sources, line.levelOptions);
+    for (const std::string& message : sources.NothingFound())
         platform::WriteToStandardError(WithLineEnd(message + "\n", platform::kLineEnd));
-    return nothingFound.empty() ? status : 1;
+    return sources.NothingFound().empty() ? status : 1;
 }

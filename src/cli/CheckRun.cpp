@@ -12,12 +12,20 @@
 
 namespace {
 
+// A path of the run and what its check found.
+struct CheckedPath {
+    SourcePath source;
+    FileCheck check;
+};
+
 // The checks run on threads of the language's library: the checker needs
 // nothing of them but to start, wait and lock, the same on every system.
+// Each thread takes the next path from the sources itself, under a lock of
+// their own, so that a slow folder or standard input holds up no result
+// being handed over.
 class OrderedChecks {
 public:
-    OrderedChecks(const std::vector<SourcePath>& paths, unsigned jobs)
-        : paths(paths), window(jobs * 8), results(window)
+    OrderedChecks(FileSources& sources, unsigned jobs) : sources(sources), window(jobs * 8), results(window)
     {
         for (unsigned i = 0; i < jobs; ++i)
             workers.emplace_back([this] { Work(); });
@@ -33,66 +41,97 @@ public:
             worker.join();
     }
 
-    // The result of the next path in order, once it is there.
-    FileCheck Take()
+    // The result of the next path in order, once it is there; false when
+    // every path has been taken.
+    bool Take(CheckedPath& checked)
     {
         std::unique_lock<std::mutex> hold(lock);
-        std::optional<FileCheck>& slot = results[taken % window];
-        changed.wait(hold, [&] { return slot.has_value(); });
-        FileCheck check = std::move(*slot);
+        std::optional<CheckedPath>& slot = results[taken % window];
+        changed.wait(hold, [&] { return slot.has_value() || (total && taken == *total); });
+        if (!slot)
+            return false;
+        checked = std::move(*slot);
         slot.reset();
         ++taken;
         changed.notify_all();
-        return check;
+        return true;
+    }
+
+    // The number of paths of the run, once the sources have seen their end.
+    std::optional<std::size_t> Total()
+    {
+        std::lock_guard<std::mutex> hold(lock);
+        return total;
     }
 
 private:
     void Work()
     {
         for (;;) {
-            std::size_t index;
+            // A place in the window first: every path claimed is in it.
             {
                 std::unique_lock<std::mutex> hold(lock);
-                changed.wait(hold, [&] { return stopping || next >= paths.size() || next < taken + window; });
-                if (stopping || next >= paths.size())
+                changed.wait(hold, [&] { return stopping || total || claimed < taken + window; });
+                if (stopping || total)
                     return;
-                index = next++;
+                ++claimed;
             }
-            FileCheck check;
-            if (paths[index].unreadable.empty())
-                CheckFile(paths[index].path, check);
-            else
-                check.path = paths[index].path;
+            CheckedPath checked;
+            std::size_t index = 0;
+            std::size_t found = 0;
+            bool got = false;
+            bool seenEnd = false;
             {
+                std::lock_guard<std::mutex> hold(sourcesLock);
+                got = sources.Next(checked.source);
+                if (got)
+                    index = pulled++;
+                seenEnd = !got || sources.SeenEnd();
+                found = pulled;
+            }
+            if (seenEnd) {
                 std::lock_guard<std::mutex> hold(lock);
-                results[index % window] = std::move(check);
+                total = found;
+            }
+            if (got) {
+                if (checked.source.unreadable.empty())
+                    CheckFile(checked.source.path, checked.check);
+                std::lock_guard<std::mutex> hold(lock);
+                results[index % window] = std::move(checked);
             }
             changed.notify_all();
+            if (!got)
+                return;
         }
     }
 
-    const std::vector<SourcePath>& paths;
+    FileSources& sources;
+    std::mutex sourcesLock;
+    std::size_t pulled = 0; // under sourcesLock: paths taken from the sources
+
     const std::size_t window;
-    std::vector<std::optional<FileCheck>> results;
+    std::vector<std::optional<CheckedPath>> results;
     std::vector<std::thread> workers;
     std::mutex lock;
     std::condition_variable changed;
-    std::size_t next = 0;
+    std::size_t claimed = 0; // places in the window that threads hold
     std::size_t taken = 0;
+    std::optional<std::size_t> total;
     bool stopping = false;
 };
 
 // "checked 1,234 of 10,000 files" on standard error, rewritten in place,
 // once the run has taken a second and at most ten times a second after;
-// only where a person watches the terminal. Results written to the same
-// terminal go between a Hide and the next Done, so that no line of theirs
-// runs into the progress line.
+// only where a person watches the terminal. Until the sources have seen
+// their end the total is not known, and the line says "checked 1,234
+// files". Results written to the same terminal go between a Hide and the
+// next Done, so that no line of theirs runs into the progress line.
 class Progress {
 public:
-    explicit Progress(std::size_t total) : total(total), shown(platform::IsStandardErrorTerminal()) {}
+    Progress() : shown(platform::IsStandardErrorTerminal()) {}
     ~Progress() { Hide(); }
 
-    void Done(std::size_t count)
+    void Done(std::size_t count, std::optional<std::size_t> total)
     {
         if (!shown)
             return;
@@ -101,8 +140,8 @@ public:
         if (!due && !hidden)
             return;
         if (due || !text.empty())
-            text = "\rchecked " + FormatCount(static_cast<std::int64_t>(count)) + " of " +
-                   FormatCount(static_cast<std::int64_t>(total)) + " files";
+            text = "\rchecked " + FormatCount(static_cast<std::int64_t>(count)) +
+                   (total ? " of " + FormatCount(static_cast<std::int64_t>(*total)) : std::string()) + " files";
         if (text.empty())
             return;
         last = now;
@@ -120,7 +159,6 @@ public:
     }
 
 private:
-    std::size_t total;
     bool shown;
     bool drawn = false;
     bool hidden = false; // cleared for results, to be drawn again
@@ -131,44 +169,48 @@ private:
 
 } // namespace
 
-int RunChecks(const std::vector<SourcePath>& paths, const CheckRunOptions& options, TextSink& sink)
+int RunChecks(FileSources& sources, const CheckRunOptions& options, TextSink& sink)
 {
     unsigned jobs = options.jobs;
     if (jobs == 0)
         jobs = std::max(1u, std::thread::hardware_concurrency());
-    if (jobs > paths.size())
-        jobs = static_cast<unsigned>(std::max<std::size_t>(1, paths.size()));
+    // No more checks at once than there are paths, and a heading for each
+    // file only when there are several.
+    jobs = static_cast<unsigned>(std::max<std::size_t>(1, sources.LookAhead(jobs)));
+    const bool several = sources.LookAhead(2) > 1;
 
-    const std::unique_ptr<CheckPrinter> printer = MakeCheckPrinter(options.format, sink, paths.size() > 1);
+    const std::unique_ptr<CheckPrinter> printer = MakeCheckPrinter(options.format, sink, several);
     RunSummary summary;
     bool failed = false;
     printer->Begin();
     {
-        OrderedChecks checks(paths, jobs);
-        Progress progress(paths.size());
-        for (std::size_t i = 0; i < paths.size(); ++i) {
-            const FileCheck check = checks.Take();
+        OrderedChecks checks(sources, jobs);
+        Progress progress;
+        CheckedPath checked;
+        for (std::size_t count = 1; checks.Take(checked); ++count) {
             if (options.flushEachFile)
                 progress.Hide();
-            if (!paths[i].unreadable.empty()) {
+            const SourcePath& source = checked.source;
+            if (!source.unreadable.empty()) {
                 summary.CountUnreadable();
-                printer->Unreadable(paths[i].path, paths[i].unreadable);
+                printer->Unreadable(source.path, source.unreadable);
                 failed = true;
             } else {
-                summary.Count(check);
-                printer->File(check);
-                failed = failed || check.unreadable || check.hasError || (options.strict && check.HasWarnings());
+                summary.Count(checked.check);
+                printer->File(checked.check);
+                failed = failed || checked.check.unreadable || checked.check.hasError ||
+                         (options.strict && checked.check.HasWarnings());
             }
             if (options.flushEachFile)
                 sink.Flush();
-            progress.Done(i + 1);
+            progress.Done(count, checks.Total());
         }
     }
     printer->End(summary);
     // JSON and CSV have no place for the summary; a person at the terminal
     // still reads it.
     const bool machineFormat = options.format == OutputFormat::Json || options.format == OutputFormat::Csv;
-    if (machineFormat && paths.size() > 1 && platform::IsStandardErrorTerminal())
+    if (machineFormat && several && platform::IsStandardErrorTerminal())
         platform::WriteToStandardError(FormatSummary(summary));
     return failed ? 1 : 0;
 }

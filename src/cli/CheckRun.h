@@ -3,8 +3,6 @@
 #include "cli/CheckPrinter.h"
 #include "cli/FileSources.h"
 
-#include <vector>
-
 struct CheckRunOptions {
     OutputFormat format = OutputFormat::Text;
     // Files checked at once; 0 for one a core.
@@ -16,9 +14,10 @@ struct CheckRunOptions {
     bool flushEachFile = false;
 };
 
-// Checks the paths, several at once, and prints each as soon as it and
-// every path before it are done, in the order given, then the summary. Only
-// a window of results ahead of the printer is held, so a run of any length
-// needs the same memory. Gives the exit status: 0 when every report is
-// clear (and, with strict, no file has a warning), 1 otherwise.
-int RunChecks(const std::vector<SourcePath>& paths, const CheckRunOptions& options, TextSink& sink);
+// Checks the paths of sources, several at once, as the sources find them,
+// and prints each as soon as it and every path before it are done, in
+// their order, then the summary. Only a window of paths and results ahead
+// of the printer is held, so a run of any length needs the same memory.
+// Gives the exit status: 0 when every report is clear (and, with strict,
+// no file has a warning), 1 otherwise.
+int RunChecks(FileSources& sources, const CheckRunOptions& options, TextSink& sink);

@@ -1,120 +1,81 @@
 #include "cli/FileSources.h"
 
 #include "base/Utf8.h"
+#include "cli/FolderWalk.h"
 #include "platform/Console.h"
 #include "platform/FileSystem.h"
 #include "platform/Folder.h"
 
 #include <algorithm>
 
-namespace {
-
-bool EndsWithWav(const std::u16string& name)
-{
-    if (name.size() < 4)
-        return false;
-    std::u16string ending = name.substr(name.size() - 4);
-    for (char16_t& unit : ending) {
-        if (unit >= u'A' && unit <= u'Z')
-            unit = static_cast<char16_t>(unit - u'A' + u'a');
-    }
-    return ending == u".wav";
-}
-
-bool IsFolder(std::u16string_view path)
-{
-    const std::uint32_t attributes = platform::GetPathAttributes(path);
-    return attributes != platform::kInvalidFileAttributes && (attributes & platform::kFileAttributeDirectory);
-}
-
-class FolderWalk {
+// The paths on standard input as they come: each line without its line end
+// (LF or CR LF), or each path ended by a zero byte. A byte order mark at
+// the very start, as editors save lists, is skipped.
+class FileSources::InputLines {
 public:
-    explicit FolderWalk(std::vector<SourcePath>& paths) : paths(paths) {}
+    explicit InputLines(bool nulSeparated) : nulSeparated(nulSeparated) {}
 
-    void Walk(const std::u16string& folder, char16_t separator)
+    // The next line, read as far as it takes; false at the end of standard
+    // input, or when it fails (then Whole is false).
+    bool Next(std::u16string& line)
     {
-        platform::FolderIdentity identity;
-        if (!platform::GetFolderIdentity(folder, identity)) {
-            Add(folder, "folder.unreadable");
-            return;
-        }
-        // A link back to a folder on the way down would lead round for ever.
-        if (std::find(above.begin(), above.end(), identity) != above.end()) {
-            Add(folder, "folder.link-loop");
-            return;
-        }
-        std::vector<platform::FolderEntry> entries;
-        if (!platform::ListFolder(folder, entries)) {
-            Add(folder, "folder.unreadable");
-            return;
-        }
-        std::sort(entries.begin(), entries.end(),
-                  [](const platform::FolderEntry& a, const platform::FolderEntry& b) { return a.name < b.name; });
-        above.push_back(identity);
-        const std::u16string prefix =
-            folder.empty() || folder.back() == u'/' || folder.back() == u'\\' ? folder : folder + separator;
-        for (const platform::FolderEntry& entry : entries) {
-            const std::u16string path = prefix + entry.name;
-            switch (entry.kind) {
-            case platform::EntryKind::Folder: Walk(path, separator); break;
-            case platform::EntryKind::File:
-                if (EndsWithWav(entry.name))
-                    Add(path, "");
-                break;
-            case platform::EntryKind::Broken:
-                if (EndsWithWav(entry.name))
-                    Add(path, "file.broken-link");
-                break;
-            case platform::EntryKind::Other: break;
+        for (;;) {
+            const std::size_t end = first ? std::string::npos : pending.find(nulSeparated ? '\0' : '\n', start);
+            if (end != std::string::npos) {
+                std::string_view text(pending.data() + start, end - start);
+                start = end + 1;
+                if (!nulSeparated && !text.empty() && text.back() == '\r')
+                    text.remove_suffix(1);
+                line = platform::StandardInputToWide(text);
+                return true;
             }
+            if (ended) {
+                if (start == pending.size())
+                    return false;
+                line = platform::StandardInputToWide(std::string_view(pending).substr(start));
+                start = pending.size();
+                return true;
+            }
+            ReadMore();
         }
-        above.pop_back();
     }
+
+    bool Whole() const { return whole; }
 
 private:
-    void Add(const std::u16string& path, const char* unreadable)
+    void ReadMore()
     {
-        paths.push_back({WideString(path), unreadable});
-    }
-
-    std::vector<SourcePath>& paths;
-    std::vector<platform::FolderIdentity> above;
-};
-
-// Calls line with each line of standard input, without its line end
-// (LF or CR LF), or with each path ended by a zero byte. A byte order mark
-// at the very start, as editors save lists, is skipped. False when
-// standard input failed before its end.
-template <typename LineUse>
-bool ForEachInputLine(bool nulSeparated, LineUse line)
-{
-    const char separator = nulSeparated ? '\0' : '\n';
-    std::string pending;
-    char buffer[65536];
-    bool first = true;
-    for (;;) {
-        const std::int64_t got = platform::ReadFromStandardInput(buffer, sizeof buffer);
+        pending.erase(0, start);
+        start = 0;
+        const std::int64_t got = platform::ReadFromStandardInput(buffer.data(), static_cast<std::uint32_t>(buffer.size()));
         if (got > 0)
-            pending.append(buffer, static_cast<std::size_t>(got));
+            pending.append(buffer.data(), static_cast<std::size_t>(got));
         if (first && (pending.size() >= 3 || got <= 0)) {
             if (pending.rfind("\xEF\xBB\xBF", 0) == 0)
                 pending.erase(0, 3);
             first = false;
         }
-        std::size_t start = 0;
-        for (std::size_t end; !first && (end = pending.find(separator, start)) != std::string::npos; start = end + 1) {
-            std::string_view text(pending.data() + start, end - start);
-            if (!nulSeparated && !text.empty() && text.back() == '\r')
-                text.remove_suffix(1);
-            line(platform::StandardInputToWide(text));
-        }
-        pending.erase(0, start);
         if (got <= 0) {
-            if (!pending.empty())
-                line(platform::StandardInputToWide(pending));
-            return got == 0;
+            ended = true;
+            whole = got == 0;
         }
     }
+
+    bool nulSeparated;
+    std::string pending;   // read and not yet given from start on
+    std::size_t start = 0;
+    bool first = true;     // the byte order mark is still to be looked for
+    bool ended = false;
+    bool whole = false;
+    std::vector<char> buffer = std::vector<char>(65536);
+};
+
+namespace {
+
+bool IsFolder(std::u16string_view path)
+{
+    const std::uint32_t attributes = platform::GetPathAttributes(path);
+    return attributes != platform::kInvalidFileAttributes && (attributes & platform::kFileAttributeDirectory);
 }
 
 // The separator a path is written with: the last one in it, else the
@@ -127,42 +88,113 @@ char16_t SeparatorOf(std::u16string_view path)
     return platform::kPathSeparator;
 }
 
-void AddPath(const std::u16string& path, std::vector<SourcePath>& paths)
-{
-    if (IsFolder(path))
-        FolderWalk(paths).Walk(path, SeparatorOf(path));
-    else
-        paths.push_back({WideString(path), ""});
-}
-
 } // namespace
 
-void ExpandSources(const std::vector<WideString>& arguments, const SourceOptions& options,
-                   std::vector<SourcePath>& paths, std::vector<std::string>& nothingFound)
+FileSources::FileSources(std::vector<WideString> arguments, const SourceOptions& options)
+    : arguments(std::move(arguments)), options(options)
 {
-    for (const WideString& argument : arguments) {
-        const std::u16string text(argument.View());
-        const std::size_t before = paths.size();
-        if (text == u"-") {
-            const bool whole = ForEachInputLine(options.nulSeparated, [&](const std::u16string& line) {
-                if (!line.empty())
-                    AddPath(line, paths);
-            });
-            if (!whole)
-                nothingFound.push_back("sondara-check: standard input can't be read to its end");
-            else if (paths.size() == before)
-                nothingFound.push_back("sondara-check: no path on standard input");
-            continue;
-        }
-        std::vector<std::u16string> matches;
-        if (platform::GetPathAttributes(text) == platform::kInvalidFileAttributes &&
-            platform::ExpandWildcards(text, matches)) {
-            for (const std::u16string& match : matches)
-                AddPath(match, paths);
-            continue;
-        }
-        AddPath(text, paths);
-        if (paths.size() == before)
-            nothingFound.push_back("sondara-check: no .wav file in " + WideToPathUtf8(text));
+}
+
+FileSources::~FileSources() = default;
+
+// The next path in order; false when there is none left. The one behind
+// it is found first, so that SeenEnd tells whether this one was the last.
+bool FileSources::Next(SourcePath& path)
+{
+    LookAhead(2);
+    if (ahead.empty())
+        return false;
+    path = std::move(ahead.front());
+    ahead.pop_front();
+    return true;
+}
+
+// Finds up to count paths ahead of Next, and tells how many there are: the
+// run looks ahead to know whether it has more than one path, and how many
+// checks to start.
+std::size_t FileSources::LookAhead(std::size_t count)
+{
+    while (ahead.size() < count && Advance()) {
     }
+    return std::min(ahead.size(), count);
+}
+
+// Walks on until one more path is ahead; false at the end of the last
+// argument.
+bool FileSources::Advance()
+{
+    const std::size_t before = ahead.size();
+    while (ahead.size() == before) {
+        std::u16string line;
+        if (folder) {
+            SourcePath path;
+            if (folder->Next(path))
+                Give(std::move(path));
+            else
+                folder.reset();
+        } else if (input) {
+            if (!input->Next(line))
+                EndArgument();
+            else if (!line.empty())
+                StartPath(line);
+        } else if (nextMatch < matches.size()) {
+            StartPath(matches[nextMatch++]);
+        } else if (walking != Walking::Nothing) {
+            EndArgument();
+        } else if (nextArgument < arguments.size()) {
+            StartArgument(std::u16string(arguments[nextArgument++].View()));
+        } else {
+            ended = true;
+            return false;
+        }
+    }
+    return true;
+}
+
+void FileSources::StartArgument(const std::u16string& text)
+{
+    argument = text;
+    given = 0;
+    if (text == u"-") {
+        walking = Walking::StandardInput;
+        input = std::make_unique<InputLines>(options.nulSeparated);
+    } else if (platform::GetPathAttributes(text) == platform::kInvalidFileAttributes &&
+               platform::ExpandWildcards(text, matches)) {
+        walking = Walking::Pattern;
+        nextMatch = 0;
+    } else {
+        walking = Walking::Path;
+        StartPath(text);
+    }
+}
+
+void FileSources::StartPath(const std::u16string& path)
+{
+    if (IsFolder(path))
+        folder = std::make_unique<FolderWalk>(path, SeparatorOf(path));
+    else
+        Give({WideString(path), ""});
+}
+
+void FileSources::Give(SourcePath path)
+{
+    ahead.push_back(std::move(path));
+    ++given;
+}
+
+// An argument walked to its end: said in nothingFound when it gave nothing.
+void FileSources::EndArgument()
+{
+    if (walking == Walking::StandardInput) {
+        if (!input->Whole())
+            nothingFound.push_back("sondara-check: standard input can't be read to its end");
+        else if (given == 0)
+            nothingFound.push_back("sondara-check: no path on standard input");
+    } else if (walking == Walking::Path && given == 0) {
+        nothingFound.push_back("sondara-check: no .wav file in " + WideToPathUtf8(argument));
+    }
+    input.reset();
+    matches.clear();
+    nextMatch = 0;
+    walking = Walking::Nothing;
 }

@@ -297,15 +297,16 @@ TEST(CheckerOutput, ResultsReachTheReaderAsEachFileIsDone)
     close(pipeFds[0]);
     EXPECT_EQ(WaitForChecker(child), 0);
 
-    // Text on a terminal: a thousand files, then the one that waits.
-    std::vector<std::string> arguments{"-j", "1"};
+    // Text on a terminal: a folder of a thousand files, then the one that
+    // waits, and more behind it than the checks run ahead of the printer.
+    std::vector<std::string> arguments{"-j", "1", "many", "held.wav"};
     dir.MakeDir("many");
-    for (int i = 0; i < 1000; ++i) {
-        const std::string name = "many/" + std::to_string(i) + ".wav";
-        dir.Write(name, SoundWave());
-        arguments.push_back(name);
+    for (int i = 0; i < 1000; ++i)
+        dir.Write("many/" + std::to_string(i) + ".wav", SoundWave());
+    for (int i = 0; i < 20; ++i) {
+        arguments.push_back("next-" + std::to_string(i) + ".wav");
+        dir.Write(arguments.back(), SoundWave());
     }
-    arguments.push_back("held.wav");
     arguments.push_back("last.wav");
     int terminal = -1;
     termios raw{};
@@ -336,12 +337,51 @@ TEST(CheckerOutput, ResultsReachTheReaderAsEachFileIsDone)
     close(terminal);
     const std::string clear = "\r\x1b[K";
     const std::string tail = screen.substr(screen.size() > 400 ? screen.size() - 400 : 0);
-    EXPECT_NE(screen.find("== held.wav\nチェック完了しました。\n\rchecked 1,001 of 1,002 files" + clear + "== last.wav\n"),
+    // The walk has not yet seen its end after the held file: the count
+    // has no total until it has.
+    EXPECT_NE(screen.find("== held.wav\nチェック完了しました。\n\rchecked 1,001 files" + clear + "== next-0.wav\n"),
               std::string::npos)
         << tail;
-    EXPECT_NE(screen.find("== last.wav\nチェック完了しました。\n\rchecked 1,002 of 1,002 files" + clear +
-                          "1,002 files: 1,002 sound"),
+    EXPECT_NE(screen.find("== last.wav\nチェック完了しました。\n\rchecked 1,022 of 1,022 files" + clear +
+                          "1,022 files: 1,022 sound"),
               std::string::npos)
         << tail;
+}
+#endif
+
+#ifdef SONDARA_CHECK_PROGRAM
+// Paths on standard input are checked as they come, not once it ends: the
+// results of the first lines reach the reader while the writer of the list
+// still holds it open; a folder named there is walked in its place.
+TEST(CheckerOutput, StandardInputIsCheckedAsItComes)
+{
+    TempDir dir;
+    dir.MakeDir("folder");
+    for (const char* name : {"a.wav", "b.wav", "c.wav", "folder/d.wav", "folder/e.wav"})
+        dir.Write(name, SoundWave());
+    // Ends that only this process holds: the checker's standard input ends
+    // when this side closes it.
+    int input[2], output[2];
+    ASSERT_EQ(pipe2(input, O_CLOEXEC), 0);
+    ASSERT_EQ(pipe2(output, O_CLOEXEC), 0);
+    const pid_t child = StartChecker(dir, {"--jsonl", "-j", "2", "-"}, input[0], output[1], 2);
+    close(input[0]);
+    close(output[1]);
+    const std::string lines = "a.wav\nb.wav\nc.wav\n";
+    ASSERT_EQ(write(input[1], lines.data(), lines.size()), static_cast<ssize_t>(lines.size()));
+    const std::string early = ReadUntil(output[0], "\"path\": \"b.wav\"", 4500);
+    EXPECT_NE(early.find("\"path\": \"a.wav\""), std::string::npos) << early;
+    EXPECT_NE(early.find("\"path\": \"b.wav\""), std::string::npos) << early;
+    const std::string rest = "folder\n";
+    ASSERT_EQ(write(input[1], rest.data(), rest.size()), static_cast<ssize_t>(rest.size()));
+    close(input[1]);
+    const std::string late = early + ReadUntil(output[0], "\"summary\"", 10000);
+    close(output[0]);
+    EXPECT_EQ(WaitForChecker(child), 0);
+    std::vector<std::string> order;
+    for (std::size_t at = late.find("\"path\": \""); at != std::string::npos; at = late.find("\"path\": \"", at + 1))
+        order.push_back(late.substr(at + 9, late.find('"', at + 9) - at - 9));
+    EXPECT_EQ(order, (std::vector<std::string>{"a.wav", "b.wav", "c.wav", "folder/d.wav", "folder/e.wav"}));
+    EXPECT_NE(late.find("\"files\": 5, \"sound\": 5"), std::string::npos) << late;
 }
 #endif
