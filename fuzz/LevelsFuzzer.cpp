@@ -4,6 +4,7 @@
 // than the file, counts no more samples apart than it measured, and has
 // finite figures, or none (-inf) only where there is silence; its lines
 // print. A refusal says why.
+#include "cli/LevelsPrinter.h"
 #include "measure/Levels.h"
 
 #include "FuzzInput.h"

@@ -7,6 +7,8 @@
 #include "cli/CommandLine.h"
 #include "cli/ConsoleSink.h"
 #include "cli/FileSources.h"
+#include "cli/LevelsPrinter.h"
+#include "cli/MeasureProgressLine.h"
 #include "measure/DeliveryTarget.h"
 #include "measure/Levels.h"
 #include "mend/TidyCopy.h"
@@ -34,7 +36,12 @@ bool MeasureFile(const WideString& path, bool json, const LevelOptions& levelOpt
 {
     LevelReport report;
     std::string problem;
-    const bool measured = MeasureLevels(path, report, problem, levelOptions.loudness);
+    bool measured = false;
+    {
+        MeasureProgressLine progress(path);
+        measured = MeasureLevels(path, report, problem, levelOptions.loudness,
+                                 [&](std::int64_t done, std::int64_t total) { progress.Done(done, total); });
+    }
     // Samples that are no number are left out of every figure, and the
     // file is not sound for having them.
     bool sound = measured && CountNonFinite(report) == 0;

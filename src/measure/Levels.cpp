@@ -1,10 +1,8 @@
 #include "measure/Levels.h"
 
 #include "base/TextFormat.h"
-#include "base/Utf8.h"
 #include "files/FileStream.h"
 #include "files/UnbufferedReader.h"
-#include "platform/Console.h"
 #include "wave/DataChunk.h"
 #include "wave/FileFacts.h"
 #include "wave/FormatChunk.h"
@@ -16,7 +14,6 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
-#include <chrono>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -344,63 +341,10 @@ void ToFloats(SampleKind kind, std::uint32_t bytesPerSample, const std::uint8_t*
     }
 }
 
-// "measuring PATH: 42%" on standard error, rewritten in place, once a file
-// has taken a second and at most ten times a second after; only where a
-// person watches the terminal.
-class Progress {
-public:
-    Progress(const WideString& path, std::int64_t total)
-        : name(WideToUtf8(path.View())), total(total), shown(platform::IsStandardErrorTerminal())
-    {
-    }
-    ~Progress()
-    {
-        if (drawn)
-            platform::WriteToStandardError("\r\x1b[K");
-    }
-
-    void Done(std::int64_t frames)
-    {
-        if (!shown || total <= 0)
-            return;
-        const auto now = std::chrono::steady_clock::now();
-        if (now - start < std::chrono::seconds(1) || now - last < std::chrono::milliseconds(100))
-            return;
-        last = now;
-        drawn = true;
-        platform::WriteToStandardError("\rmeasuring " + name + ": " + std::to_string(frames * 100 / total) + "%");
-    }
-
-private:
-    std::string name;
-    std::int64_t total;
-    bool shown;
-    bool drawn = false;
-    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-    std::chrono::steady_clock::time_point last;
-};
-
 bool Refuse(std::string& problem, const std::string& why)
 {
     problem = why;
     return false;
-}
-
-// A loudness with this many decimals, or -inf when there is none.
-std::string Lufs(double loudness, int decimals)
-{
-    return std::isinf(loudness) ? "-inf" : FormatFixed(loudness, decimals);
-}
-
-std::string NullOr(double value, int decimals)
-{
-    return std::isinf(value) ? "null" : FormatFixed(value, decimals);
-}
-
-std::string Decibels(double fraction, const char* silent)
-{
-    const double db = ToDecibels(fraction);
-    return std::isinf(db) ? silent : FormatFixed(db, 2);
 }
 
 // The sample format of a format chunk's body (its first 40 bytes, or
@@ -500,7 +444,8 @@ double ToDecibels(double fraction)
     return fraction > 0 ? 20 * std::log10(fraction) : -std::numeric_limits<double>::infinity();
 }
 
-bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem, bool loudness)
+bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem, bool loudness,
+                   const MeasureProgress& progress)
 {
     report = LevelReport();
     if (!IsExistingFile(path))
@@ -706,7 +651,6 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
     if (helped)
         measurer = std::thread(helpAll);
     std::int64_t first = 0;
-    Progress progress(path, frameCount);
     std::vector<float> floats;
     for (std::size_t i = 0;; ++i) {
         {
@@ -735,7 +679,8 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
             summed = i + 1;
         }
         changed.notify_all();
-        progress.Done(first);
+        if (progress)
+            progress(first, frameCount);
         if (last)
             break;
     }
@@ -796,80 +741,4 @@ std::uint64_t CountNonFinite(const LevelReport& report)
     for (const ChannelLevels& levels : report.channels)
         count += levels.nonFinite;
     return count;
-}
-
-// "duration 0:01.500 (66,150 frames at 44,100 Hz, 16-bit)", then a line
-// for each channel; the count of samples left out only where there are
-// any, so that the lines of every sound file stay as they were.
-std::string FormatLevelsText(const LevelReport& report)
-{
-    const std::int64_t millis =
-        report.sampleRate ? static_cast<std::int64_t>(std::llround(report.frames * 1000.0 / report.sampleRate)) : 0;
-    char duration[48];
-    const std::int64_t hours = millis / 3600000;
-    if (hours > 0)
-        std::snprintf(duration, sizeof duration, "%lld:%02d:%02d.%03d", static_cast<long long>(hours),
-                      static_cast<int>(millis / 60000 % 60), static_cast<int>(millis / 1000 % 60),
-                      static_cast<int>(millis % 1000));
-    else
-        std::snprintf(duration, sizeof duration, "%d:%02d.%03d", static_cast<int>(millis / 60000),
-                      static_cast<int>(millis / 1000 % 60), static_cast<int>(millis % 1000));
-    std::string text = "duration " + std::string(duration) + " (" + FormatCount(report.frames) + " frames at " +
-                       FormatCount(report.sampleRate) + " Hz, " + std::to_string(report.bits) + "-bit" +
-                       (report.isFloat ? " float" : "") + ")\n";
-    for (std::size_t c = 0; c < report.channels.size(); ++c) {
-        const ChannelLevels& levels = report.channels[c];
-        text += "channel " + std::to_string(c + 1) + ": peak " + Decibels(levels.peak, "-inf") + " dBFS, RMS " +
-                Decibels(levels.rms, "-inf") + " dBFS, DC offset " + FormatFixed(levels.dcOffset, 6) + ", " +
-                FormatCount(static_cast<std::int64_t>(levels.fullScale)) + " samples at full scale" +
-                (report.isFloat ? ", " + FormatCount(static_cast<std::int64_t>(levels.overFullScale)) + " over it" : "") +
-                (levels.nonFinite ? ", " + FormatCount(static_cast<std::int64_t>(levels.nonFinite)) + " not finite, left out"
-                                  : "") +
-                "\n";
-    }
-    if (report.hasLoudness) {
-        const LoudnessMeter::Figures& l = report.loudness;
-        text += "loudness: integrated " + Lufs(l.integrated, 1) + " LUFS, range " + FormatFixed(l.range, 1) +
-                " LU, momentary max " + Lufs(l.momentaryMax, 1) + " LUFS, short-term max " + Lufs(l.shortTermMax, 1) +
-                " LUFS\n";
-        for (std::size_t c = 0; c < l.truePeak.size(); ++c)
-            text += "channel " + std::to_string(c + 1) + ": true peak " + Decibels(l.truePeak[c], "-inf") + " dBTP\n";
-    }
-    return text;
-}
-
-// Decibels with four decimals, so that a comparison at a hundredth of a
-// decibel is not blurred by rounding.
-std::string FormatLevelsJson(const LevelReport& report)
-{
-    auto decibels = [](double fraction) {
-        const double db = ToDecibels(fraction);
-        return std::isinf(db) ? std::string("null") : FormatFixed(db, 4);
-    };
-    std::string json = "\"frames\": " + std::to_string(report.frames) +
-                       ", \"sampleRate\": " + std::to_string(report.sampleRate) +
-                       ", \"bits\": " + std::to_string(report.bits) + (report.isFloat ? ", \"float\": true" : "") +
-                       ", \"seconds\": " +
-                       FormatFixed(report.sampleRate ? static_cast<double>(report.frames) / report.sampleRate : 0, 6) +
-                       ", \"channels\": [";
-    for (std::size_t c = 0; c < report.channels.size(); ++c) {
-        const ChannelLevels& levels = report.channels[c];
-        json += c ? ", " : "";
-        json += "{\"peak\": " + decibels(levels.peak) + ", \"rms\": " + decibels(levels.rms) +
-                ", \"dcOffset\": " + FormatFixed(levels.dcOffset, 6) +
-                ", \"fullScale\": " + std::to_string(levels.fullScale) +
-                (report.isFloat ? ", \"overFullScale\": " + std::to_string(levels.overFullScale) : "") +
-                (levels.nonFinite ? ", \"nonFinite\": " + std::to_string(levels.nonFinite) : "") + "}";
-    }
-    json += "]";
-    if (report.hasLoudness) {
-        const LoudnessMeter::Figures& l = report.loudness;
-        json += ", \"loudness\": {\"integrated\": " + NullOr(l.integrated, 2) + ", \"range\": " + FormatFixed(l.range, 2) +
-                ", \"momentaryMax\": " + NullOr(l.momentaryMax, 2) + ", \"shortTermMax\": " + NullOr(l.shortTermMax, 2) +
-                ", \"truePeak\": [";
-        for (std::size_t c = 0; c < l.truePeak.size(); ++c)
-            json += (c ? ", " : "") + decibels(l.truePeak[c]);
-        json += "]}";
-    }
-    return json;
 }

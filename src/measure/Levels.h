@@ -4,6 +4,7 @@
 #include "measure/Loudness.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -37,8 +38,11 @@ struct LevelReport {
 // With loudness, the programme's loudness and each channel's true peak too;
 // a rate too low for the K-weighting gives false. A read that fails, or a
 // file that ends before the frames it held when measuring began, gives
-// false: a measurement is of every frame or none.
-bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem, bool loudness = false);
+// false: a measurement is of every frame or none. progress, when given,
+// hears of the frames measured after each read.
+using MeasureProgress = std::function<void(std::int64_t framesDone, std::int64_t frameCount)>;
+bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem, bool loudness = false,
+                   const MeasureProgress& progress = {});
 
 // The samples of all channels that no figure could take in: a measured
 // file with any is a finding.
@@ -47,8 +51,5 @@ std::uint64_t CountNonFinite(const LevelReport& report);
 // The lowest sample rate whose loudness is measured.
 constexpr std::uint32_t kLowestLoudnessRate = 8000;
 
-// Decibels relative to full scale, and the lines of a report: text ending
-// in LF, or the members of a JSON object (decibels of silence as null).
+// Decibels relative to full scale; silence is -inf.
 double ToDecibels(double fraction);
-std::string FormatLevelsText(const LevelReport& report);
-std::string FormatLevelsJson(const LevelReport& report);

@@ -5,6 +5,7 @@
 #include "check/WaveCheck.h"
 #include "cli/ChunkList.h"
 #include "cli/ConsoleSink.h"
+#include "cli/LevelsPrinter.h"
 #include "measure/Levels.h"
 #include "mend/TidyCopy.h"
 #include "support/RiffBytes.h"

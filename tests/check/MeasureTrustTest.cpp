@@ -1,3 +1,4 @@
+#include "cli/LevelsPrinter.h"
 #include "measure/Levels.h"
 #include "support/CheckerProcess.h"
 #include "support/RiffBytes.h"
