@@ -1,6 +1,6 @@
 #pragma once
 
-#include "measure/Levels.h"
+#include "measure/LevelReport.h"
 
 #include <string>
 
