@@ -1,0 +1,134 @@
+// The measuring pass apart from the figures of its meters: it hands each
+// meter every frame once, in order where it must, and primes each part
+// with the frames just before it, over reads on its threads.
+#include "measure/AudioPlace.h"
+#include "measure/MeasurePass.h"
+#include "support/RiffBytes.h"
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// Frames whose every sample holds the frame's index, so that a meter can
+// tell which frames it was given.
+class RecordingMeter : public Meter {
+public:
+    explicit RecordingMeter(std::uint32_t priming) : priming(priming) {}
+
+    MeterInput Input() const override { return MeterInput::Floats; }
+    void Add(const FloatFrames& block) override
+    {
+        const std::int64_t first = FirstOf(block);
+        if (primedUpTo >= 0) {
+            EXPECT_EQ(first, primedUpTo) << "the frames added after priming follow the frames primed with";
+        }
+        primedUpTo = -1;
+        if (!added.empty() && added.back().second == first)
+            added.back().second += block.frames;
+        else
+            added.emplace_back(first, first + block.frames);
+    }
+    void AddEveryFrame(const FloatFrames& block) override
+    {
+        EXPECT_EQ(FirstOf(block), everyFrame);
+        everyFrame += block.frames;
+    }
+    std::unique_ptr<Meter> MakeTwin() const override { return std::make_unique<RecordingMeter>(priming); }
+    std::uint32_t PrimingFrames() const override { return priming; }
+    void Prime(const FloatFrames& block) override
+    {
+        EXPECT_EQ(block.frames, priming);
+        primedUpTo = FirstOf(block) + block.frames;
+    }
+    void Merge(const Meter& twin) override
+    {
+        const auto& other = static_cast<const RecordingMeter&>(twin);
+        added.insert(added.end(), other.added.begin(), other.added.end());
+        twins += 1 + other.twins;
+    }
+    void Finish(LevelReport&) override {}
+
+    std::uint32_t priming;
+    std::vector<std::pair<std::int64_t, std::int64_t>> added; // [first, last) of each run of frames
+    std::int64_t everyFrame = 0;
+    std::int64_t primedUpTo = -1;
+    int twins = 0;
+
+private:
+    // The frame index every sample of the block's frames holds, checked.
+    static std::int64_t FirstOf(const FloatFrames& block)
+    {
+        const auto first = static_cast<std::int64_t>(block.samples[0]);
+        bool held = true;
+        for (std::size_t i = 0; i < std::size_t{block.frames} * block.channels; ++i)
+            held = held && block.samples[i] == static_cast<float>(first + std::int64_t(i / block.channels));
+        EXPECT_TRUE(held) << "frames from " << first << " out of order";
+        return first;
+    }
+};
+
+} // namespace
+
+// Three channels of 32-bit floats: twelve bytes a frame, so that reads of
+// 4 MiB end inside frames, over more than four reads. A meter that shares
+// three quarters of each piece, one that shares half, one that shares
+// nothing: each gets every frame once, itself or through its twin, and
+// each part follows the frames it was primed with.
+TEST(MeasurePass, EveryMeterGetsEveryFrameOnceAndEachPartItsPriming)
+{
+    constexpr std::uint32_t kFrames = 17 * 1024 * 1024 / 12 + 5;
+    std::vector<float> samples(std::size_t{kFrames} * 3);
+    for (std::uint32_t i = 0; i < kFrames; ++i)
+        std::fill_n(samples.begin() + std::size_t{i} * 3, 3, static_cast<float>(i));
+    const std::string audio(reinterpret_cast<const char*>(samples.data()), samples.size() * sizeof(float));
+    TempDir dir;
+    const std::string fmt = FormatBody(3, 3, 48000, 32);
+    const WideString path = dir.Write("index.wav", Riff(RiffBytes().Chunk("fmt ", fmt).Chunk("data", audio).Bytes()));
+    AudioPlace place;
+    SampleFormat format;
+    std::string problem;
+    ASSERT_TRUE(FindAudio(path, place, problem)) << problem;
+    ASSERT_TRUE(ReadSampleFormat(place.format, place.formatBytes, format, problem)) << problem;
+
+    const struct {
+        std::uint32_t priming;
+        HelperShare share;
+    } cases[] = {{11, HelperShare::ThreeQuarters}, {0, HelperShare::Half}, {5, HelperShare::None}};
+    std::vector<ChosenMeter> meters;
+    std::vector<RecordingMeter*> recorders;
+    for (const auto& c : cases) {
+        auto meter = std::make_unique<RecordingMeter>(c.priming);
+        recorders.push_back(meter.get());
+        meters.push_back({std::move(meter), c.share});
+    }
+    std::int64_t lastDone = 0, frames = 0;
+    const auto progress = [&](std::int64_t done, std::int64_t total) {
+        EXPECT_GT(done, lastDone);
+        EXPECT_EQ(total, kFrames);
+        lastDone = done;
+    };
+    ASSERT_TRUE(RunMeasurePass(path, place, format, meters, progress, frames, problem)) << problem;
+    EXPECT_EQ(frames, kFrames);
+    EXPECT_EQ(lastDone, kFrames);
+    for (std::size_t i = 0; i < recorders.size(); ++i) {
+        SCOPED_TRACE(i);
+        RecordingMeter& meter = *recorders[i];
+        EXPECT_EQ(meter.twins, cases[i].share == HelperShare::None ? 0 : 1);
+        EXPECT_EQ(meter.everyFrame, kFrames);
+        std::sort(meter.added.begin(), meter.added.end());
+        std::int64_t next = 0;
+        for (const auto& [first, last] : meter.added) {
+            EXPECT_EQ(first, next);
+            next = last;
+        }
+        EXPECT_EQ(next, kFrames);
+    }
+}
