@@ -2,6 +2,8 @@
 
 #include "measure/LevelReport.h"
 
+static_assert(LoudnessMeter::kTruePeakHistory <= kMostPrimingFrames);
+
 LoudnessAndPeakMeter::LoudnessAndPeakMeter(const SampleFormat& format)
     : format(format), meter(format.sampleRate, LoudnessMeter::ChannelWeights(format.channels, format.channelMask))
 {

@@ -5,6 +5,7 @@
 #include "files/UnbufferedReader.h"
 
 #include <algorithm>
+#include <cassert>
 #include <condition_variable>
 #include <cstring>
 #include <mutex>
@@ -18,6 +19,15 @@ namespace {
 constexpr std::uint32_t kReadBytes = 4 * 1024 * 1024;
 constexpr std::uint32_t kHeadBytes = 64 * 1024;
 constexpr std::size_t kRing = 3;
+// Floats are made a few thousand frames at a time, while the bytes are
+// still in the cache. Frames of many channels go fewer at a time, so that
+// a header claiming 65,535 channels asks for 6 MiB of floats, not a
+// gigabyte, but never fewer than twice the most priming a meter may ask
+// for: a block then holds a part's priming and more. The length depends on
+// the channels alone, so that a meter's blocks fall in the same places
+// whatever other meters run.
+constexpr std::uint32_t kMostBlockFrames = 4096;
+constexpr std::uint32_t kFewestBlockFrames = 2 * kMostPrimingFrames;
 
 struct Piece {
     std::unique_ptr<TransferMemory> memory; // kHeadBytes of room, then a request
@@ -100,7 +110,6 @@ bool PieceRing::Open(const WideString& path, const AudioPlace& place, std::strin
     }
     // An even share pays only once the audio is longer than one request;
     // the costliest work is worth the helper on any audio that two take.
-    std::uint32_t priming = 1;
     twins.resize(meters.size());
     for (std::size_t m = 0; m < meters.size(); ++m) {
         const HelperShare share = meters[m].share;
@@ -109,13 +118,9 @@ bool PieceRing::Open(const WideString& path, const AudioPlace& place, std::strin
             twins[m] = meters[m].meter->MakeTwin();
         helped = helped || twins[m];
         takesFloats = takesFloats || meters[m].meter->Input() == MeterInput::Floats;
-        priming = std::max(priming, meters[m].meter->PrimingFrames());
+        assert(meters[m].meter->PrimingFrames() <= kMostPrimingFrames);
     }
-    // Floats are made a few thousand frames at a time, while the bytes are
-    // still in the cache. Frames of many channels go fewer at a time, so
-    // that a header claiming 65,535 channels asks for 6 MiB of floats, not
-    // a gigabyte; never fewer than twice the longest priming.
-    blockFrames = std::clamp<std::uint32_t>(32768u / format.channels, 2 * priming, 4096u);
+    blockFrames = std::clamp<std::uint32_t>(32768u / format.channels, kFewestBlockFrames, kMostBlockFrames);
     return true;
 }
 

@@ -22,6 +22,10 @@ struct RawFrames {
 
 enum class MeterInput { Floats, Bytes };
 
+// The most frames a meter may ask to be primed with: the reach of the
+// true-peak filter.
+constexpr std::uint32_t kMostPrimingFrames = 11;
+
 // One figure or a few, measured in the one pass over a file's audio (see
 // MeasurePass): a state per channel fed frames in blocks of any length,
 // and its figures into the report at the end. A meter never reads a file,
@@ -51,8 +55,9 @@ public:
     // can't be done in parts.
     virtual std::unique_ptr<Meter> MakeTwin() const { return nullptr; }
     // The decoded frames just before a part that must be seen first (a
-    // filter's reach), and the priming with them: the twin is primed before
-    // its part, and this meter after its own part where a piece goes on.
+    // filter's reach; at most kMostPrimingFrames), and the priming with
+    // them: the twin is primed before its part, and this meter after its
+    // own part where a piece goes on.
     virtual std::uint32_t PrimingFrames() const { return 0; }
     virtual void Prime(const FloatFrames&) {}
     // Takes in the figures of the twin that MakeTwin made.
