@@ -43,9 +43,9 @@ struct Piece {
 // to the room in front of the next piece. A thread reads the pieces ahead
 // into a ring of three, this thread and the helper measure them, and a
 // long file keeps both cores and the disk busy.
-class PieceRing {
+class PassRun {
 public:
-    PieceRing(const SampleFormat& format, std::vector<ChosenMeter>& meters) : format(format), meters(meters) {}
+    PassRun(const SampleFormat& format, std::vector<ChosenMeter>& meters) : format(format), meters(meters) {}
 
     bool Open(const WideString& path, const AudioPlace& place, std::string& problem);
     void Run(const MeasureProgress& progress);
@@ -83,7 +83,7 @@ private:
     std::vector<float> ownFloats, helperFloats;
 };
 
-bool PieceRing::Open(const WideString& path, const AudioPlace& place, std::string& problem)
+bool PassRun::Open(const WideString& path, const AudioPlace& place, std::string& problem)
 {
     if (!audio.Open(path) || kHeadBytes % audio.GetSectorSize() != 0) {
         problem = "the audio can't be read";
@@ -127,7 +127,7 @@ bool PieceRing::Open(const WideString& path, const AudioPlace& place, std::strin
 // The frames of a piece that a meter measures on this thread; its twin
 // measures the rest. A piece too short to leave this thread the twin's
 // priming stays whole.
-std::uint32_t PieceRing::OwnFrames(const Piece& piece, std::size_t meter) const
+std::uint32_t PassRun::OwnFrames(const Piece& piece, std::size_t meter) const
 {
     if (!twins[meter])
         return piece.frames;
@@ -138,7 +138,7 @@ std::uint32_t PieceRing::OwnFrames(const Piece& piece, std::size_t meter) const
 // Calls add with the frames [first, last) of a piece as floats, a block
 // at a time, and the index of the block's first frame.
 template <typename Add>
-void PieceRing::ForEachBlock(const Piece& piece, std::uint32_t first, std::uint32_t last, std::vector<float>& floats,
+void PassRun::ForEachBlock(const Piece& piece, std::uint32_t first, std::uint32_t last, std::vector<float>& floats,
                              Add add) const
 {
     floats.resize(std::size_t{std::min(blockFrames, std::max(last - first, 1u))} * format.channels);
@@ -149,13 +149,13 @@ void PieceRing::ForEachBlock(const Piece& piece, std::uint32_t first, std::uint3
     }
 }
 
-void PieceRing::WaitForPiece(std::size_t index)
+void PassRun::WaitForPiece(std::size_t index)
 {
     std::unique_lock<std::mutex> hold(lock);
     changed.wait(hold, [&] { return read > index; });
 }
 
-void PieceRing::Done(std::size_t& counter, std::size_t index)
+void PassRun::Done(std::size_t& counter, std::size_t index)
 {
     {
         std::lock_guard<std::mutex> hold(lock);
@@ -164,7 +164,7 @@ void PieceRing::Done(std::size_t& counter, std::size_t index)
     changed.notify_all();
 }
 
-void PieceRing::ReadAll()
+void PassRun::ReadAll()
 {
     const std::uint32_t stride = format.stride;
     std::int64_t next = dataStart - dataStart % audio.GetSectorSize();
@@ -203,7 +203,7 @@ void PieceRing::ReadAll()
 
 // This thread's part of a piece: every meter's own frames, and every frame
 // of what can't be shared.
-void PieceRing::MeasureOwn(const Piece& piece)
+void PassRun::MeasureOwn(const Piece& piece)
 {
     for (std::size_t m = 0; m < meters.size(); ++m) {
         if (meters[m].meter->Input() == MeterInput::Bytes)
@@ -236,7 +236,7 @@ void PieceRing::MeasureOwn(const Piece& piece)
 // The helper's part of a piece: each twin's frames, decoded for each twin
 // from its priming on, so that a meter's blocks fall where they fall
 // whatever other meters run.
-void PieceRing::MeasureForTwins(const Piece& piece)
+void PassRun::MeasureForTwins(const Piece& piece)
 {
     for (std::size_t m = 0; m < meters.size(); ++m) {
         if (!twins[m])
@@ -261,7 +261,7 @@ void PieceRing::MeasureForTwins(const Piece& piece)
     }
 }
 
-void PieceRing::HelpAll()
+void PassRun::HelpAll()
 {
     for (std::size_t i = 0;; ++i) {
         WaitForPiece(i);
@@ -274,7 +274,7 @@ void PieceRing::HelpAll()
     }
 }
 
-void PieceRing::Run(const MeasureProgress& progress)
+void PassRun::Run(const MeasureProgress& progress)
 {
     std::thread reader;
     if (oneRequest)
@@ -302,24 +302,26 @@ void PieceRing::Run(const MeasureProgress& progress)
         helper.join();
 }
 
-bool PieceRing::Finish(std::int64_t& frames, std::string& problem)
+bool PassRun::Finish(std::int64_t& frames, std::string& problem)
 {
+    std::string why;
     if (readFailed)
-        problem = "the audio could not be read after frame " + FormatCount(measured) + " of " + FormatCount(frameCount);
+        why = "the audio could not be read after frame " + FormatCount(measured) + " of " + FormatCount(frameCount);
     else if (measured == 0)
-        problem = "no audio data";
+        why = "no audio data";
     else if (measured < frameCount)
-        problem = "the file ended at frame " + FormatCount(measured) + " of " + FormatCount(frameCount) +
-                  " while it was measured";
-    else {
-        for (std::size_t m = 0; m < meters.size(); ++m) {
-            if (twins[m])
-                meters[m].meter->Merge(*twins[m]);
-        }
-        frames = measured;
-        return true;
+        why = "the file ended at frame " + FormatCount(measured) + " of " + FormatCount(frameCount) +
+              " while it was measured";
+    if (!why.empty()) {
+        problem = why;
+        return false;
     }
-    return false;
+    for (std::size_t m = 0; m < meters.size(); ++m) {
+        if (twins[m])
+            meters[m].meter->Merge(*twins[m]);
+    }
+    frames = measured;
+    return true;
 }
 
 } // namespace
@@ -328,9 +330,9 @@ bool RunMeasurePass(const WideString& path, const AudioPlace& place, const Sampl
                     std::vector<ChosenMeter>& meters, const MeasureProgress& progress, std::int64_t& frames,
                     std::string& problem)
 {
-    PieceRing ring(format, meters);
-    if (!ring.Open(path, place, problem))
+    PassRun run(format, meters);
+    if (!run.Open(path, place, problem))
         return false;
-    ring.Run(progress);
-    return ring.Finish(frames, problem);
+    run.Run(progress);
+    return run.Finish(frames, problem);
 }
