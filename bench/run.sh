@@ -4,6 +4,8 @@
 #   - a sparse 4 GiB WAV that is sound,
 #   - 1 GiB of text, which is not RIFF,
 #   - a RIFF file of 100,000 chunks of two bytes,
+#   - 1 GiB of zeros named .wav, not RIFF either, checked three times
+#     beside cat of the same file, which reads it the way the check does,
 # and the hostile files of one LIST chunk of size 3 and of an INFO entry
 # that claims 0xFFFFFFF0 bytes.
 # Usage: bench/run.sh [folder for the files]   (default: bench/out)
@@ -14,6 +16,7 @@ source "$(dirname "$0")/prepare.sh"
 sound="$out/sparse-4gib.wav"
 text="$out/text-1gib.bin"
 many="$out/many-chunks.wav"
+zeros="$out/zeros-1gib.wav"
 
 if [ ! -f "$sound" ]; then
   # RIFF size 4 GiB - 8, a PCM format, data filling the rest; the body is a hole.
@@ -22,7 +25,12 @@ if [ ! -f "$sound" ]; then
   truncate -s 4G "$sound"
 fi
 if [ ! -f "$text" ]; then
-  yes "this is a line of text and no RIFF file at all." | head -c 1G > "$text"
+  # Not a pipe: yes ends by SIGPIPE, which pipefail would take for a failure.
+  head -c 1G < <(yes "this is a line of text and no RIFF file at all.") > "$text"
+fi
+if [ ! -f "$zeros" ]; then
+  # Written out, not a hole: the check and cat read the same cached pages.
+  head -c 1G /dev/zero > "$zeros"
 fi
 if [ ! -f "$many" ]; then
   perl -e 'my $n = 100000; my $children = "fmt " . pack("VvvVVvv", 16, 1, 2, 44100, 176400, 4, 16)
@@ -38,4 +46,13 @@ for file in "$sound" "$text" "$many" fuzz/regressions/wave/list-size-3 fuzz/regr
   command -v sndfile-info >/dev/null && measure sndfile-info sndfile-info "$file"
   command -v mediainfo >/dev/null && measure mediainfo mediainfo "$file"
   printf '  report: %s\n' "$("$checker" "$file" | tr '\n' ' ')"
+done
+
+# The check of a file that is not RIFF reads it once, in blocks, and should
+# cost little more than cat: each round times both on the warm file.
+printf '%s (%s bytes), beside cat\n' "$zeros" "$(stat -c %s "$zeros")"
+cat "$zeros" >/dev/null
+for round in 1 2 3; do
+  measure "sondara-check, run $round" "$checker" "$zeros"
+  measure "cat, run $round" cat "$zeros"
 done

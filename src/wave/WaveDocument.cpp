@@ -8,6 +8,7 @@
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
 #include "wave/FourCc.h"
+#include "wave/IdScan.h"
 #include "wave/InfoChunk.h"
 #include "wave/ListChunk.h"
 #include "wave/RootChunk.h"
@@ -23,9 +24,6 @@ constexpr std::uint32_t kOpenFlags = platform::kFileAttributeNormal | platform::
 // The walk reads headers in small steps; they come from one buffer.
 constexpr std::uint32_t kReadAheadBytes = 64 * 1024;
 
-// Words of a file that is not RIFF are looked at a block at a time.
-constexpr std::uint32_t kScanBlockBytes = 128 * 1024;
-
 // How deep RIFF and LIST chunks may nest. Each level costs a few bytes of
 // file and one level of recursion; beyond this bound the walk is abandoned
 // as a structural error rather than risking the worker's stack.
@@ -37,12 +35,6 @@ std::uint32_t BufferBytesFor(std::int64_t fileBytes, std::uint32_t largest)
 {
     constexpr std::int64_t kSmallest = 4096;
     return static_cast<std::uint32_t>(std::clamp<std::int64_t>(fileBytes, kSmallest, largest));
-}
-
-// Ids whose chunks do more than fail at once in a file that is not RIFF.
-bool HasOwnClass(std::uint32_t id)
-{
-    return id == kIdRiff || id == kIdData || id == kIdFormat || id == kIdList || id == kIdInfo || id == kIdBext;
 }
 
 } // namespace
@@ -102,7 +94,7 @@ bool WaveDocument::Open(const WideString& path)
             break;
         }
     }
-    scanBuffer.Resize(0);
+    idScan.Release();
     if (dataChunk)
         dataChunk->UpdateFrameCount();
     return result;
@@ -124,34 +116,7 @@ bool WaveDocument::ReadTopLevelId(std::uint32_t& id, bool& result)
     if (containerKind == kContainerRiff || HasOwnClass(id))
         return true;
     result = false;
-    const std::uint32_t blockBytes = BufferBytesFor(stream.GetSize() - stream.Tell(), kScanBlockBytes);
-    if (!scanBuffer.Resize(blockBytes)) {
-        // Without memory for the block, word by word.
-        while (stream.Read(bytes, 4) == 4) {
-            id = ReadLittleEndian32(bytes);
-            if (HasOwnClass(id))
-                return true;
-        }
-        return false;
-    }
-    for (;;) {
-        const std::int64_t start = stream.Tell();
-        const std::uint32_t got = stream.Read(scanBuffer.Data(), blockBytes);
-        const std::uint8_t* block = scanBuffer.Data();
-        for (std::uint32_t word = 0; word < got / 4; ++word) {
-            // Most words are passed over on their first byte alone.
-            const std::uint8_t first = block[word * 4];
-            if (first != 'R' && first != 'd' && first != 'f' && first != 'L' && first != 'I' && first != 'b')
-                continue;
-            const std::uint32_t candidate = ReadLittleEndian32(block + word * 4);
-            if (HasOwnClass(candidate)) {
-                id = candidate;
-                return stream.SeekTo(start + (word + 1) * 4);
-            }
-        }
-        if (got < blockBytes)
-            return false;
-    }
+    return idScan.FindNext(stream, id);
 }
 
 // Called by the walk, which holds the lock.

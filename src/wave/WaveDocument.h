@@ -2,8 +2,8 @@
 
 #include "base/Array.h"
 #include "base/WideString.h"
-#include "files/ByteBlock.h"
 #include "files/FileStream.h"
+#include "wave/IdScan.h"
 #include "platform/RecursiveLock.h"
 
 #include <cstdint>
@@ -134,7 +134,7 @@ private:
 
     std::int32_t nestingDepth = 0;
     bool walkAbandoned = false;
-    ByteBlock scanBuffer;
+    IdScan idScan;
 };
 
 // One level of container nesting for the length of a container's read.
