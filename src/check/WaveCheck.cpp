@@ -63,7 +63,8 @@ void CheckData(const DataChunk& dataChunk, CheckReport& report)
 //
 // The chunks judged are those the document keeps in its slots: the last
 // format and data chunk it made, in a list or behind a RIFF chunk that
-// ended early too.
+// ended early too. A chunk whose header the walk never placed (the read
+// of a broken structure gave up inside it) has no place to give.
 void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportHasError, JudgedChunks& judged)
 {
     judged = JudgedChunks();
@@ -89,14 +90,16 @@ void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportH
     }
 
     if (const FormatChunk* formatChunk = document.GetFormatChunk()) {
-        judged.formatOffset = formatChunk->GetPosition();
+        if (formatChunk->GetPosition() >= 0)
+            judged.formatOffset = formatChunk->GetPosition();
         CheckFormat(*formatChunk, report);
     } else {
         AppendLine(report, "format.missing");
     }
 
     if (const DataChunk* dataChunk = document.GetDataChunk()) {
-        judged.dataOffset = dataChunk->GetPosition();
+        if (dataChunk->GetPosition() >= 0)
+            judged.dataOffset = dataChunk->GetPosition();
         CheckData(*dataChunk, report);
     } else {
         AppendLine(report, "data.missing");
