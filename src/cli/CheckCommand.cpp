@@ -8,7 +8,7 @@
 #include "cli/ConsoleSink.h"
 #include "cli/FileSources.h"
 #include "cli/LevelsPrinter.h"
-#include "cli/MeasureProgressLine.h"
+#include "cli/ProgressLine.h"
 #include "measure/DeliveryTarget.h"
 #include "measure/Levels.h"
 #include "mend/TidyCopy.h"
@@ -38,9 +38,12 @@ bool MeasureFile(const WideString& path, bool json, const LevelOptions& levelOpt
     std::string problem;
     bool measured = false;
     {
-        MeasureProgressLine progress(path);
-        measured = MeasureLevels(path, report, problem, levelOptions.loudness,
-                                 [&](std::int64_t done, std::int64_t total) { progress.Done(done, total); });
+        ProgressLine progress;
+        const std::string name = WideToUtf8(path.View());
+        measured = MeasureLevels(path, report, problem, levelOptions.loudness, [&](std::int64_t done, std::int64_t total) {
+            if (total > 0)
+                progress.Update([&] { return "measuring " + name + ": " + std::to_string(done * 100 / total) + "%"; });
+        });
     }
     // Samples that are no number are left out of every figure, and the
     // file is not sound for having them.

@@ -1,10 +1,10 @@
 #include "cli/CheckRun.h"
 
 #include "base/TextFormat.h"
+#include "cli/ProgressLine.h"
 #include "platform/Console.h"
 
 #include <algorithm>
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <optional>
@@ -120,53 +120,6 @@ private:
     bool stopping = false;
 };
 
-// "checked 1,234 of 10,000 files" on standard error, rewritten in place,
-// once the run has taken a second and at most ten times a second after;
-// only where a person watches the terminal. Until the sources have seen
-// their end the total is not known, and the line says "checked 1,234
-// files". Results written to the same terminal go between a Hide and the
-// next Done, so that no line of theirs runs into the progress line.
-class Progress {
-public:
-    Progress() : shown(platform::IsStandardErrorTerminal()) {}
-    ~Progress() { Hide(); }
-
-    void Done(std::size_t count, std::optional<std::size_t> total)
-    {
-        if (!shown)
-            return;
-        const auto now = std::chrono::steady_clock::now();
-        const bool due = now - start >= std::chrono::seconds(1) && now - last >= std::chrono::milliseconds(100);
-        if (!due && !hidden)
-            return;
-        if (due || !text.empty())
-            text = "\rchecked " + FormatCount(static_cast<std::int64_t>(count)) +
-                   (total ? " of " + FormatCount(static_cast<std::int64_t>(*total)) : std::string()) + " files";
-        if (text.empty())
-            return;
-        last = now;
-        drawn = true;
-        hidden = false;
-        platform::WriteToStandardError(text);
-    }
-    void Hide()
-    {
-        if (!drawn)
-            return;
-        platform::WriteToStandardError("\r\x1b[K");
-        drawn = false;
-        hidden = true;
-    }
-
-private:
-    bool shown;
-    bool drawn = false;
-    bool hidden = false; // cleared for results, to be drawn again
-    std::string text;
-    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-    std::chrono::steady_clock::time_point last;
-};
-
 } // namespace
 
 int RunChecks(FileSources& sources, const CheckRunOptions& options, TextSink& sink)
@@ -185,7 +138,7 @@ int RunChecks(FileSources& sources, const CheckRunOptions& options, TextSink& si
     printer->Begin();
     {
         OrderedChecks checks(sources, jobs);
-        Progress progress;
+        ProgressLine progress;
         CheckedPath checked;
         for (std::size_t count = 1; checks.Take(checked); ++count) {
             if (options.flushEachFile)
@@ -203,7 +156,12 @@ int RunChecks(FileSources& sources, const CheckRunOptions& options, TextSink& si
             }
             if (options.flushEachFile)
                 sink.Flush();
-            progress.Done(count, checks.Total());
+            // Until the sources have seen their end the total is not known.
+            progress.Update([&] {
+                const std::optional<std::size_t> total = checks.Total();
+                return "checked " + FormatCount(static_cast<std::int64_t>(count)) +
+                       (total ? " of " + FormatCount(static_cast<std::int64_t>(*total)) : std::string()) + " files";
+            });
         }
     }
     printer->End(summary);
