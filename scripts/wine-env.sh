@@ -281,6 +281,24 @@ sondara_wine__start_keeper()
     sondara_wine_keeper_pid=$!
 }
 
+# Waits, 60 seconds at most, until the desktop process of the session's
+# prefix runs. The warm-up's program starts it, and the keeper, there
+# before, keeps it; were it not up when begin returns, a test could start it
+# with the test's own output, which ctest would then wait on for good.
+sondara_wine__wait_for_desktop()
+{
+    local deadline=$((SECONDS + 60)) pid
+    while ((SECONDS < deadline)); do
+        for pid in $(pgrep -f 'explorer\.exe /desktop'); do
+            if tr '\0' '\n' <"/proc/$pid/environ" 2>/dev/null | grep -qxF "WINEPREFIX=$WINEPREFIX"; then
+                return 0
+            fi
+        done
+        sleep 0.2
+    done
+    echo "wine-env: the desktop did not start within 60 seconds" >&2
+}
+
 sondara_wine_begin()
 {
     sondara_wine__defaults
@@ -296,8 +314,12 @@ sondara_wine_begin()
     echo "$DISPLAY" >"$SONDARA_WINE_HOME/display"
     sondara_wine__start_server || true
     sondara_wine__prepare_prefix || return 1
-    sondara_wine__warm_up || return 1
+    # The keeper first: the desktop that the warm-up starts then never
+    # finds itself without a user, however long the machine keeps the
+    # keeper waiting.
     sondara_wine__start_keeper || return 1
+    sondara_wine__warm_up || return 1
+    sondara_wine__wait_for_desktop
     export SONDARA_WINE_SESSION=1
     echo "wine-env: DISPLAY=$DISPLAY WINEPREFIX=$WINEPREFIX" >&2
 }
