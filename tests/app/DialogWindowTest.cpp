@@ -3,6 +3,7 @@
 #include "platform/MessageQueue.h"
 #include "platform/standin/TestHooks.h"
 #include "platform/ThreadState.h"
+#include "support/StandInTest.h"
 
 #include <gtest/gtest.h>
 
@@ -27,13 +28,9 @@ public:
     std::vector<bool> bound;
 };
 
-class DialogWindowBinding : public ::testing::Test {
-protected:
-    void SetUp() override { platform::testing::ResetStandIn(); }
-    void TearDown() override { platform::testing::ResetStandIn(); }
-};
-
 } // namespace
+
+using DialogWindowBinding = StandInTest;
 
 // Bound from the very first message, before the initialisation, up to the
 // last, and the next creation on the thread is not blocked by a stale

@@ -32,13 +32,7 @@ TEST(WorkerFirstFailure, NoStructuredExceptionBeforeMeansNoExceptionDataLine)
 
     ExpectFailureBoxes();
     Throwing target;
-    WorkerThread* worker = new WorkerThread(&target, &Throwing::Run);
-    FailureBox box;
-    ASSERT_TRUE(WaitForFailureBox(box));
-    CloseFailureBox();
-    ASSERT_TRUE(WaitUntilEnded(*worker));
-    worker->StopAndDestroy();
-
+    const FailureBox box = RunToBox(target);
     EXPECT_EQ(box.caption, u"Exception");
     EXPECT_EQ(box.text, FailureText(kCancelled, kTargetLastError, u""));
     EXPECT_EQ(box.text.find(u"ExceptionCode"), std::u16string::npos);

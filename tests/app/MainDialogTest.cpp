@@ -316,8 +316,7 @@ TEST_F(MainDialogTest, TheReleaseNoteOpensTheRunningVersionsPage)
 // with its value suffix and blank as they stand; a dismissal opens nothing.
 TEST_F(MainDialogTest, TheSearchOffersTheReportsLinesAndOpensTheChosenOne)
 {
-    const std::string wave =
-        Riff(RiffBytes().Chunk("fmt ", FormatBody(3, 7, 44100, 32)).Chunk("data", std::string(5, '\0')).Bytes());
+    const std::string wave = Wave(FormatBody(3, 7, 44100, 32), std::string(5, '\0'));
     Set(u"WaveFilePath", u"Text", dir.Write("odd.wav", wave).ToU16String());
     Command(u"CheckStart");
     WaitForCheck();

@@ -1,6 +1,7 @@
 #include "loop/MessageLoop.h"
 #include "platform/MessageQueue.h"
 #include "platform/standin/TestHooks.h"
+#include "support/StandInTest.h"
 
 #include <gtest/gtest.h>
 
@@ -49,11 +50,8 @@ public:
     std::vector<int> counts;
 };
 
-class MessageLoopRun : public ::testing::Test {
+class MessageLoopRun : public StandInTest {
 protected:
-    void SetUp() override { platform::testing::ResetStandIn(); }
-    void TearDown() override { platform::testing::ResetStandIn(); }
-
     // Runs the loop; each time it waits on an empty queue the next step
     // runs, and after the last step the loop is asked to quit with 7.
     int RunSteps(MessageLoop& loop, std::vector<std::function<void()>> steps)

@@ -4,6 +4,7 @@
 #include "platform/MessageQueue.h"
 #include "platform/standin/TestHooks.h"
 #include "platform/ThreadState.h"
+#include "support/StandInTest.h"
 
 #include <gtest/gtest.h>
 
@@ -15,11 +16,8 @@ namespace {
 
 using platform::testing::WindowRecord;
 
-class ProgramTest : public ::testing::Test {
+class ProgramTest : public StandInTest {
 protected:
-    void SetUp() override { platform::testing::ResetStandIn(); }
-    void TearDown() override { platform::testing::ResetStandIn(); }
-
     // Runs the program; the first time its queue waits, act runs with the
     // main window, after a look at it. Later waits end the loop with 99, so a
     // close that doesn't work shows as that exit code.

@@ -3,6 +3,7 @@
 
 #include "platform/standin/TestHooks.h"
 #include "platform/Window.h"
+#include "support/StandInTest.h"
 
 #include <gtest/gtest.h>
 
@@ -11,16 +12,7 @@
 
 namespace {
 
-bool NeverHandles(platform::WindowHandle, std::uint32_t, std::uintptr_t, std::intptr_t, std::intptr_t&)
-{
-    return false;
-}
-
-class WebLinks : public ::testing::Test {
-protected:
-    void SetUp() override { platform::testing::ResetStandIn(); }
-    void TearDown() override { platform::testing::ResetStandIn(); }
-};
+using WebLinks = StandInTest;
 
 // A report line goes to the search as it stands, suffix and all; only "&"
 // is escaped, by the shell call.

@@ -109,21 +109,6 @@ public:
     bool reachedEnd = false;
 };
 
-// Runs a failing target, reads its box while it is up, closes it, and gives
-// the box.
-FailureBox RunToBox(Failing& target)
-{
-    FailureBox box;
-    WorkerThread* worker = new WorkerThread(&target, &Failing::Run);
-    EXPECT_TRUE(WaitForFailureBox(box));
-    // The box runs on the worker, which counts as running until it is closed.
-    EXPECT_TRUE(worker->IsRunning());
-    CloseFailureBox();
-    EXPECT_TRUE(WaitUntilEnded(*worker));
-    worker->StopAndDestroy();
-    return box;
-}
-
 class WorkerFailure : public ::testing::Test {
 protected:
     void SetUp() override { ExpectFailureBoxes(); }

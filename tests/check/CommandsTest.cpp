@@ -30,12 +30,6 @@
 
 namespace {
 
-std::string Contents(const TempDir& dir, const std::string& name)
-{
-    std::ifstream in(dir.Native() + "/" + name, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
 std::string Check(const WideString& path)
 {
     CheckReport report;
@@ -60,7 +54,7 @@ std::string Tone(std::uint32_t frames)
     return samples.Bytes();
 }
 
-const std::string kFormat = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
+const std::string kFormat = FmtBytes(FormatBody(1, 2, 44100, 16));
 
 } // namespace
 
@@ -70,8 +64,8 @@ const std::string kFormat = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16
 TEST(ChunkList, MarksSizesPastAnEnd)
 {
     TempDir dir;
-    const std::string info = RiffBytes().Id("LIST").U32(26).Id("INFO").Chunk("INAM", "take\0").Chunk("IART", "me").Bytes();
-    const std::string bytes = RiffBytes().Id("RIFF").U32(4 + 24 + 34 + 8).Id("WAVE").Raw(kFormat).Raw(info)
+    const std::string info = RiffBytes().Head("LIST", 26, "INFO").Chunk("INAM", "take\0").Chunk("IART", "me").Bytes();
+    const std::string bytes = RiffBytes().Head("RIFF", 4 + 24 + 34 + 8).Raw(kFormat).Raw(info)
                                   .Id("data").U32(100).Raw(std::string(60, 'd')).Bytes();
     StringSink sink;
     EXPECT_FALSE(ListChunks(dir.Write("a.wav", bytes), false, sink));
@@ -99,13 +93,13 @@ TEST(ChunkList, MarksSizesPastAnEnd)
 TEST(ChunkList, ShowsOnlyWhatTheWalkKeeps)
 {
     TempDir dir;
-    const std::string info = RiffBytes().Id("LIST").U32(18).Id("INFO").Chunk("INAM", std::string("take\0", 5)).Bytes();
+    const std::string info = ListBytes("INFO", RiffBytes().Chunk("INAM", std::string("take\0", 5)).Bytes());
     std::string chain;
     for (int level = 0; level < 300; ++level)
         chain = Riff(chain);
     const std::string bytes = "xxxx" + info +
                               Riff(kFormat + info + Riff(RiffBytes().Chunk("abcd", "xy").Raw(chain).Bytes()) +
-                                   RiffBytes().Chunk("data", "abcd").Bytes()) +
+                                   DataBytes("abcd")) +
                               RiffBytes().Chunk("tail", "").Bytes();
     StringSink sink;
     EXPECT_TRUE(ListChunks(dir.Write("a.wav", bytes), false, sink));
@@ -123,7 +117,7 @@ TEST(LevelsOf, EachSampleWidth)
 {
     TempDir dir;
     auto wave = [](std::uint16_t tag, std::uint16_t channels, std::uint16_t bits, const std::string& samples) {
-        return Riff(RiffBytes().Chunk("fmt ", FormatBody(tag, channels, 8000, bits)).Chunk("data", samples).Bytes());
+        return Wave(FormatBody(tag, channels, 8000, bits), samples);
     };
     const struct {
         std::string bytes, levels;
@@ -159,7 +153,7 @@ TEST(LevelsOf, EachSampleWidth)
          "channel 8: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
          "channel 9: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n")},
         {Riff(kFormat), "no data chunk"},
-        {Riff(kFormat + RiffBytes().Chunk("data", "").Bytes()), "no audio data"},
+        {Riff(kFormat + DataBytes("")), "no audio data"},
         {"not a wave", "not a RIFF file"},
     };
     for (const auto& c : cases) {
@@ -202,17 +196,17 @@ TEST(TidyCopy, UnfinishedHeaderBecomesSound)
     for (std::uint32_t riffSize : {0u, 0xFFFFFFFFu}) {
         for (std::uint32_t dataSize : {0u, 0xFFFFFFFFu}) {
             SCOPED_TRACE(testing::Message() << riffSize << " " << dataSize);
-            const std::string input = RiffBytes().Id("RIFF").U32(riffSize).Id("WAVE").Raw(kFormat).Id("data")
-                                          .U32(dataSize).Raw(audio).Bytes();
+            const std::string input =
+                RiffBytes().Head("RIFF", riffSize).Raw(kFormat).ChunkWithSize("data", dataSize, audio).Bytes();
             const WideString path = dir.Write("unfinished.wav", input);
             const std::string name = "mended" + std::to_string(made++) + ".wav";
             std::vector<std::string> changes;
             std::string problem;
             ASSERT_TRUE(MakeTidyCopy(path, dir.PathOf(name), changes, problem)) << problem;
-            EXPECT_EQ(Contents(dir, "unfinished.wav"), input);
+            EXPECT_EQ(dir.Read("unfinished.wav"), input);
             EXPECT_EQ(Check(dir.PathOf(name)), "チェック完了しました。\r\n");
             // The format as it stands; the audio in whole frames.
-            const std::string output = Contents(dir, name);
+            const std::string output = dir.Read(name);
             EXPECT_EQ(output.substr(12, 24), kFormat);
             EXPECT_EQ(output.substr(44), Tone(3001));
             EXPECT_NE(std::find(changes.begin(), changes.end(), "data: a partial frame of 1 byte cut"), changes.end());
@@ -229,10 +223,10 @@ TEST(TidyCopy, UnfinishedHeaderBecomesSound)
 TEST(TidyCopy, KeepsChunksBehindTheAudioAndTheFormatAsItStands)
 {
     TempDir dir;
-    const std::string format = RiffBytes().Chunk("fmt ", FormatBody(0xFFFE, 2, 44100, 16) + std::string(24, '\0')).Bytes();
+    const std::string format = FmtBytes(FormatBody(0xFFFE, 2, 44100, 16) + std::string(24, '\0'));
     const std::string behind = RiffBytes().Chunk("LIST", std::string("INFOINAM", 8) + std::string("\5\0\0\0take\0\0", 10))
                                    .Chunk("PEAK", "abc").Bytes();
-    const std::string sound = Riff(format + RiffBytes().Chunk("data", Tone(100)).Bytes() + behind);
+    const std::string sound = Riff(format + DataBytes(Tone(100)) + behind);
     for (std::uint32_t placeholder : {0u, 0xFFFFFFFFu}) {
         SCOPED_TRACE(placeholder);
         std::string unfinished = sound;
@@ -242,7 +236,7 @@ TEST(TidyCopy, KeepsChunksBehindTheAudioAndTheFormatAsItStands)
         std::string problem;
         const std::string name = "copy" + std::to_string(placeholder % 7) + ".wav";
         ASSERT_TRUE(MakeTidyCopy(dir.Write("unfinished.wav", unfinished), dir.PathOf(name), changes, problem)) << problem;
-        EXPECT_EQ(Contents(dir, name), sound);
+        EXPECT_EQ(dir.Read(name), sound);
         EXPECT_NE(std::find(changes.begin(), changes.end(), "chunks behind the audio kept: LIST, PEAK"), changes.end());
     }
 }
@@ -252,19 +246,19 @@ TEST(TidyCopy, KeepsChunksBehindTheAudioAndTheFormatAsItStands)
 TEST(TidyCopy, RefusesWhereSomethingWouldBeLost)
 {
     TempDir dir;
-    const std::string data = RiffBytes().Chunk("data", Tone(4)).Bytes();
+    const std::string data = DataBytes(Tone(4));
     const struct {
         std::string bytes, problem;
     } cases[] = {
         // Audio whose end can't be told: a chunk of an id no writer uses may
         // be audio or not.
-        {RiffBytes().Id("RIFF").U32(0).Id("WAVE").Raw(kFormat).Id("data").U32(0xFFFFFFFF).Raw(Tone(4))
+        {RiffBytes().Head("RIFF", 0).Raw(kFormat).ChunkWithSize("data", 0xFFFFFFFF, Tone(4))
              .Chunk("a-b!", "").Chunk("LIST", "INFO").Bytes(),
          "where the audio of data at 36 ends can't be told: 16 bytes and then a-b!, LIST, or 24 bytes and then LIST"},
         {Riff(kFormat + data) + "junk", "junk at 60 is cut short inside its header"},
         {Riff(kFormat + data + "junk"), "4 bytes at 60 belong to no chunk that the copy keeps"},
         {Riff(kFormat + data) + Riff(""), "a second RIFF chunk at 60"},
-        {Riff(RiffBytes().Chunk("data", Tone(4)).Bytes()),
+        {Riff(data),
          "the data can't be written without a format of at least one channel and one byte per frame"},
         {"not a wave", "not a RIFF file"},
     };
@@ -286,13 +280,12 @@ TEST(TidyCopy, RefusesWhereSomethingWouldBeLost)
 TEST(TidyCopyProgram, NextRunRemovesTheCopyAKilledRunLeft)
 {
     TempDir dir;
-    const std::string sound = Riff(kFormat + RiffBytes().Chunk("data", Tone(2 * 1024 * 1024)).Bytes());
+    const std::string sound = Riff(kFormat + DataBytes(Tone(2 * 1024 * 1024)));
     dir.Write("big.wav", sound);
     const std::string leftover = dir.Native() + "/out.wav.sondara-check-unfinished";
     // 8 MiB read 64 KiB at a time, each read 10 ms late: more than a second.
-    const CheckerSettings slowReads = {"LD_PRELOAD=" SONDARA_FAULT_SHIM, "SONDARA_FAULT_PATH=big.wav",
-                                       "SONDARA_FAULT_SHORT_READS=65536", "SONDARA_FAULT_READ_DELAY_MS=10",
-                                       "ASAN_OPTIONS=verify_asan_link_order=0"};
+    const CheckerSettings slowReads =
+        FaultSettings("big.wav", {"SONDARA_FAULT_SHORT_READS=65536", "SONDARA_FAULT_READ_DELAY_MS=10"});
     const int none = open("/dev/null", O_RDWR);
     const pid_t child = StartChecker(dir, {"--tidy", "out.wav", "big.wav"}, none, none, none, slowReads);
     close(none);
@@ -314,9 +307,9 @@ TEST(TidyCopyProgram, NextRunRemovesTheCopyAKilledRunLeft)
     const CheckerOutcome again = RunChecker(dir, {"--tidy", "out.wav", "big.wav"});
     EXPECT_EQ(again.status, 0);
     EXPECT_EQ(again.out, "nothing to mend; written to out.wav\n");
-    EXPECT_EQ(Contents(dir, "out.wav"), sound);
+    EXPECT_EQ(dir.Read("out.wav"), sound);
     EXPECT_FALSE(std::filesystem::exists(leftover));
-    EXPECT_EQ(Contents(dir, "out.wav.partial-0"), "not the checker's");
+    EXPECT_EQ(dir.Read("out.wav.partial-0"), "not the checker's");
 
     dir.MakeDir("held.wav.sondara-check-unfinished");
     const CheckerOutcome held = RunChecker(dir, {"--tidy", "held.wav", "big.wav"});
@@ -330,7 +323,7 @@ TEST(TidyCopyProgram, NextRunRemovesTheCopyAKilledRunLeft)
     EXPECT_EQ(itself.status, 1);
     EXPECT_EQ(itself.out, "not written: the file has the name that the copy is written under until it is whole; "
                           "rename it first\n");
-    EXPECT_EQ(Contents(dir, "kept.wav.sondara-check-unfinished"), sound);
+    EXPECT_EQ(dir.Read("kept.wav.sondara-check-unfinished"), sound);
     EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/kept.wav"));
 }
 #endif
@@ -347,7 +340,7 @@ TEST(Rf64, ListedMeasuredAndMended)
         RiffBytes ds64;
         ds64.U32(static_cast<std::uint32_t>(riffSize)).U32(0).U32(static_cast<std::uint32_t>(dataSize)).U32(0)
             .U32(static_cast<std::uint32_t>(dataSize / 4)).U32(0).U32(0);
-        return RiffBytes().Id("RF64").U32(0xFFFFFFFF).Id("WAVE").Chunk("ds64", ds64.Bytes()).Raw(kFormat)
+        return RiffBytes().Head("RF64", 0xFFFFFFFF).Chunk("ds64", ds64.Bytes()).Raw(kFormat)
             .ChunkWithSize("data", 0xFFFFFFFF, audio).Bytes();
     };
     const std::string sound = rf64(4 + 36 + kFormat.size() + 8 + audio.size(), audio.size());
@@ -360,12 +353,12 @@ TEST(Rf64, ListedMeasuredAndMended)
                          "  ds64 at 12, 28 bytes\n"
                          "  fmt  at 48, 16 bytes\n"
                          "  data at 72, 4,294,967,295 bytes (ds64: 2,000)\n");
-    EXPECT_EQ(Levels(path), Levels(dir.Write("sound.wav", Riff(kFormat + RiffBytes().Chunk("data", audio).Bytes()))));
+    EXPECT_EQ(Levels(path), Levels(dir.Write("sound.wav", Riff(kFormat + DataBytes(audio)))));
 
     std::vector<std::string> changes;
     std::string problem;
     ASSERT_TRUE(MakeTidyCopy(dir.Write("unfinished.rf64.wav", rf64(0, 0)), dir.PathOf("mended.wav"), changes, problem))
         << problem;
-    EXPECT_EQ(Contents(dir, "mended.wav"), sound);
+    EXPECT_EQ(dir.Read("mended.wav"), sound);
     EXPECT_EQ(changes, (std::vector<std::string>{"ds64 RIFF size 0 -> 2,072", "data: 0 bytes declared, 2,000 present"}));
 }

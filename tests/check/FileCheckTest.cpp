@@ -8,11 +8,6 @@
 
 namespace {
 
-std::string U32(std::uint32_t value)
-{
-    return RiffBytes().U32(value).Bytes();
-}
-
 std::string Extensible(std::uint16_t subFormat, std::uint16_t channels, std::uint16_t bits)
 {
     const auto align = static_cast<std::uint16_t>(channels * bits / 8);
@@ -23,23 +18,8 @@ std::string Extensible(std::uint16_t subFormat, std::uint16_t channels, std::uin
         .Bytes();
 }
 
-std::string Header(std::string_view id, std::uint32_t size)
-{
-    return RiffBytes().Id(id).U32(size).Id("WAVE").Bytes();
-}
-
-std::string Fmt(const std::string& body)
-{
-    return RiffBytes().Chunk("fmt ", body).Bytes();
-}
-
-std::string Data(const std::string& body)
-{
-    return RiffBytes().Chunk("data", body).Bytes();
-}
-
-const std::string kFmt = Fmt(FormatBody(1, 2, 44100, 16)); // 24 bytes, frames of 4
-const std::string kFmt8 = Fmt(FormatBody(1, 1, 8000, 8));  // frames of 1
+const std::string kFmt = FmtBytes(FormatBody(1, 2, 44100, 16)); // 24 bytes, frames of 4
+const std::string kFmt8 = FmtBytes(FormatBody(1, 1, 8000, 8));  // frames of 1
 const std::string kAudio(400, '\x01');
 
 // A finding as one line, so that a table row reads as the checker's output:
@@ -74,8 +54,8 @@ struct Expected {
 // that a file's bytes can give has a row here.
 TEST(FileCheckFindings, EachKindAtTheChunkItIsAboutWithItsFigures)
 {
-    const std::string data = Data(kAudio);
-    const std::string list = RiffBytes().Chunk("LIST", std::string("INFOISFT") + U32(3) + "ab\0" + '\0').Bytes();
+    const std::string data = DataBytes(kAudio);
+    const std::string list = RiffBytes().Chunk("LIST", RiffBytes().Id("INFO").ChunkNoPad("ISFT", {"ab\0", 3}).Bytes()).Bytes();
     const std::string partial(3527, '\x01'); // 16-bit stereo: 881 frames and 3 bytes
     const struct {
         const char* name;
@@ -86,7 +66,7 @@ TEST(FileCheckFindings, EachKindAtTheChunkItIsAboutWithItsFigures)
         {"sound", SoundWave(), {}, true},
         {"odd chunk with its pad", Riff(kFmt + RiffBytes().Chunk("junk", "abc").Bytes() + data), {}, true},
         {"list and bext", Riff(kFmt + list + RiffBytes().Chunk("bext", std::string(602, '\0')).Bytes() + data), {}, true},
-        {"extensible PCM", Riff(Fmt(Extensible(1, 2, 24)) + Data(std::string(6 * 60, '\x01'))), {}, true},
+        {"extensible PCM", Riff(FmtBytes(Extensible(1, 2, 24)) + DataBytes(std::string(6 * 60, '\x01'))), {}, true},
         // Some writers leave the last pad byte out of the RIFF size.
         {"pad byte behind an odd RIFF chunk", Riff(kFmt8 + RiffBytes().ChunkNoPad("data", "abc").Bytes()) + '\0', {}, true},
         {"odd last chunk without its pad", Riff(kFmt8 + RiffBytes().ChunkNoPad("data", "abc").Bytes()),
@@ -96,41 +76,41 @@ TEST(FileCheckFindings, EachKindAtTheChunkItIsAboutWithItsFigures)
         {"not RIFF", "hello, this is text", {{"riff.not-riff"}}},
         {"RIFF further on", "junk" + SoundWave(), {{"riff.structure"}}},
         {"empty RIFF", Riff(""), {{"format.missing"}, {"data.missing"}}},
-        {"RF64", Header("RF64", 0xFFFFFFFF) + kFmt + data, {{"riff.not-riff"}, {"container.rf64", 0, "RF64"}}},
-        {"bad format and empty data", Riff(Fmt(RiffBytes().U16(3).U16(6).U32(0).U32(0).U16(24).U16(32).Bytes()) + Data("")),
+        {"RF64", RiffBytes().Head("RF64", 0xFFFFFFFF).Bytes() + kFmt + data, {{"riff.not-riff"}, {"container.rf64", 0, "RF64"}}},
+        {"bad format and empty data", Riff(FmtBytes(RiffBytes().U16(3).U16(6).U32(0).U32(0).U16(24).U16(32).Bytes()) + DataBytes("")),
          {{"format.not-pcm", 12, "fmt "}, {"format.sample-rate", 12, "fmt "}, {"format.bits", 12, "fmt "},
           {"format.channels", 12, "fmt "}, {"data.size", 36, "data"}, {"data.frames", 36, "data"}}},
         // The check takes the format chunk read last; the warning is of the
         // second one too.
-        {"two format chunks", Riff(kFmt + Fmt(FormatBody(3, 2, 44100, 32)) + data),
+        {"two format chunks", Riff(kFmt + FmtBytes(FormatBody(3, 2, 44100, 32)) + data),
          {{"format.not-pcm", 36, "fmt "}, {"format.bits", 36, "fmt "}, {"format.duplicate", 36, "fmt "}}},
         // The data chunk that the check reads lies outside the RIFF chunk.
-        {"empty data behind a RIFF chunk that ends early", Header("RIFF", 4 + 24) + kFmt + Data(""),
+        {"empty data behind a RIFF chunk that ends early", RiffBytes().Head("RIFF", 4 + 24).Bytes() + kFmt + DataBytes(""),
          {{"data.size", 36, "data"}, {"data.frames", 36, "data"}, {"riff.trailing-bytes", 0, "RIFF", 28, 36}}},
         {"bytes after the RIFF chunk", Riff(kFmt + data) + "ID3\x03junk",
          {{"riff.trailing-bytes", 0, "RIFF", 436, 444}}, true},
-        {"unfinished: sizes 0", Header("RIFF", 0) + kFmt + RiffBytes().ChunkWithSize("data", 0, kAudio).Bytes(),
+        {"unfinished: sizes 0", RiffBytes().Head("RIFF", 0).Raw(kFmt).ChunkWithSize("data", 0, kAudio).Bytes(),
          {{"data.size", 36, "data"}, {"riff.size-placeholder", 0, "RIFF", 0, 436}, {"data.size-placeholder", 36, "data", 0, 400}}},
         // Placeholders and sizes past the end are no partial frames, whatever they divide into.
         {"unfinished: sizes 0xFFFFFFFF",
-         Header("RIFF", 0xFFFFFFFF) + kFmt + RiffBytes().ChunkWithSize("data", 0xFFFFFFFF, kAudio).Bytes(),
+         RiffBytes().Head("RIFF", 0xFFFFFFFF).Raw(kFmt).ChunkWithSize("data", 0xFFFFFFFF, kAudio).Bytes(),
          {{"riff.size-placeholder", 0, "RIFF", 0xFFFFFFFF, 436}, {"data.size-placeholder", 36, "data", 0xFFFFFFFF, 400}}, true},
         {"unfinished: the paged placeholder",
-         Header("RIFF", 0x7FFFF024) + kFmt + RiffBytes().ChunkWithSize("data", 0x7FFFF000, kAudio).Bytes(),
+         RiffBytes().Head("RIFF", 0x7FFFF024).Raw(kFmt).ChunkWithSize("data", 0x7FFFF000, kAudio).Bytes(),
          {{"riff.size-placeholder", 0, "RIFF", 0x7FFFF024, 436}, {"data.size-placeholder", 36, "data", 0x7FFFF000, 400}}, true},
-        {"cut short in the audio", Header("RIFF", 4 + 24 + 8 + 1002) + kFmt + RiffBytes().ChunkWithSize("data", 1002, kAudio).Bytes(),
+        {"cut short in the audio", RiffBytes().Head("RIFF", 4 + 24 + 8 + 1002).Raw(kFmt).ChunkWithSize("data", 1002, kAudio).Bytes(),
          {{"riff.size-mismatch", 0, "RIFF", 1038, 436}, {"data.truncated", 36, "data", 1002, 400}}, true},
-        {"block align", Riff(Fmt(FormatBodyAligned(1, 2, 44100, 16, 2)) + data), {{"format.block-align", 12, "fmt ", 2, 4}}, true},
-        {"byte rate", Riff(Fmt(RiffBytes().U16(1).U16(2).U32(44100).U32(44100).U16(4).U16(16).Bytes()) + data),
+        {"block align", Riff(FmtBytes(FormatBodyAligned(1, 2, 44100, 16, 2)) + data), {{"format.block-align", 12, "fmt ", 2, 4}}, true},
+        {"byte rate", Riff(FmtBytes(RiffBytes().U16(1).U16(2).U32(44100).U32(44100).U16(4).U16(16).Bytes()) + data),
          {{"format.byte-rate", 12, "fmt ", 44100, 176400}}, true},
-        {"extensible float", Riff(Fmt(Extensible(3, 2, 32)) + data),
+        {"extensible float", Riff(FmtBytes(Extensible(3, 2, 32)) + data),
          {{"format.bits", 12, "fmt "}, {"format.extensible-not-pcm", 12, "fmt "}}},
-        {"partial frame", Riff(kFmt + Data(partial)), {{"data.partial-frame", 36, "data", 3527, 3524}}, true},
-        {"partial frame, the format behind the data", Riff(Data(partial) + kFmt),
+        {"partial frame", Riff(kFmt + DataBytes(partial)), {{"data.partial-frame", 36, "data", 3527, 3524}}, true},
+        {"partial frame, the format behind the data", Riff(DataBytes(partial) + kFmt),
          {{"data.partial-frame", 12, "data", 3527, 3524}}, true},
         // A compressed format's block holds many frames, and its last one
         // may be cut short.
-        {"blocks of a compressed format", Riff(Fmt(FormatBodyAligned(0x11, 1, 8000, 4, 256)) + Data(std::string(300, '\0'))),
+        {"blocks of a compressed format", Riff(FmtBytes(FormatBodyAligned(0x11, 1, 8000, 4, 256)) + DataBytes(std::string(300, '\0'))),
          {{"format.not-pcm", 12, "fmt "}, {"format.bits", 12, "fmt "}}},
     };
     // Kinds that come of a path, never of a file's bytes.
@@ -165,7 +145,7 @@ TEST(FileCheckFindings, PartialFrameSaysTheWholeFramesAndTheBytesLeftOver)
 {
     TempDir dir;
     FileCheck check;
-    CheckFile(dir.Write("partial.wav", Riff(kFmt + Data(std::string(3527, '\x01')))), check);
+    CheckFile(dir.Write("partial.wav", Riff(kFmt + DataBytes(std::string(3527, '\x01')))), check);
     EXPECT_EQ(check.report.ToU16String(), u"チェック完了しました。\r\n");
     ASSERT_EQ(check.findings.size(), 1u);
     EXPECT_EQ(check.findings[0].message, "The data size is not a whole number of frames: the last frame is partial. "
@@ -182,7 +162,7 @@ TEST(FileCheckFindings, ErrorsAreTheReportLinesWithCodesValuesAndPlaces)
     // A tag whose hexadecimal digits read as another decimal number.
     const std::string body = RiffBytes().U16(0x55).U16(6).U32(0).U32(0).U16(24).U16(32).Bytes();
     FileCheck check;
-    CheckFile(dir.Write("bad.wav", Riff(RiffBytes().Chunk("fmt ", body).Bytes() + RiffBytes().Chunk("data", "").Bytes())), check);
+    CheckFile(dir.Write("bad.wav", Wave(body, "")), check);
     const std::u16string report = check.report.ToU16String();
     std::vector<std::string> codes;
     std::u16string lines;

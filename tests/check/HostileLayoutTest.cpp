@@ -13,16 +13,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <string>
-
-#ifdef SONDARA_CHECK_PROGRAM
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-#endif
 
 namespace {
 
@@ -35,8 +27,8 @@ constexpr std::uint64_t kLargestSigned = std::numeric_limits<std::int64_t>::max(
 std::string Rf64(std::uint64_t riffSize, std::uint64_t dataSize)
 {
     const std::string ds64 = RiffBytes().U64(riffSize).U64(dataSize).U64(5).U32(0).Bytes();
-    return RiffBytes().Id("RF64").U32(0xFFFFFFFF).Id("WAVE").Chunk("ds64", ds64)
-        .Chunk("fmt ", FormatBody(1, 2, 44100, 16)).ChunkWithSize("data", 0xFFFFFFFF, std::string(20, 'a')).Bytes();
+    return RiffBytes().Head("RF64", 0xFFFFFFFF).Chunk("ds64", ds64).Raw(FmtBytes(FormatBody(1, 2, 44100, 16)))
+        .ChunkWithSize("data", 0xFFFFFFFF, std::string(20, 'a')).Bytes();
 }
 
 struct Hostile {
@@ -111,11 +103,6 @@ TEST(Rf64Layout, SizesNoFileCanHoldAreRefusedAndTheRestWalked)
 }
 
 #ifdef SONDARA_CHECK_PROGRAM
-namespace {
-
-
-} // namespace
-
 // A hostile file ends the run at once with status 1 and its reason: --tidy
 // leaves neither the copy nor the temporary file it writes first, and
 // --chunks says the reason instead of listing the same chunk for ever.

@@ -88,10 +88,8 @@ TEST(MeasurePass, EveryMeterGetsEveryFrameOnceAndEachPartItsPriming)
     std::vector<float> samples(std::size_t{kFrames} * 3);
     for (std::uint32_t i = 0; i < kFrames; ++i)
         std::fill_n(samples.begin() + std::size_t{i} * 3, 3, static_cast<float>(i));
-    const std::string audio(reinterpret_cast<const char*>(samples.data()), samples.size() * sizeof(float));
     TempDir dir;
-    const std::string fmt = FormatBody(3, 3, 48000, 32);
-    const WideString path = dir.Write("index.wav", Riff(RiffBytes().Chunk("fmt ", fmt).Chunk("data", audio).Bytes()));
+    const WideString path = dir.Write("index.wav", FloatWave(samples, 3, 48000));
     AudioPlace place;
     SampleFormat format;
     std::string problem;

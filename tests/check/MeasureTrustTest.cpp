@@ -7,31 +7,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <numbers>
 #include <string>
 #include <vector>
 
-#ifdef SONDARA_CHECK_PROGRAM
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-extern char** environ;
-#endif
-
 namespace {
-
-// A float WAVE file of these interleaved samples (32 or 64-bit).
-template <typename Float>
-std::string FloatWave(const std::vector<Float>& samples, std::uint16_t channels, std::uint32_t rate)
-{
-    std::string data(samples.size() * sizeof(Float), '\0');
-    std::memcpy(data.data(), samples.data(), data.size());
-    return Riff(RiffBytes().Chunk("fmt ", FormatBody(3, channels, rate, sizeof(Float) * 8)).Chunk("data", data).Bytes());
-}
 
 // Two channels of sines, 0.5 and 0.25 of full scale, two seconds at 48 kHz.
 template <typename Float>
@@ -168,16 +149,6 @@ TEST(MeasureTrust, LoudnessRefusedBelowItsLowestRate)
 #ifdef SONDARA_CHECK_PROGRAM
 namespace {
 
-// The fault library preloaded, watching files named like name; a checker
-// built with AddressSanitizer must be told that its runtime is not first.
-std::vector<std::string> Faults(const std::string& name, std::vector<std::string> settings)
-{
-    settings.push_back("LD_PRELOAD=" SONDARA_FAULT_SHIM);
-    settings.push_back("SONDARA_FAULT_PATH=" + name);
-    settings.push_back("ASAN_OPTIONS=verify_asan_link_order=0");
-    return settings;
-}
-
 // Forty seconds of 16-bit stereo noise at 48 kHz: 7.7 MB, the checker's
 // reads of 4 MiB cut in the middle of a frame.
 std::string FortySeconds()
@@ -189,7 +160,7 @@ std::string FortySeconds()
         data[i] = static_cast<char>(seed >> 16);
         data[i + 1] = static_cast<char>(seed >> 27); // about -24 dBFS
     }
-    return Riff(RiffBytes().Chunk("fmt ", FormatBody(1, 2, 48000, 16)).Chunk("data", data).Bytes());
+    return Wave(FormatBody(1, 2, 48000, 16), data);
 }
 
 } // namespace
@@ -206,7 +177,7 @@ TEST(MeasureTrustProgram, ReadFailuresRefuseAndShortReadsMeasureTheSame)
     ASSERT_EQ(whole.status, 0) << whole.out << whole.err;
     ASSERT_NE(whole.out.find("duration 0:40.000 (1,920,000 frames"), std::string::npos) << whole.out;
     // The second read fails: what the first brought is not a file of its own.
-    const CheckerSettings secondReadFails = Faults("long.wav", {"SONDARA_FAULT_EIO_AFTER=4194304"});
+    const CheckerSettings secondReadFails = FaultSettings("long.wav", {"SONDARA_FAULT_EIO_AFTER=4194304"});
     const CheckerOutcome failed = RunChecker(dir, arguments, "", secondReadFails);
     EXPECT_EQ(failed.status, 1);
     EXPECT_EQ(failed.out, "(the audio could not be read after frame 1,048,565 of 1,920,000)\n");
@@ -215,10 +186,10 @@ TEST(MeasureTrustProgram, ReadFailuresRefuseAndShortReadsMeasureTheSame)
     EXPECT_EQ(failedJson.out, "[\n  {\"path\": \"long.wav\", \"error\": "
                               "\"the audio could not be read after frame 1,048,565 of 1,920,000\"}\n]\n");
     // A fault before the audio (in the header) leaves nothing to measure.
-    const CheckerOutcome early = RunChecker(dir, arguments, "", Faults("long.wav", {"SONDARA_FAULT_EIO_AFTER=0"}));
+    const CheckerOutcome early = RunChecker(dir, arguments, "", FaultSettings("long.wav", {"SONDARA_FAULT_EIO_AFTER=0"}));
     EXPECT_EQ(early.status, 1);
     EXPECT_EQ(early.out.find("duration"), std::string::npos) << early.out;
-    const CheckerOutcome cut = RunChecker(dir, arguments, "", Faults("long.wav", {"SONDARA_FAULT_SHORT_READS=4096"}));
+    const CheckerOutcome cut = RunChecker(dir, arguments, "", FaultSettings("long.wav", {"SONDARA_FAULT_SHORT_READS=4096"}));
     EXPECT_EQ(cut.status, 0);
     EXPECT_EQ(cut.out, whole.out);
 }

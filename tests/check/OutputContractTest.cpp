@@ -10,21 +10,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <fstream>
-#include <iterator>
-#include <limits>
-#include <memory>
-
-
 #ifdef SONDARA_CHECK_PROGRAM
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
-#include <pty.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <termios.h>
 #include <unistd.h>
 #endif
 
@@ -152,7 +141,7 @@ TEST(CheckerOutput, FailedWritesAreNeverSuccess)
         close(errFd);
         close(inFd);
         EXPECT_EQ(status, ignorePipe ? 1 : 128 + SIGPIPE);
-        EXPECT_EQ(FileContents(dir.Native() + "/stderr.txt"), "");
+        EXPECT_EQ(dir.Read("stderr.txt"), "");
     }
 }
 
@@ -253,10 +242,6 @@ TEST(CheckerOutput, ListsAndOptionsInAnyForm)
     }
 }
 
-namespace {
-
-} // namespace
-
 // A name that a spreadsheet would take for a formula stays text in CSV.
 TEST(CheckerOutput, CsvNamesAreNeverFormulas)
 {
@@ -277,10 +262,7 @@ TEST(CheckerOutput, ResultsReachTheReaderAsEachFileIsDone)
     dir.Write("first.wav", SoundWave());
     dir.Write("held.wav", SoundWave());
     dir.Write("last.wav", SoundWave());
-    // A checker built with AddressSanitizer must be told that its runtime
-    // is not the first library.
-    CheckerSettings slowOpen = {"LD_PRELOAD=" SONDARA_FAULT_SHIM, "SONDARA_FAULT_PATH=held.wav",
-                                "SONDARA_FAULT_OPEN_DELAY_MS=5000", "ASAN_OPTIONS=verify_asan_link_order=0"};
+    const CheckerSettings slowOpen = FaultSettings("held.wav", {"SONDARA_FAULT_OPEN_DELAY_MS=5000"});
 
     // JSON Lines into a pipe.
     int pipeFds[2];
@@ -309,23 +291,7 @@ TEST(CheckerOutput, ResultsReachTheReaderAsEachFileIsDone)
     }
     arguments.push_back("last.wav");
     int terminal = -1;
-    termios raw{};
-    cfmakeraw(&raw);
-    const pid_t onTerminal = forkpty(&terminal, nullptr, &raw, nullptr);
-    if (onTerminal == 0) {
-        const int none = open("/dev/null", O_RDONLY);
-        dup2(none, 0);
-        if (chdir(dir.Native().c_str()) != 0)
-            _exit(126);
-        for (std::string& setting : slowOpen)
-            putenv(setting.data());
-        std::vector<char*> argv{const_cast<char*>(SONDARA_CHECK_PROGRAM)};
-        for (std::string& argument : arguments)
-            argv.push_back(argument.data());
-        argv.push_back(nullptr);
-        execv(argv[0], argv.data());
-        _exit(127);
-    }
+    const pid_t onTerminal = StartCheckerOnTerminal(dir, arguments, slowOpen, terminal);
     ASSERT_GT(onTerminal, 0);
     // Before the held file's check ends, the thousand are on the screen.
     std::string screen = ReadUntil(terminal, "== many/999.wav\nチェック完了しました。\n", 4500);
@@ -347,9 +313,7 @@ TEST(CheckerOutput, ResultsReachTheReaderAsEachFileIsDone)
               std::string::npos)
         << tail;
 }
-#endif
 
-#ifdef SONDARA_CHECK_PROGRAM
 // Paths on standard input are checked as they come, not once it ends: the
 // results of the first lines reach the reader while the writer of the list
 // still holds it open; a folder named there is walked in its place.
@@ -378,10 +342,7 @@ TEST(CheckerOutput, StandardInputIsCheckedAsItComes)
     const std::string late = early + ReadUntil(output[0], "\"summary\"", 10000);
     close(output[0]);
     EXPECT_EQ(WaitForChecker(child), 0);
-    std::vector<std::string> order;
-    for (std::size_t at = late.find("\"path\": \""); at != std::string::npos; at = late.find("\"path\": \"", at + 1))
-        order.push_back(late.substr(at + 9, late.find('"', at + 9) - at - 9));
-    EXPECT_EQ(order, (std::vector<std::string>{"a.wav", "b.wav", "c.wav", "folder/d.wav", "folder/e.wav"}));
+    EXPECT_EQ(JsonPaths(late), (std::vector<std::string>{"a.wav", "b.wav", "c.wav", "folder/d.wav", "folder/e.wav"}));
     EXPECT_NE(late.find("\"files\": 5, \"sound\": 5"), std::string::npos) << late;
 }
 #endif

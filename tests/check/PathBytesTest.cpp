@@ -5,12 +5,8 @@
 #include <gtest/gtest.h>
 
 #ifdef SONDARA_CHECK_PROGRAM
-#include <fcntl.h>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 // A name on POSIX is bytes: one that isn't UTF-8, as old archives hold
 // (Latin-1 here), goes from the walk, the arguments and standard input to
@@ -18,18 +14,11 @@
 // for its bytes.
 namespace {
 
-
 // TempDir names files through UTF-16, which a name of other bytes can't
 // pass: this writes under the name's own bytes.
 void WriteRaw(const TempDir& dir, const std::string& name, const std::string& bytes)
 {
     std::ofstream(dir.Native() + "/" + name, std::ios::binary) << bytes;
-}
-
-bool Exists(const TempDir& dir, const std::string& name)
-{
-    struct stat info;
-    return stat((dir.Native() + "/" + name).c_str(), &info) == 0;
 }
 
 const std::string kLatin1Name = "archive/caf\xE9.wav";
@@ -76,8 +65,8 @@ TEST(PathBytesProgram, NameOfOtherBytesIsFoundAndOpened)
 
     // A copy goes to the very name it is given.
     EXPECT_EQ(RunChecker(dir, {"--json", "--tidy", "copy\xE9.wav", kLatin1Name}).status, 0);
-    EXPECT_TRUE(Exists(dir, "copy\xE9.wav"));
-    EXPECT_FALSE(Exists(dir, "copy\xEF\xBF\xBD.wav"));
+    EXPECT_TRUE(std::filesystem::exists(dir.Native() + "/copy\xE9.wav"));
+    EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/copy\xEF\xBF\xBD.wav"));
 }
 
 // Text and CSV print a path's own bytes, so that a script can open what

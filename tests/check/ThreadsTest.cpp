@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <filesystem>
+#include <vector>
 
 // The threads take the paths from the folder walk themselves, as they go.
 TEST(CheckerThreads, ManyChecksAtOncePrintWhatOneAtATimePrints)
@@ -56,14 +56,13 @@ TEST(CheckerThreads, LevelsOfAFileLongerThanThreeReads)
     // Stereo 64-bit floats: 16 bytes a frame, so 17 MiB is more than four
     // reads of 4 MiB, with frames cut by the reads' ends.
     constexpr std::uint32_t kFrames = 17 * 1024 * 1024 / 16 + 3;
-    std::string audio(std::size_t{kFrames} * 16, '\0');
+    std::vector<double> samples;
     for (std::uint32_t i = 0; i < kFrames; ++i) {
-        const double samples[2] = {0.5 * std::sin(i * 0.01), -0.25 * std::sin(i * 0.003)};
-        std::memcpy(audio.data() + std::size_t{i} * 16, samples, 16);
+        samples.push_back(0.5 * std::sin(i * 0.01));
+        samples.push_back(-0.25 * std::sin(i * 0.003));
     }
     TempDir dir;
-    const WideString path =
-        dir.Write("long.wav", Riff(RiffBytes().Chunk("fmt ", FormatBody(3, 2, 48000, 64)).Chunk("data", audio).Bytes()));
+    const WideString path = dir.Write("long.wav", FloatWave(samples, 2, 48000));
     for (const bool loudness : {false, true}) {
         SCOPED_TRACE(loudness ? "with loudness" : "levels alone");
         LevelReport report;

@@ -21,15 +21,8 @@ CheckOutcome Check(const WideString& path)
     return {report.ToU16String(), hasError};
 }
 
-std::string Fmt(std::uint16_t tag, std::uint16_t channels, std::uint32_t rate, std::uint16_t bits)
-{
-    return RiffBytes().Chunk("fmt ", FormatBody(tag, channels, rate, bits)).Bytes();
-}
-
-std::string Data(std::size_t bytes)
-{
-    return RiffBytes().Chunk("data", std::string(bytes, '\0')).Bytes();
-}
+const std::string kFmt = FmtBytes(FormatBody(1, 2, 44100, 16));
+const std::string kFrames(16, '\0');
 
 const std::u16string kAllClear = u"チェック完了しました。\r\n";
 
@@ -47,7 +40,7 @@ TEST(WaveCheck, MissingPathAndDirectory)
 
 TEST(WaveCheck, ReportsOfFiles)
 {
-    const std::string sound = Fmt(1, 2, 44100, 16) + Data(16);
+    const std::string sound = kFmt + DataBytes(kFrames);
     struct Case {
         const char* name;
         std::string bytes;
@@ -57,44 +50,44 @@ TEST(WaveCheck, ReportsOfFiles)
         {"empty file", "", u"フォーマット構造がありません。\r\nデータ構造がありません。\r\n"},
         {"three bytes", "RIF", u"フォーマット構造がありません。\r\nデータ構造がありません。\r\n"},
         {"not RIFF", "hello, this is text", u"RIFF形式ではありません。\r\n"},
-        {"RF64", RiffBytes().Id("RF64").U32(0xFFFFFFFF).Id("WAVE").Raw(sound).Bytes(), u"RIFF形式ではありません。\r\n"},
+        {"RF64", RiffBytes().Head("RF64", 0xFFFFFFFF).Raw(sound).Bytes(), u"RIFF形式ではありません。\r\n"},
         {"RIFF at a later aligned offset", "junk" + Riff(sound), u"RIFF構造にエラーがあります。\r\n"},
-        {"float stereo 48 kHz", Riff(Fmt(3, 2, 48000, 32) + Data(16)),
+        {"float stereo 48 kHz", Wave(FormatBody(3, 2, 48000, 32), kFrames),
          u"PCMではありません。 [0003]\r\nビット数が8/16/24Bitではありません。 [32]\r\n"},
-        {"extensible tag", Riff(Fmt(0xFFFE, 2, 44100, 16) + Data(16)), kAllClear},
-        {"tag above 0xFFF", Riff(Fmt(0xABCD, 1, 8000, 8) + Data(16)), u"PCMではありません。 [ABCD]\r\n"},
-        {"rate 192000", Riff(Fmt(1, 2, 192000, 16) + Data(16)), kAllClear},
-        {"rate 1", Riff(Fmt(1, 1, 1, 8) + Data(16)), kAllClear},
-        {"rate 192001", Riff(Fmt(1, 2, 192001, 16) + Data(16)),
+        {"extensible tag", Wave(FormatBody(0xFFFE, 2, 44100, 16), kFrames), kAllClear},
+        {"tag above 0xFFF", Wave(FormatBody(0xABCD, 1, 8000, 8), kFrames), u"PCMではありません。 [ABCD]\r\n"},
+        {"rate 192000", Wave(FormatBody(1, 2, 192000, 16), kFrames), kAllClear},
+        {"rate 1", Wave(FormatBody(1, 1, 1, 8), kFrames), kAllClear},
+        {"rate 192001", Wave(FormatBody(1, 2, 192001, 16), kFrames),
          u"サンプリング周波数が0～19200Hzではありません。 [192001]\r\n"},
-        {"rate 0", Riff(Fmt(1, 2, 0, 16) + Data(16)), u"サンプリング周波数が0～19200Hzではありません。 [0]\r\n"},
-        {"rate above 2^31 prints negative", Riff(Fmt(1, 2, 0x80000000u, 16) + Data(16)),
+        {"rate 0", Wave(FormatBody(1, 2, 0, 16), kFrames), u"サンプリング周波数が0～19200Hzではありません。 [0]\r\n"},
+        {"rate above 2^31 prints negative", Wave(FormatBody(1, 2, 0x80000000u, 16), kFrames),
          u"サンプリング周波数が0～19200Hzではありません。 [-2147483648]\r\n"},
-        {"six channels", Riff(Fmt(1, 6, 44100, 16) + Data(24)), u"チャンネル数が1/2チャンネルではありません。 [6]\r\n"},
-        {"8 bits mono", Riff(Fmt(1, 1, 22050, 8) + Data(16)), kAllClear},
-        {"everything wrong", Riff(Fmt(2, 0, 0, 0) + Data(16)),
+        {"six channels", Wave(FormatBody(1, 6, 44100, 16), std::string(24, '\0')), u"チャンネル数が1/2チャンネルではありません。 [6]\r\n"},
+        {"8 bits mono", Wave(FormatBody(1, 1, 22050, 8), kFrames), kAllClear},
+        {"everything wrong", Wave(FormatBody(2, 0, 0, 0), kFrames),
          u"PCMではありません。 [0002]\r\nサンプリング周波数が0～19200Hzではありません。 [0]\r\n"
          u"ビット数が8/16/24Bitではありません。 [0]\r\nチャンネル数が1/2チャンネルではありません。 [0]\r\n"
          u"サンプル数が正しくありません。 [-1]\r\n"},
-        {"data of size 0 at the end", Riff(Fmt(1, 2, 44100, 16) + RiffBytes().Id("data").U32(0).Bytes()),
+        {"data of size 0 at the end", Riff(kFmt + RiffBytes().Id("data").U32(0).Bytes()),
          u"データ情報のサイズが正しくありません。 [0]\r\nサンプル数が正しくありません。 [0]\r\n"},
-        {"data of size 0 with frames behind", Riff(Fmt(1, 2, 44100, 16) + RiffBytes().Id("data").U32(0).Bytes()) + std::string(64, 'a'),
+        {"data of size 0 with frames behind", Riff(kFmt + RiffBytes().Id("data").U32(0).Bytes()) + std::string(64, 'a'),
          u"データ情報のサイズが正しくありません。 [0]\r\n"},
-        {"no fmt", Riff(Data(16)), u"フォーマット構造がありません。\r\nサンプル数が正しくありません。 [-1]\r\n"},
-        {"no data", Riff(Fmt(1, 2, 44100, 16)), u"データ構造がありません。\r\n"},
-        {"fmt behind data", Riff(Data(16) + Fmt(1, 2, 44100, 16)), kAllClear},
+        {"no fmt", Riff(DataBytes(kFrames)), u"フォーマット構造がありません。\r\nサンプル数が正しくありません。 [-1]\r\n"},
+        {"no data", Riff(kFmt), u"データ構造がありません。\r\n"},
+        {"fmt behind data", Riff(DataBytes(kFrames) + kFmt), kAllClear},
         {"structure error later", Riff(sound) + "abcd\x01", u"RIFF構造にエラーがあります。\r\n"},
-        {"structure error and bad format", Riff(Fmt(3, 2, 48000, 32) + Data(16)) + "ab\x01\x02\x03",
+        {"structure error and bad format", Wave(FormatBody(3, 2, 48000, 32), kFrames) + "ab\x01\x02\x03",
          u"RIFF構造にエラーがあります。\r\nPCMではありません。 [0003]\r\nビット数が8/16/24Bitではありません。 [32]\r\n"},
         {"RIFF header cut short", "RIFF\x10", u"RIFF構造にエラーがあります。\r\nフォーマット構造がありません。\r\nデータ構造がありません。\r\n"},
-        {"only a LIST chunk", RiffBytes().Id("LIST").U32(14).Id("INFO").Chunk("INAM", "take").Bytes(),
+        {"only a LIST chunk", RiffBytes().Head("LIST", 14, "INFO").Chunk("INAM", "take").Bytes(),
          u"フォーマット構造がありません。\r\nデータ構造がありません。\r\n"},
-        {"LIST of size 3 hides what follows", Riff(RiffBytes().Id("LIST").U32(3).Id("abcd").Bytes() + sound),
+        {"LIST of size 3 hides what follows", Riff(RiffBytes().Head("LIST", 3, "abcd").Bytes() + sound),
          u"フォーマット構造がありません。\r\nデータ構造がありません。\r\n"},
         {"INFO and bext beside sound chunks",
-         Riff(RiffBytes().Id("LIST").U32(16).Id("INFO").Chunk("INAM", "take\0").Chunk("bext", std::string(602, 'b')).Bytes() + sound),
+         Riff(RiffBytes().Head("LIST", 16, "INFO").Chunk("INAM", "take\0").Chunk("bext", std::string(602, 'b')).Bytes() + sound),
          kAllClear},
-        {"fmt of 1024 bytes", Riff(RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16) + std::string(1008, '\0')).Bytes() + Data(16)),
+        {"fmt of 1024 bytes", Wave(FormatBody(1, 2, 44100, 16) + std::string(1008, '\0'), kFrames),
          u"PCMではありません。 [0000]\r\nサンプリング周波数が0～19200Hzではありません。 [0]\r\n"
          u"ビット数が8/16/24Bitではありません。 [0]\r\nチャンネル数が1/2チャンネルではありません。 [0]\r\n"
          u"サンプル数が正しくありません。 [-1]\r\n"},
@@ -113,7 +106,7 @@ TEST(WaveCheck, DataOfSizeZeroBeforeGigabytes)
     // The frames come from the real length of the file, here 3 GiB of a
     // sparse file: the size is reported, the sample count is usable.
     TempDir dir;
-    const WideString path = dir.Write("big.wav", Riff(Fmt(1, 2, 44100, 16) + RiffBytes().Id("data").U32(0).Bytes()));
+    const WideString path = dir.Write("big.wav", Riff(kFmt + RiffBytes().Id("data").U32(0).Bytes()));
     std::filesystem::resize_file(std::filesystem::path(path.ToU16String()), 3ull << 30);
     CheckOutcome outcome = Check(path);
     EXPECT_EQ(outcome.report, u"データ情報のサイズが正しくありません。 [0]\r\n");

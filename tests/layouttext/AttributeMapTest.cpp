@@ -1,24 +1,12 @@
 #include "base/Utf8.h"
 #include "layouttext/AttributeMap.h"
+#include "support/MapOf.h"
 
 #include <gtest/gtest.h>
 
 #include <set>
 #include <string>
 #include <vector>
-
-namespace {
-
-AttributeMap MapOf(std::initializer_list<std::pair<const char16_t*, const char16_t*>> pairs)
-{
-    AttributeMap map;
-    for (const auto& [key, value] : pairs)
-        map.Set(key, value);
-    map.Rehash();
-    return map;
-}
-
-} // namespace
 
 TEST(AttributeMap, DefaultsApplyOnlyToAbsentKeysOrItems)
 {

@@ -4,40 +4,81 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
-#include <iterator>
+#include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
-std::string FileContents(const std::string& path)
+namespace {
+
+// The words and settings of a checker's start, made before the fork so
+// that the child only calls what is safe there.
+class CheckerStart {
+public:
+    CheckerStart(const TempDir& dir, const std::vector<std::string>& arguments, const CheckerSettings& settings)
+        : folder(dir.Native()), words{SONDARA_CHECK_PROGRAM}, settings(settings)
+    {
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        for (std::string& word : words)
+            argv.push_back(word.data());
+        argv.push_back(nullptr);
+    }
+
+    // In the child: becomes the checker, in its folder, with its settings.
+    [[noreturn]] void Exec()
+    {
+        if (chdir(folder.c_str()) != 0)
+            _exit(126);
+        for (std::string& setting : settings)
+            putenv(setting.data());
+        // The alarm outlives exec: a checker that hangs or spins ends.
+        alarm(60);
+        execv(argv[0], argv.data());
+        _exit(127);
+    }
+
+private:
+    std::string folder;
+    std::vector<std::string> words;
+    std::vector<char*> argv;
+    CheckerSettings settings;
+};
+
+} // namespace
+
+CheckerSettings FaultSettings(const std::string& name, CheckerSettings faults)
 {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    faults.push_back("LD_PRELOAD=" SONDARA_FAULT_SHIM);
+    faults.push_back("SONDARA_FAULT_PATH=" + name);
+    faults.push_back("ASAN_OPTIONS=verify_asan_link_order=0");
+    return faults;
 }
 
 pid_t StartChecker(const TempDir& dir, const std::vector<std::string>& arguments, int in, int out, int err,
                    const CheckerSettings& settings, bool ignorePipeSignal)
 {
-    std::vector<std::string> words{SONDARA_CHECK_PROGRAM};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    for (std::string& word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    std::vector<std::string> settingsCopy = settings;
+    CheckerStart start(dir, arguments, settings);
     const pid_t child = fork();
     if (child == 0) {
-        if (chdir(dir.Native().c_str()) != 0)
-            _exit(126);
-        for (std::string& setting : settingsCopy)
-            putenv(setting.data());
         std::signal(SIGPIPE, ignorePipeSignal ? SIG_IGN : SIG_DFL);
         dup2(in, 0);
         dup2(out, 1);
         dup2(err, 2);
-        // The alarm outlives exec: a checker that hangs or spins ends.
-        alarm(60);
-        execv(argv[0], argv.data());
-        _exit(127);
+        start.Exec();
+    }
+    return child;
+}
+
+pid_t StartCheckerOnTerminal(const TempDir& dir, const std::vector<std::string>& arguments,
+                             const CheckerSettings& settings, int& terminal)
+{
+    CheckerStart start(dir, arguments, settings);
+    termios raw{};
+    cfmakeraw(&raw);
+    const pid_t child = forkpty(&terminal, nullptr, &raw, nullptr);
+    if (child == 0) {
+        dup2(open("/dev/null", O_RDONLY), 0);
+        start.Exec();
     }
     return child;
 }
@@ -64,5 +105,13 @@ CheckerOutcome RunChecker(const TempDir& dir, const std::vector<std::string>& ar
     close(inFd);
     close(outFd);
     close(errFd);
-    return {status, outputPath.empty() ? FileContents(out) : "", FileContents(err)};
+    return {status, outputPath.empty() ? dir.Read("stdout.txt") : "", dir.Read("stderr.txt")};
+}
+
+std::vector<std::string> JsonPaths(const std::string& out)
+{
+    std::vector<std::string> paths;
+    for (std::size_t at = out.find("\"path\": \""); at != std::string::npos; at = out.find("\"path\": \"", at + 1))
+        paths.push_back(out.substr(at + 9, out.find('"', at + 9) - at - 9));
+    return paths;
 }

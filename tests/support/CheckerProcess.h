@@ -22,6 +22,11 @@ struct CheckerOutcome {
 // Settings such as "NAME=value", added to the checker's environment.
 using CheckerSettings = std::vector<std::string>;
 
+// The fault library preloaded, watching the files whose path holds name,
+// with its faults as settings (SONDARA_FAULT_...). A checker built with
+// AddressSanitizer must be told that its runtime is not the first library.
+CheckerSettings FaultSettings(const std::string& name, CheckerSettings faults);
+
 // Runs the checker with these arguments in dir, standard input from input
 // and its other streams into files there (standard output into outputPath
 // instead when one is given, and then out stays empty).
@@ -33,7 +38,12 @@ CheckerOutcome RunChecker(const TempDir& dir, const std::vector<std::string>& ar
 // language runtimes start their children.
 pid_t StartChecker(const TempDir& dir, const std::vector<std::string>& arguments, int in, int out, int err,
                    const CheckerSettings& settings = {}, bool ignorePipeSignal = false);
+// Starts the checker in dir on a terminal of its own, in raw mode, with
+// standard input empty; terminal is the test's end of it.
+pid_t StartCheckerOnTerminal(const TempDir& dir, const std::vector<std::string>& arguments,
+                             const CheckerSettings& settings, int& terminal);
 // Waits for a checker: its status as CheckerOutcome has it.
 int WaitForChecker(pid_t child);
 
-std::string FileContents(const std::string& path);
+// The paths of the JSON objects of an output, in their order.
+std::vector<std::string> JsonPaths(const std::string& out);

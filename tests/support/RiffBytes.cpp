@@ -1,5 +1,7 @@
 #include "support/RiffBytes.h"
 
+#include <cstring>
+
 RiffBytes& RiffBytes::Raw(std::string_view raw)
 {
     bytes.append(raw);
@@ -49,6 +51,11 @@ RiffBytes& RiffBytes::ChunkWithSize(std::string_view fourcc, std::uint32_t decla
     return Id(fourcc).U32(declaredSize).Raw(body);
 }
 
+RiffBytes& RiffBytes::Head(std::string_view fourcc, std::uint32_t declaredSize, std::string_view type)
+{
+    return Id(fourcc).U32(declaredSize).Id(type);
+}
+
 std::string FormatBodyAligned(std::uint16_t tag, std::uint16_t channels, std::uint32_t samplesPerSec,
                               std::uint16_t bitsPerSample, std::uint16_t blockAlign)
 {
@@ -71,18 +78,52 @@ std::string FormatBody(std::uint16_t tag, std::uint16_t channels, std::uint32_t 
 
 std::string Riff(std::string_view children, std::string_view formType)
 {
-    return RiffBytes()
-        .Id("RIFF")
-        .U32(static_cast<std::uint32_t>(children.size() + 4))
-        .Id(formType)
-        .Raw(children)
-        .Bytes();
+    return RiffBytes().Head("RIFF", static_cast<std::uint32_t>(children.size() + 4), formType).Raw(children).Bytes();
+}
+
+std::string FmtBytes(std::string_view body)
+{
+    return RiffBytes().Chunk("fmt ", body).Bytes();
+}
+
+std::string DataBytes(std::string_view body)
+{
+    return RiffBytes().Chunk("data", body).Bytes();
+}
+
+std::string ListBytes(std::string_view type, std::string_view body)
+{
+    return RiffBytes().Head("LIST", static_cast<std::uint32_t>(body.size() + 4), type).Raw(body).Bytes();
+}
+
+std::string Wave(std::string_view formatBody, std::string_view audio)
+{
+    return Riff(FmtBytes(formatBody) + DataBytes(audio));
 }
 
 std::string SoundWave(std::uint32_t frames)
 {
-    return Riff(RiffBytes()
-                    .Chunk("fmt ", FormatBody(1, 2, 44100, 16))
-                    .Chunk("data", std::string(frames * 4, '\0'))
-                    .Bytes());
+    return Wave(FormatBody(1, 2, 44100, 16), std::string(frames * 4, '\0'));
+}
+
+namespace {
+
+template <typename Float>
+std::string FloatWaveOf(const std::vector<Float>& samples, std::uint16_t channels, std::uint32_t rate)
+{
+    std::string audio(samples.size() * sizeof(Float), '\0');
+    std::memcpy(audio.data(), samples.data(), audio.size());
+    return Wave(FormatBody(3, channels, rate, sizeof(Float) * 8), audio);
+}
+
+} // namespace
+
+std::string FloatWave(const std::vector<float>& samples, std::uint16_t channels, std::uint32_t rate)
+{
+    return FloatWaveOf(samples, channels, rate);
+}
+
+std::string FloatWave(const std::vector<double>& samples, std::uint16_t channels, std::uint32_t rate)
+{
+    return FloatWaveOf(samples, channels, rate);
 }

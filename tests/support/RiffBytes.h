@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Builds the bytes of a RIFF file in memory: chunks with an id, a size that
 // may lie, a body and an optional pad byte.
@@ -21,6 +22,9 @@ public:
     RiffBytes& ChunkNoPad(std::string_view fourcc, std::string_view body);
     // A chunk whose size field says declaredSize, whatever the body is.
     RiffBytes& ChunkWithSize(std::string_view fourcc, std::uint32_t declaredSize, std::string_view body);
+    // The head of a RIFF or LIST chunk, whatever follows: id, a size field
+    // that says declaredSize, and the form or list type.
+    RiffBytes& Head(std::string_view fourcc, std::uint32_t declaredSize, std::string_view type = "WAVE");
 
     const std::string& Bytes() const { return bytes; }
     std::size_t Size() const { return bytes.size(); }
@@ -37,5 +41,15 @@ std::string FormatBodyAligned(std::uint16_t tag, std::uint16_t channels, std::ui
                               std::uint16_t bitsPerSample, std::uint16_t blockAlign);
 // RIFF header with the size worked out from the children, form type WAVE.
 std::string Riff(std::string_view children, std::string_view formType = "WAVE");
+// A "fmt " chunk and a "data" chunk of these bodies, padded when odd.
+std::string FmtBytes(std::string_view body);
+std::string DataBytes(std::string_view body);
+// A LIST chunk of this type, with the size worked out from the body.
+std::string ListBytes(std::string_view type, std::string_view body);
+// A WAVE file of a format chunk and a data chunk.
+std::string Wave(std::string_view formatBody, std::string_view audio);
 // A sound PCM file: 16 bits, 44100 Hz, stereo, frames of silence.
 std::string SoundWave(std::uint32_t frames = 4);
+// A float WAVE file of these interleaved samples, 32 or 64-bit.
+std::string FloatWave(const std::vector<float>& samples, std::uint16_t channels, std::uint32_t rate);
+std::string FloatWave(const std::vector<double>& samples, std::uint16_t channels, std::uint32_t rate);

@@ -2,6 +2,7 @@
 
 #include "platform/standin/TestHooks.h"
 #include "platform/Window.h"
+#include "support/StandInTest.h"
 #include "support/ViewerFixture.h"
 
 #include <gtest/gtest.h>
@@ -27,10 +28,5 @@ protected:
     {
         ViewerFixture::TearDown();
         platform::testing::ResetStandIn();
-    }
-
-    static bool NeverHandles(platform::WindowHandle, std::uint32_t, std::uintptr_t, std::intptr_t, std::intptr_t&)
-    {
-        return false;
     }
 };

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <random>
 
 namespace fs = std::filesystem;
@@ -58,4 +59,10 @@ WideString TempDir::MakeDir(std::string_view name) const
 {
     fs::create_directory(fs::path(root) / fs::path(std::string(name)));
     return PathOf(name);
+}
+
+std::string TempDir::Read(std::string_view name) const
+{
+    std::ifstream in(fs::path(root) / fs::path(std::string(name)), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }

@@ -17,6 +17,8 @@ public:
     WideString Write(std::string_view name, std::string_view bytes) const;
     WideString PathOf(std::string_view name) const;
     WideString MakeDir(std::string_view name) const;
+    // The bytes of a file in the folder; empty when there is none.
+    std::string Read(std::string_view name) const;
     const std::string& Native() const { return root; }
 
 private:

@@ -4,14 +4,6 @@
 
 #include <cstdio>
 
-AttributeMap MapOf(std::initializer_list<std::pair<const char16_t*, const char16_t*>> entries)
-{
-    AttributeMap map;
-    for (const auto& [key, value] : entries)
-        map.Set(key, value);
-    return map;
-}
-
 std::string Describe(const RectF& r)
 {
     char text[96];

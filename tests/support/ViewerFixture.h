@@ -6,6 +6,7 @@
 #include "layouttext/AttributeMap.h"
 #include "platform/Paint.h"
 #include "platform/SystemStartup.h"
+#include "support/MapOf.h"
 
 #include <gtest/gtest.h>
 
@@ -34,8 +35,6 @@ public:
     std::function<void(const WidgetEvent&)> whileInside;
 };
 
-// The keys and values of one section of a layout text.
-AttributeMap MapOf(std::initializer_list<std::pair<const char16_t*, const char16_t*>> entries);
 // A rectangle as "x,y,width,height", each number as %g writes it.
 std::string Describe(const RectF& r);
 // A widget's value under key, or "<unknown>" when it has no such key.

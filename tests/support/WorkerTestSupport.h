@@ -3,6 +3,9 @@
 #include "app/WorkerThread.h"
 #include "platform/FaultTranslation.h"
 #include "platform/SystemError.h"
+#include "support/FailureBoxProbe.h"
+
+#include <gtest/gtest.h>
 
 #include <chrono>
 #include <cinttypes>
@@ -12,8 +15,9 @@
 #include <string_view>
 #include <thread>
 
-// What the tests of the worker share: waiting for its end, and the failure
-// texts they expect, written out here independently of the program.
+// What the tests of the worker share: waiting for its end and for its
+// failure box, and the failure texts they expect, written out here
+// independently of the program.
 namespace worker_test {
 
 constexpr std::u16string_view kSaveLine =
@@ -32,6 +36,22 @@ inline bool WaitUntilEnded(const WorkerThread& worker)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
+}
+
+// Starts a worker on the target's Run, reads its failure box while it is
+// up, closes it as a user would, and gives it once the worker has ended.
+template <typename Target>
+FailureBox RunToBox(Target& target)
+{
+    FailureBox box;
+    WorkerThread* worker = new WorkerThread(&target, &Target::Run);
+    EXPECT_TRUE(WaitForFailureBox(box));
+    // The box runs on the worker, which counts as running until it is closed.
+    EXPECT_TRUE(worker->IsRunning());
+    CloseFailureBox();
+    EXPECT_TRUE(WaitUntilEnded(*worker));
+    worker->StopAndDestroy();
+    return box;
 }
 
 // The address as wide as a pointer, the other fields eight digits wide.

@@ -37,7 +37,7 @@ TEST_F(ChunkBody, HeldBelow1024BytesAsFarAsTheFileGoes)
 // many times; compact form keeps the small chunks as records in runs.
 TEST_F(ChunkBody, ManySmallChunksInEachTreeForm)
 {
-    const std::string format = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
+    const std::string format = FmtBytes(FormatBody(1, 2, 44100, 16));
     RiffBytes children;
     for (int i = 0; i < 100000; ++i)
         children.Chunk("tiny", "ab").Raw(i % 1000 == 0 ? format : "");

@@ -13,7 +13,7 @@ std::string NumberedFrames(std::uint32_t frames)
     RiffBytes samples;
     for (std::uint32_t i = 0; i < frames; ++i)
         samples.U16(static_cast<std::uint16_t>(i)).U16(static_cast<std::uint16_t>(i));
-    return Riff(RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Chunk("data", samples.Bytes()).Bytes());
+    return Wave(FormatBody(1, 2, 44100, 16), samples.Bytes());
 }
 
 } // namespace

@@ -8,17 +8,12 @@ using ListChunkRead = WaveFixture;
 
 namespace {
 
-const std::string kFormat = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
-const std::string kData = RiffBytes().Chunk("data", std::string(8, '\0')).Bytes();
+const std::string kFormat = FmtBytes(FormatBody(1, 2, 44100, 16));
+const std::string kData = DataBytes(std::string(8, '\0'));
 
 std::string Entry(std::string_view id, std::string_view text)
 {
     return RiffBytes().Chunk(id, text).Bytes();
-}
-
-std::string List(std::string_view type, std::string_view body)
-{
-    return RiffBytes().Id("LIST").U32(static_cast<std::uint32_t>(body.size() + 4)).Id(type).Raw(body).Bytes();
 }
 
 // An INAM entry whose length field says length, whatever follows.
@@ -30,7 +25,7 @@ std::string EntryOfLength(std::uint32_t length, std::string_view text)
 // A list whose size field says size, whatever follows.
 std::string ListOfSize(std::uint32_t size, std::string_view type, std::string_view body = "")
 {
-    return RiffBytes().Id("LIST").U32(size).Id(type).Raw(body).Bytes();
+    return RiffBytes().Head("LIST", size, type).Raw(body).Bytes();
 }
 
 struct Case {
@@ -56,25 +51,25 @@ TEST_F(ListChunkRead, ListsAndInfoEntries)
          "ok riff RIFF/WAVE:56{LIST:4{abcd:0} fmt_:16 data:8} fmt=1/2/44100/16/4/0 data=8/2"},
         {"size 5", Riff(ListOfSize(5, "abcd", std::string_view("x\0", 2)) + behind),
          "ok riff RIFF/WAVE:58{LIST:5{abcd:1} fmt_:16 data:8} fmt=1/2/44100/16/4/0 data=8/2"},
-        {"a file of one list", List("INFO", Entry("INAM", "take")), "ok unknown LIST:16{INFO:12 INAM=take}"},
+        {"a file of one list", ListBytes("INFO", Entry("INAM", "take")), "ok unknown LIST:16{INFO:12 INAM=take}"},
         {"a file of one list of size 3", ListOfSize(3, "abcd"), "ok unknown"},
         // A repeated id keeps the later text; the walk goes on behind the list.
-        {"entries", Riff(List("INFO", Entry("INAM", "abcd") + Entry("ICMT", "wxyz") + Entry("INAM", "late")) + kFormat),
+        {"entries", Riff(ListBytes("INFO", Entry("INAM", "abcd") + Entry("ICMT", "wxyz") + Entry("INAM", "late")) + kFormat),
          "ok riff RIFF/WAVE:76{LIST:40{INFO:36 ICMT=wxyz INAM=late} fmt_:16} fmt=1/2/44100/16/4/0"},
         // An odd length keeps its zero byte, and the pad byte behind it is skipped.
-        {"odd entry", Riff(List("INFO", Entry("INAM", std::string("abcd\0", 5)) + Entry("ICMT", "wx"))),
+        {"odd entry", Riff(ListBytes("INFO", Entry("INAM", std::string("abcd\0", 5)) + Entry("ICMT", "wx"))),
          "ok riff RIFF/WAVE:40{LIST:28{INFO:24 ICMT=wx INAM=abcd.}}"},
         // Without entries, or with an entry header cut short, the child goes
         // and the list stays.
-        {"no entries", Riff(List("INFO", "") + kFormat), "ok riff RIFF/WAVE:40{LIST:4 fmt_:16} fmt=1/2/44100/16/4/0"},
-        {"entry header cut short", Riff(List("INFO", Entry("INAM", "ab") + "ICMT")), "ok riff RIFF/WAVE:30{LIST:18}"},
+        {"no entries", Riff(ListBytes("INFO", "") + kFormat), "ok riff RIFF/WAVE:40{LIST:4 fmt_:16} fmt=1/2/44100/16/4/0"},
+        {"entry header cut short", Riff(ListBytes("INFO", Entry("INAM", "ab") + "ICMT")), "ok riff RIFF/WAVE:30{LIST:18}"},
         // A length of 0, or not below the list's size, gives up the rest of
         // the list and reads on behind it.
-        {"entry length 0", Riff(List("INFO", EntryOfLength(0, "abcd")) + kFormat),
+        {"entry length 0", Riff(ListBytes("INFO", EntryOfLength(0, "abcd")) + kFormat),
          "ok riff RIFF/WAVE:52{LIST:16 fmt_:16} fmt=1/2/44100/16/4/0"},
-        {"entry length 12", Riff(List("INFO", EntryOfLength(12, "abcd")) + kFormat),
+        {"entry length 12", Riff(ListBytes("INFO", EntryOfLength(12, "abcd")) + kFormat),
          "ok riff RIFF/WAVE:52{LIST:16 fmt_:16} fmt=1/2/44100/16/4/0"},
-        {"entry length 13", Riff(List("INFO", EntryOfLength(13, "abcd")) + kFormat),
+        {"entry length 13", Riff(ListBytes("INFO", EntryOfLength(13, "abcd")) + kFormat),
          "ok riff RIFF/WAVE:52{LIST:16 fmt_:16} fmt=1/2/44100/16/4/0"},
         // Outside a list INFO's size is unset, so its end lies before the
         // stream: the next 4 bytes are read as the next id.
@@ -90,11 +85,11 @@ TEST_F(ListChunkRead, ListsAndInfoEntries)
         // "data" and "RIFF" make plain chunks: no data slot, no change of
         // kind. Outside RIFF the plain child fails before its body, and the
         // body's words then fail one by one.
-        {"fmt list", Riff(List("fmt ", FormatBody(1, 1, 8000, 8)) + kData),
+        {"fmt list", Riff(ListBytes("fmt ", FormatBody(1, 1, 8000, 8)) + kData),
          "ok riff RIFF/WAVE:48{LIST:20{fmt_:16} data:8} fmt=1/1/8000/8/1/0 data=8/8"},
-        {"data list", Riff(List("data", "abcd") + kFormat),
+        {"data list", Riff(ListBytes("data", "abcd") + kFormat),
          "ok riff RIFF/WAVE:44{LIST:8{data:4} fmt_:16} fmt=1/2/44100/16/4/0"},
-        {"RIFF list alone", List("RIFF", "abcd"), "failed unknown"},
+        {"RIFF list alone", ListBytes("RIFF", "abcd"), "failed unknown"},
         // "LIST" as a list type nests a list that reads its own size and
         // type: the 8 bytes behind the outer list's type.
         {"nested list", Riff(ListOfSize(18, "LIST", RiffBytes().U32(6).Id("abcd").Raw("xy").Bytes()) + kFormat),

@@ -13,15 +13,9 @@ using WaveDocumentOpen = WaveFixture;
 
 namespace {
 
-const std::string kFmt = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
-const std::string kFmt8 = RiffBytes().Chunk("fmt ", FormatBody(1, 1, 8000, 8)).Bytes();
+const std::string kFmt = FmtBytes(FormatBody(1, 2, 44100, 16));
+const std::string kFmt8 = FmtBytes(FormatBody(1, 1, 8000, 8));
 const std::string kData0 = RiffBytes().Id("data").U32(0).Bytes();
-
-// A RIFF header of this size, with form type WAVE.
-RiffBytes Head(std::uint32_t size)
-{
-    return RiffBytes().Id("RIFF").U32(size).Id("WAVE");
-}
 
 struct EdgeCase {
     const char* name;
@@ -36,27 +30,27 @@ struct EdgeCase {
 // The walks that keep less of the tree give their users the same.
 TEST_F(WaveDocumentOpen, EdgesOfTheFormat)
 {
-    const std::string children = kFmt8 + RiffBytes().Chunk("data", "abcd").Bytes();
+    const std::string children = kFmt8 + DataBytes("abcd");
     const EdgeCase cases[] = {
         {"empty", "", "ok unknown"},
         {"one byte", "R", "ok unknown"},
         {"three bytes", "RRR", "ok unknown"},
         {"sound", SoundWave(10), "ok riff RIFF/WAVE:76{fmt_:16 data:40} fmt=1/2/44100/16/4/0 data=40/10"},
-        {"root of size 4 and nothing behind", Head(4).Bytes(), "ok riff RIFF/WAVE:4"},
+        {"root of size 4 and nothing behind", RiffBytes().Head("RIFF", 4).Bytes(), "ok riff RIFF/WAVE:4"},
         {"another form type", Riff(RiffBytes().Chunk("abcd", "xy").Bytes(), "AVI "), "ok riff RIFF/AVI_:14{abcd:2}"},
-        {"root larger than the file", Head(100000).Raw(children).Bytes(),
+        {"root larger than the file", RiffBytes().Head("RIFF", 100000).Raw(children).Bytes(),
          "ok riff RIFF/WAVE:100000{fmt_:16 data:4} fmt=1/1/8000/8/1/0 data=4/4"},
         // What lies beyond a root that is too small is read at top level.
-        {"root smaller than its children", Head(4).Raw(children).Bytes(),
+        {"root smaller than its children", RiffBytes().Head("RIFF", 4).Raw(children).Bytes(),
          "ok riff RIFF/WAVE:4 fmt_:16 data:4 fmt=1/1/8000/8/1/0 data=4/4"},
         {"RIFF without size", "RIFF", "failed riff RIFF/WAVE:-1"},
         {"RIFF with cut size", "RIFF\x10\x00", "failed riff RIFF/WAVE:-1"},
         {"RIFF without form type", RiffBytes().Id("RIFF").U32(20).Bytes(), "failed riff RIFF/WAVE:20"},
-        {"child body past the end", Head(100).Id("abcd").U32(50).Raw("xyz").Bytes(), "ok riff RIFF/WAVE:100{abcd:50}"},
-        {"child size cut short", Head(100).Id("abcd").Raw("\x01\x00").Bytes(), "ok riff RIFF/WAVE:100"},
-        {"child body not there at all", Head(100).Id("abcd").U32(10).Bytes(), "ok riff RIFF/WAVE:100"},
-        {"odd body without pad at the end", Head(100).ChunkNoPad("abcd", "x").Bytes(), "ok riff RIFF/WAVE:100{abcd:1}"},
-        {"large body skipped past the end", Head(100).Id("abcd").U32(0xFFFFFFFF).Bytes(),
+        {"child body past the end", RiffBytes().Head("RIFF", 100).Id("abcd").U32(50).Raw("xyz").Bytes(), "ok riff RIFF/WAVE:100{abcd:50}"},
+        {"child size cut short", RiffBytes().Head("RIFF", 100).Id("abcd").Raw("\x01\x00").Bytes(), "ok riff RIFF/WAVE:100"},
+        {"child body not there at all", RiffBytes().Head("RIFF", 100).Id("abcd").U32(10).Bytes(), "ok riff RIFF/WAVE:100"},
+        {"odd body without pad at the end", RiffBytes().Head("RIFF", 100).ChunkNoPad("abcd", "x").Bytes(), "ok riff RIFF/WAVE:100{abcd:1}"},
+        {"large body skipped past the end", RiffBytes().Head("RIFF", 100).Id("abcd").U32(0xFFFFFFFF).Bytes(),
          "ok riff RIFF/WAVE:100{abcd:4294967295}"},
         // An odd chunk without its pad byte: the byte behind it is taken as
         // the pad, and the next id is read from the even position.
@@ -70,23 +64,22 @@ TEST_F(WaveDocumentOpen, EdgesOfTheFormat)
         {"top level size cut short", Riff("") + "abcd\x01", "failed riff RIFF/WAVE:4 abcd:-1"},
         // The registry keeps the last chunk made; one that fails inside the
         // root is dropped and takes its slot along, one at top level stays.
-        {"two formats", Riff(kFmt8 + RiffBytes().Chunk("fmt ", FormatBody(3, 2, 48000, 32)).Bytes()),
+        {"two formats", Riff(kFmt8 + FmtBytes(FormatBody(3, 2, 48000, 32))),
          "ok riff RIFF/WAVE:52{fmt_:16 fmt_:16} fmt=3/2/48000/32/8/0"},
-        {"second format fails", Head(1000).Raw(kFmt8).Raw("fmt \x10").Bytes(), "ok riff RIFF/WAVE:1000{fmt_:16}"},
+        {"second format fails", RiffBytes().Head("RIFF", 1000).Raw(kFmt8).Raw("fmt \x10").Bytes(), "ok riff RIFF/WAVE:1000{fmt_:16}"},
         {"format fails at top level", Riff(kFmt8) + "fmt ",
          "failed riff RIFF/WAVE:28{fmt_:16} fmt_:-1 fmt=0/0/0/0/0/0"},
         // Frames come from the block alignment; a data size of 0 takes the
         // file's length behind it, and ends the walk.
         {"data declared 0 with 1000 bytes behind", Riff(kFmt + kData0) + std::string(1000, 'z'),
          "ok riff RIFF/WAVE:36{fmt_:16 data:0} fmt=1/2/44100/16/4/0 data=0/250"},
-        {"data of 3 bytes", Riff(kFmt + RiffBytes().Chunk("data", "abc").Bytes()),
+        {"data of 3 bytes", Riff(kFmt + DataBytes("abc")),
          "ok riff RIFF/WAVE:40{fmt_:16 data:3} fmt=1/2/44100/16/4/0 data=3/1"},
-        {"data before fmt", Riff(RiffBytes().Chunk("data", std::string(40, 'a')).Bytes() + kFmt),
+        {"data before fmt", Riff(DataBytes(std::string(40, 'a')) + kFmt),
          "ok riff RIFF/WAVE:76{data:40 fmt_:16} fmt=1/2/44100/16/4/0 data=40/10"},
-        {"data without fmt", Riff(RiffBytes().Chunk("data", std::string(40, 'a')).Bytes()),
+        {"data without fmt", Riff(DataBytes(std::string(40, 'a'))),
          "ok riff RIFF/WAVE:52{data:40} data=40/-1"},
-        {"block align 0",
-         Riff(RiffBytes().Chunk("fmt ", FormatBodyAligned(1, 2, 44100, 16, 0)).Chunk("data", "abcd").Bytes()),
+        {"block align 0", Wave(FormatBodyAligned(1, 2, 44100, 16, 0), "abcd"),
          "ok riff RIFF/WAVE:40{fmt_:16 data:4} fmt=1/2/44100/16/0/0 data=4/-1"},
         {"large data skipped", Riff(kFmt + RiffBytes().Id("data").U32(4000).Bytes()) + std::string(4000, 'q'),
          "ok riff RIFF/WAVE:36{fmt_:16 data:4000} fmt=1/2/44100/16/4/0 data=4000/1000"},
@@ -96,7 +89,7 @@ TEST_F(WaveDocumentOpen, EdgesOfTheFormat)
         // classes keep their slots, and RF64 is no RIFF.
         {"text", "this is not a wave file at all..", "failed unknown"},
         {"words of chunk classes", "abcdfmt efghdataijk", "failed unknown fmt_:-1 data:-1 fmt=0/0/0/0/0/0 data=-1/-1"},
-        {"RF64", RiffBytes().Id("RF64").U32(0xFFFFFFFF).Id("WAVE").Chunk("ds64", std::string(28, '\0')).Bytes(),
+        {"RF64", RiffBytes().Head("RF64", 0xFFFFFFFF).Chunk("ds64", std::string(28, '\0')).Bytes(),
          "failed unknown"},
         // A RIFF id at an offset divisible by 4 turns the kind to RIFF and
         // the walk goes on from there; at another offset it is never seen.
@@ -137,7 +130,7 @@ TEST_F(WaveDocumentOpen, FormatBodies)
     };
     for (const EdgeCase& c : cases) {
         SCOPED_TRACE(c.name);
-        ASSERT_TRUE(OpenBytes(Riff(RiffBytes().Chunk("fmt ", c.bytes).Bytes())));
+        ASSERT_TRUE(OpenBytes(Riff(FmtBytes(c.bytes))));
         const std::string read = Describe(document, true);
         EXPECT_EQ(read.substr(read.find(" fmt=") + 1) + (document.GetFormatChunk()->IsPcm() ? " pcm" : ""), c.read);
     }
@@ -157,7 +150,7 @@ TEST_F(WaveDocumentOpen, NonRiffScanMatchesAcrossBlockEdges)
 TEST_F(WaveDocumentOpen, NestingUpToTheBoundWalksAsUsualAndBeyondItEndsTheWalk)
 {
     // RIFF in RIFF, 100 levels deep, with a sound format and data innermost.
-    const std::string inner = kFmt + RiffBytes().Chunk("data", "abcd").Bytes();
+    const std::string inner = kFmt + DataBytes("abcd");
     std::string nested = inner;
     for (int level = 0; level < 100; ++level)
         nested = Riff(nested);
@@ -168,7 +161,7 @@ TEST_F(WaveDocumentOpen, NestingUpToTheBoundWalksAsUsualAndBeyondItEndsTheWalk)
     const int levels = 100000;
     RiffBytes deep;
     for (int level = 0; level < levels; ++level)
-        deep.Id("RIFF").U32(static_cast<std::uint32_t>(inner.size() + 4 + 12 * (levels - 1 - level))).Id("WAVE");
+        deep.Head("RIFF", static_cast<std::uint32_t>(inner.size() + 4 + 12 * (levels - 1 - level)));
     deep.Raw(inner);
     EXPECT_FALSE(OpenBytes(deep.Bytes()));
     EXPECT_EQ(document.GetContainerKind(), kContainerRiff);

@@ -6,9 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 namespace {
 
 class Writer : public WaveFixture {
@@ -22,16 +19,10 @@ protected:
         EXPECT_TRUE(target.CreateNew(dir.PathOf(name), aligned));
         result = document.GetChunks().At(0)->Write(target);
         target.Close();
-        std::ifstream in(dir.Native() + "/" + name, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+        return dir.Read(name);
     }
     int outputs = 0;
 };
-
-std::string Format18(std::uint16_t tag, std::uint16_t channels, std::uint32_t rate, std::uint16_t bits)
-{
-    return FormatBody(tag, channels, rate, bits) + std::string(2, '\0');
-}
 
 } // namespace
 
@@ -44,10 +35,10 @@ std::string Format18(std::uint16_t tag, std::uint16_t channels, std::uint32_t ra
 // gathered in runs.
 TEST_F(Writer, CopiesEachChunkAsTheRulesSay)
 {
-    const std::string fmt16 = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
-    const std::string fmt18 = RiffBytes().Chunk("fmt ", Format18(1, 2, 44100, 16)).Bytes();
-    const std::string fmt40 = RiffBytes().Chunk("fmt ", FormatBody(0xFFFE, 2, 44100, 16) + std::string(24, 'x')).Bytes();
-    const std::string list = RiffBytes().Id("LIST").U32(16).Id("INFO").Chunk("INAM", "take\0").Bytes();
+    const std::string fmt16 = FmtBytes(FormatBody(1, 2, 44100, 16));
+    const std::string fmt18 = FmtBytes(FormatBody(1, 2, 44100, 16) + std::string(2, '\0'));
+    const std::string fmt40 = FmtBytes(FormatBody(0xFFFE, 2, 44100, 16) + std::string(24, 'x'));
+    const std::string list = RiffBytes().Head("LIST", 16, "INFO").Chunk("INAM", "take\0").Bytes();
     std::string body5000(5000, 'a');
     body5000[2047] = 'b';
     body5000[4999] = 'z';
@@ -61,17 +52,16 @@ TEST_F(Writer, CopiesEachChunkAsTheRulesSay)
         std::string input, output;
         bool result;
     } cases[] = {
-        {"5000", Riff(fmt16 + RiffBytes().Chunk("data", body5000).Bytes()), Riff(fmt18 + RiffBytes().Chunk("data", body5000).Bytes()), true},
-        {"2048", Riff(fmt18 + RiffBytes().Chunk("data", std::string(2048, 'd')).Bytes()),
-         Riff(fmt18 + RiffBytes().Chunk("data", std::string(2048, 'd')).Bytes()), true},
+        {"5000", Riff(fmt16 + DataBytes(body5000)), Riff(fmt18 + DataBytes(body5000)), true},
+        {"2048", Riff(fmt18 + DataBytes(std::string(2048, 'd'))), Riff(fmt18 + DataBytes(std::string(2048, 'd'))), true},
         {"odd", Riff(RiffBytes().Chunk("odd ", "xyz").Raw(fmt18).Bytes()), Riff(RiffBytes().Chunk("odd ", "xyz").Raw(fmt18).Bytes()), true},
-        {"format 40, list", Riff(fmt40 + list), Riff(RiffBytes().Chunk("fmt ", FormatBody(0xFFFE, 2, 44100, 16) + "xx").Raw(list).Bytes()), true},
+        {"format 40, list", Riff(fmt40 + list), Riff(FmtBytes(FormatBody(0xFFFE, 2, 44100, 16) + "xx") + list), true},
         {"short source", Riff(fmt18 + RiffBytes().ChunkWithSize("data", 3000, std::string(2500, 's')).Bytes()),
-         RiffBytes().Id("RIFF").U32(4 + 26 + 8 + 2500).Id("WAVE").Raw(fmt18).Id("data").U32(2500).Raw(std::string(2500, 's')).Bytes(),
+         RiffBytes().Head("RIFF", 4 + 26 + 8 + 2500).Raw(fmt18).Chunk("data", std::string(2500, 's')).Bytes(),
          false},
-        {"data without format", Riff(RiffBytes().Chunk("data", "abcd").Bytes()), Riff(""), false},
+        {"data without format", Riff(DataBytes("abcd")), Riff(""), false},
         {"small chunk cut short", Riff(fmt18 + RiffBytes().Chunk("odd ", "x").ChunkWithSize("abcd", 3000, "xyz").Bytes()),
-         RiffBytes().Id("RIFF").U32(4 + 26 + 10 + 12).Id("WAVE").Raw(fmt18).Chunk("odd ", "x").Chunk("abcd", "xyz").Bytes(),
+         RiffBytes().Head("RIFF", 4 + 26 + 10 + 12).Raw(fmt18).Chunk("odd ", "x").Chunk("abcd", "xyz").Bytes(),
          false},
         {"many small chunks and a large one", Riff(fmt18 + many.Bytes()), Riff(fmt18 + many.Bytes()), true},
     };
@@ -112,10 +102,7 @@ TEST_F(Writer, DescriptionMakesATreeThatWritesOut)
     EXPECT_TRUE(root->Write(target));
     EXPECT_EQ(target.GetSize(), 4 + 4 + 4 + 26 + 8 + 8);
     target.Close();
-    EXPECT_EQ(Describe(std::string(std::istreambuf_iterator<char>(std::ifstream(dir.Native() + "/described.wav",
-                                                                               std::ios::binary).rdbuf()),
-                                   std::istreambuf_iterator<char>())),
-              "ok riff RIFF/WAVE:46{fmt_:18 data:0} fmt=1/2/44100/16/4/0 data=0/2");
+    EXPECT_EQ(Describe(dir.Read("described.wav")), "ok riff RIFF/WAVE:46{fmt_:18 data:0} fmt=1/2/44100/16/4/0 data=0/2");
 
     // SetAttribute: true only for a change; the numbers need a RIFF
     // document, Format=PCM doesn't.

@@ -28,17 +28,6 @@ public:
     bool reachedEnd = false;
 };
 
-FailureBox RunToBox(Raising& target)
-{
-    FailureBox box;
-    WorkerThread* worker = new WorkerThread(&target, &Raising::Run);
-    EXPECT_TRUE(WaitForFailureBox(box));
-    CloseFailureBox();
-    EXPECT_TRUE(WaitUntilEnded(*worker));
-    worker->StopAndDestroy();
-    return box;
-}
-
 } // namespace
 
 TEST(WorkerThreadWin32, RaisedExceptionsAreTranslatedByTheirCode)
