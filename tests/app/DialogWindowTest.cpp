@@ -34,7 +34,8 @@ using DialogWindowBinding = StandInTest;
 
 // Bound from the very first message, before the initialisation, up to the
 // last, and the next creation on the thread is not blocked by a stale
-// entry of a failed one.
+// entry of a failed one. A creation whose preparation fails sets the last
+// error and makes no window.
 TEST_F(DialogWindowBinding, BindsFromTheFirstMessageToTheLast)
 {
     RecordingDialog dialog;
@@ -54,11 +55,8 @@ TEST_F(DialogWindowBinding, BindsFromTheFirstMessageToTheLast)
     ASSERT_TRUE(platform::DestroyDialogWindow(window));
     EXPECT_EQ(dialog.messages.back(), platform::kMessageNcDestroy);
     EXPECT_EQ(dialog.GetWindow(), nullptr);
-}
 
-TEST_F(DialogWindowBinding, PreparationFailureSetsTheLastErrorAndMakesNoWindow)
-{
-    RecordingDialog waiting, dialog;
+    RecordingDialog waiting;
     platform::ThreadId thread = platform::CurrentThreadId();
     ASSERT_TRUE(PendingWindowList::Process().Add(thread, &waiting));
     platform::SetLastErrorCode(0);

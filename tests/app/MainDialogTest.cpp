@@ -302,19 +302,9 @@ TEST_F(MainDialogTest, AChosenFileReplacesThePathAndTheResult)
     EXPECT_EQ(Get(u"Message", u"Text"), u"");
 }
 
-TEST_F(MainDialogTest, TheReleaseNoteOpensTheRunningVersionsPage)
-{
-    platform::testing::TakeCallLog();
-    Command(u"ReleaseNote");
-    EXPECT_EQ(platform::testing::TakeCallLog(),
-              (std::vector<std::string>{
-                  "OpenWithShell open http://www.sondara.example/press_release.php?file_name=sondara_100",
-                  "EnableWindowInput 1"}));
-}
-
 // The search offers the report's lines, in order, and opens the one chosen
 // with its value suffix and blank as they stand; a dismissal opens nothing.
-TEST_F(MainDialogTest, TheSearchOffersTheReportsLinesAndOpensTheChosenOne)
+TEST_F(MainDialogTest, TheSearchOffersTheReportsLinesAndTheReleaseNoteTheRunningVersion)
 {
     const std::string wave = Wave(FormatBody(3, 7, 44100, 32), std::string(5, '\0'));
     Set(u"WaveFilePath", u"Text", dir.Write("odd.wav", wave).ToU16String());
@@ -344,6 +334,14 @@ TEST_F(MainDialogTest, TheSearchOffersTheReportsLinesAndOpensTheChosenOne)
     EXPECT_EQ(platform::testing::OpenMenus(), 0);
     platform::testing::SetMenuChoice(0);
     EXPECT_EQ(search(), std::vector<std::string>{"TrackMenu 300 200"});
+
+    // The release note opens the running version's page.
+    platform::testing::TakeCallLog();
+    Command(u"ReleaseNote");
+    EXPECT_EQ(platform::testing::TakeCallLog(),
+              (std::vector<std::string>{
+                  "OpenWithShell open http://www.sondara.example/press_release.php?file_name=sondara_100",
+                  "EnableWindowInput 1"}));
 }
 
 TEST_F(MainDialogTest, LeavesTheLoopWhenItsWindowGoes)

@@ -69,7 +69,9 @@ protected:
 
 } // namespace
 
-TEST(MessageLoopFilters, AskedFromTheLastToTheFirstUntilOneUsesTheMessageUp)
+// Filters are asked from the last to the first until one uses the message
+// up; idle handlers run from the first to the last, apart from the filters.
+TEST(MessageLoopLists, FiltersFromTheLastAndIdleHandlersFromTheFirst)
 {
     std::vector<std::string> journal;
     Recorder a(journal, "a"), b(journal, "b", true), c(journal, "c"), d(journal, "d");
@@ -88,28 +90,24 @@ TEST(MessageLoopFilters, AskedFromTheLastToTheFirstUntilOneUsesTheMessageUp)
     EXPECT_TRUE(loop.RemoveMessageFilter(&d));
     EXPECT_FALSE(loop.PreTranslateMessage(message));
     EXPECT_EQ(journal, (std::vector<std::string>{"c", "a"}));
-}
 
-TEST(MessageLoopIdle, HandlersRunFirstToLastApartFromTheFilters)
-{
-    std::vector<std::string> journal;
-    Recorder a(journal, "a"), b(journal, "b"), c(journal, "c"), filter(journal, "filter");
-    MessageLoop loop;
-    EXPECT_FALSE(loop.OnIdle(0));
-    loop.AddMessageFilter(&filter);
+    journal.clear();
+    MessageLoop idle;
+    EXPECT_FALSE(idle.OnIdle(0));
+    idle.AddMessageFilter(&d);
     for (Recorder* handler : {&a, &b, &c})
-        loop.AddIdleHandler(handler);
-    EXPECT_TRUE(loop.RemoveIdleHandler(&b));
-    EXPECT_FALSE(loop.RemoveIdleHandler(&b));
-    EXPECT_FALSE(loop.RemoveIdleHandler(&filter));
+        idle.AddIdleHandler(handler);
+    EXPECT_TRUE(idle.RemoveIdleHandler(&b));
+    EXPECT_FALSE(idle.RemoveIdleHandler(&b));
+    EXPECT_FALSE(idle.RemoveIdleHandler(&d));
     // Whatever the handlers give, the pass asks for no second one.
-    EXPECT_FALSE(loop.OnIdle(3));
+    EXPECT_FALSE(idle.OnIdle(3));
     EXPECT_EQ(journal, (std::vector<std::string>{"a", "c"}));
 }
 
 // The idle rule: one pass at the start and one after each burst of messages
 // that count, each pass counted from 0 again. Mouse moves, paints and caret
-// ticks come all the time and bring none.
+// ticks come all the time and bring none; nor does a wait that failed.
 TEST_F(MessageLoopRun, OnePassPerBurstOfMessagesThatCount)
 {
     namespace p = platform;
@@ -132,12 +130,9 @@ TEST_F(MessageLoopRun, OnePassPerBurstOfMessagesThatCount)
     }
     EXPECT_EQ(RunSteps(loop, steps), 7);
     EXPECT_EQ(loop.counts, std::vector<int>(7, 0));
-}
 
-TEST_F(MessageLoopRun, FailedWaitGoesOnWithoutAnExtraPass)
-{
-    CountingLoop loop;
+    CountingLoop failing;
     platform::testing::FailNextWaits(2);
-    EXPECT_EQ(RunSteps(loop, {}), 7);
-    EXPECT_EQ(loop.counts, std::vector<int>{0});
+    EXPECT_EQ(RunSteps(failing, {}), 7);
+    EXPECT_EQ(failing.counts, std::vector<int>{0});
 }

@@ -24,7 +24,9 @@ public:
 
 } // namespace
 
-TEST(WorkerThreadStandIn, FailedResumeLeavesItNotRunningAtOnce)
+// A failed resume leaves the worker not running at once; a failure's box
+// has one button and the exclamation icon.
+TEST(WorkerThreadStandIn, FailedResumeAndTheKindOfBox)
 {
     Target target;
     platform::testing::FailNextThreadResume();
@@ -32,14 +34,10 @@ TEST(WorkerThreadStandIn, FailedResumeLeavesItNotRunningAtOnce)
     EXPECT_FALSE(worker->IsRunning());
     worker->StopAndDestroy();
     EXPECT_EQ(target.runs, 0);
-}
 
-TEST(WorkerThreadStandIn, BoxHasOneButtonAndTheExclamationIcon)
-{
     platform::testing::HoldDesktopMessageBoxes(false);
-    Target target;
     target.throws = true;
-    WorkerThread* worker = new WorkerThread(&target, &Target::Run);
+    worker = new WorkerThread(&target, &Target::Run);
     platform::testing::DesktopMessageBoxRecord box;
     ASSERT_TRUE(platform::testing::WaitForDesktopMessageBox(box, 10000));
     ASSERT_TRUE(WaitUntilEnded(*worker));

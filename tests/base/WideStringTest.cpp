@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
-TEST(WideString, CopiesShareUntilChanged)
+// Copies share their text until one changes; a bad index throws the
+// invalid argument code; zeros are characters like any other; every match
+// is replaced, and letters are lowered.
+TEST(WideString, CopiesShareIndexesAreCheckedAndZerosCount)
 {
     WideString a(u"abc");
     WideString b = a;
@@ -13,10 +16,7 @@ TEST(WideString, CopiesShareUntilChanged)
     EXPECT_EQ(a, u"abc");
     EXPECT_EQ(b, u"abcd");
     EXPECT_NE(a.Data(), b.Data());
-}
 
-TEST(WideString, BadIndexThrowsInvalidArgument)
-{
     WideString text(u"ab");
     EXPECT_EQ(text.At(1), u'b');
     try {
@@ -27,10 +27,7 @@ TEST(WideString, BadIndexThrowsInvalidArgument)
     }
     EXPECT_THROW(text.Substring(3), ContainerError);
     EXPECT_EQ(text.Substring(2), u"");
-}
 
-TEST(WideString, EmbeddedZeroAndEmpty)
-{
     WideString zero(u"a\0b", 3);
     EXPECT_EQ(zero.Length(), 3u);
     WideString empty;

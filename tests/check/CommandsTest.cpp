@@ -60,8 +60,8 @@ const std::string kFormat = FmtBytes(FormatBody(1, 2, 44100, 16));
 
 // Each chunk on a line by depth, a list with its type and INFO entries, and
 // a mark where a size runs past the end of the file or of the chunk around
-// it; the RIFF size here is too small for the data chunk.
-TEST(ChunkList, MarksSizesPastAnEnd)
+// it (the RIFF size here is too small for the data chunk), in text or JSON.
+TEST(ChunkList, ShowsWhatTheWalkKeepsAndMarksSizesPastAnEnd)
 {
     TempDir dir;
     const std::string info = RiffBytes().Head("LIST", 26, "INFO").Chunk("INAM", "take\0").Chunk("IART", "me").Bytes();
@@ -83,27 +83,21 @@ TEST(ChunkList, MarksSizesPastAnEnd)
                              "\"pastParentEnd\": false}\n  ]}"),
               std::string::npos)
         << json.bytes;
-}
 
-// The list is the tree the document keeps, though it is written as the walk
-// goes: before the RIFF id, only a chunk that holds a registry slot (the
-// INFO list here); and nothing of a RIFF chunk that a walk nested too deep
-// gives up, though its header and its first child were read before the
-// walk went too deep.
-TEST(ChunkList, ShowsOnlyWhatTheWalkKeeps)
-{
-    TempDir dir;
-    const std::string info = ListBytes("INFO", RiffBytes().Chunk("INAM", std::string("take\0", 5)).Bytes());
+    // The list is the tree the document keeps, though it is written as the
+    // walk goes: before the RIFF id, only a chunk that holds a registry slot
+    // (the INFO list here); and nothing of a RIFF chunk that a walk nested
+    // too deep gives up, though its header and its first child were read
+    // before the walk went too deep.
+    const std::string slotted = ListBytes("INFO", RiffBytes().Chunk("INAM", std::string("take\0", 5)).Bytes());
     std::string chain;
     for (int level = 0; level < 300; ++level)
         chain = Riff(chain);
-    const std::string bytes = "xxxx" + info +
-                              Riff(kFormat + info + Riff(RiffBytes().Chunk("abcd", "xy").Raw(chain).Bytes()) +
-                                   DataBytes("abcd")) +
-                              RiffBytes().Chunk("tail", "").Bytes();
-    StringSink sink;
-    EXPECT_TRUE(ListChunks(dir.Write("a.wav", bytes), false, sink));
-    EXPECT_EQ(sink.bytes, "LIST at 4, 18 bytes, list INFO: INAM \"take\"\n"
+    const std::string nested =
+        Riff(kFormat + slotted + Riff(RiffBytes().Chunk("abcd", "xy").Raw(chain).Bytes()) + DataBytes("abcd"));
+    StringSink kept;
+    EXPECT_TRUE(ListChunks(dir.Write("c.wav", "xxxx" + slotted + nested + RiffBytes().Chunk("tail", "").Bytes()), false, kept));
+    EXPECT_EQ(kept.bytes, "LIST at 4, 18 bytes, list INFO: INAM \"take\"\n"
                          "RIFF at 30, 3,688 bytes, form WAVE\n"
                          "  fmt  at 42, 16 bytes\n"
                          "  LIST at 66, 18 bytes, list INFO: INAM \"take\"\n");
@@ -119,6 +113,9 @@ TEST(LevelsOf, EachSampleWidth)
     auto wave = [](std::uint16_t tag, std::uint16_t channels, std::uint16_t bits, const std::string& samples) {
         return Wave(FormatBody(tag, channels, 8000, bits), samples);
     };
+    std::string nineSilent;
+    for (int channel = 1; channel <= 9; ++channel)
+        nineSilent += "channel " + std::to_string(channel) + ": peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n";
     const struct {
         std::string bytes, levels;
     } cases[] = {
@@ -141,17 +138,7 @@ TEST(LevelsOf, EachSampleWidth)
          "format tag 0x0006 is not PCM: levels are measured for PCM (8, 16, 24 and 32-bit) and float (32 and 64-bit) only"},
         {wave(1, 2, 12, std::string(8, '\0')),
          "12-bit PCM samples: levels are measured for PCM (8, 16, 24 and 32-bit) and float (32 and 64-bit) only"},
-        {wave(1, 9, 16, std::string(18, '\0')),
-         "duration 0:00.000 (1 frames at 8,000 Hz, 16-bit)\n" + std::string(
-         "channel 1: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
-         "channel 2: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
-         "channel 3: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
-         "channel 4: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
-         "channel 5: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
-         "channel 6: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
-         "channel 7: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
-         "channel 8: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n"
-         "channel 9: peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n")},
+        {wave(1, 9, 16, std::string(18, '\0')), "duration 0:00.000 (1 frames at 8,000 Hz, 16-bit)\n" + nineSilent},
         {Riff(kFormat), "no data chunk"},
         {Riff(kFormat + DataBytes("")), "no audio data"},
         {"not a wave", "not a RIFF file"},
@@ -187,8 +174,10 @@ TEST(TidyCopy, SoundSamplesStaySound)
 
 // A recording whose header was never finished: RIFF and data sizes of 0 or
 // 0xFFFFFFFF with all the audio behind. The copy is sound and holds every
-// byte of the audio; the input stays as it was.
-TEST(TidyCopy, UnfinishedHeaderBecomesSound)
+// byte of the audio; the input stays as it was. The audio ends where the
+// chunks written behind it begin, which are kept byte for byte, and so is a
+// format chunk of any length.
+TEST(TidyCopy, UnfinishedHeaderBecomesSoundWithWhatStandsBehindTheAudio)
 {
     TempDir dir;
     const std::string audio = Tone(3001) + "x"; // an odd length, cut inside a frame
@@ -216,16 +205,10 @@ TEST(TidyCopy, UnfinishedHeaderBecomesSound)
                       changes.end());
         }
     }
-}
 
-// A placeholder's audio ends where the chunks written behind it begin,
-// which are kept byte for byte, and so is a format chunk of any length.
-TEST(TidyCopy, KeepsChunksBehindTheAudioAndTheFormatAsItStands)
-{
-    TempDir dir;
     const std::string format = FmtBytes(FormatBody(0xFFFE, 2, 44100, 16) + std::string(24, '\0'));
-    const std::string behind = RiffBytes().Chunk("LIST", std::string("INFOINAM", 8) + std::string("\5\0\0\0take\0\0", 10))
-                                   .Chunk("PEAK", "abc").Bytes();
+    const std::string behind =
+        ListBytes("INFO", RiffBytes().Chunk("INAM", {"take\0", 5}).Bytes()) + RiffBytes().Chunk("PEAK", "abc").Bytes();
     const std::string sound = Riff(format + DataBytes(Tone(100)) + behind);
     for (std::uint32_t placeholder : {0u, 0xFFFFFFFFu}) {
         SCOPED_TRACE(placeholder);
@@ -240,6 +223,7 @@ TEST(TidyCopy, KeepsChunksBehindTheAudioAndTheFormatAsItStands)
         EXPECT_NE(std::find(changes.begin(), changes.end(), "chunks behind the audio kept: LIST, PEAK"), changes.end());
     }
 }
+
 
 // Wherever the writer would lose something the copy is refused, and no
 // file is left behind.

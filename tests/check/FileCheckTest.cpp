@@ -133,30 +133,26 @@ TEST(FileCheckFindings, EachKindAtTheChunkItIsAboutWithItsFigures)
         // Warnings never change the verdict.
         EXPECT_EQ(check.hasError, !c.sound);
     }
+    // Every code of the table has a file above, stands once, is dotted and
+    // is found by its name. The documents are held to the table by
+    // doc-tables (tools/DocTables.cpp).
     std::size_t count = 0;
     const FindingKind* kinds = FindingKinds(count);
-    for (std::size_t i = 0; i < count; ++i)
-        EXPECT_TRUE(covered.count(kinds[i].code)) << kinds[i].code << " has no file in the table";
-}
-
-// A warning's figures beyond the declared and actual ones stand in both
-// texts, between those and the offset.
-TEST(FileCheckFindings, PartialFrameSaysTheWholeFramesAndTheBytesLeftOver)
-{
-    TempDir dir;
-    FileCheck check;
-    CheckFile(dir.Write("partial.wav", Riff(kFmt + DataBytes(std::string(3527, '\x01')))), check);
-    EXPECT_EQ(check.report.ToU16String(), u"チェック完了しました。\r\n");
-    ASSERT_EQ(check.findings.size(), 1u);
-    EXPECT_EQ(check.findings[0].message, "The data size is not a whole number of frames: the last frame is partial. "
-                                         "(declared 3,527, actual 3,524, whole frames 881, bytes left over 3, at offset 36)");
-    EXPECT_EQ(check.findings[0].text.ToU16String(),
-              u"データのサイズがブロックサイズの倍数ではありません。 [宣言 3527, 実際 3524, フレーム 881, 余り 3, 位置 36]");
+    std::set<std::string> codes;
+    for (std::size_t i = 0; i < count; ++i) {
+        SCOPED_TRACE(kinds[i].code);
+        EXPECT_TRUE(covered.count(kinds[i].code)) << "no file in the table";
+        EXPECT_TRUE(codes.insert(kinds[i].code).second);
+        EXPECT_NE(std::string(kinds[i].code).find('.'), std::string::npos);
+        EXPECT_EQ(FindFindingKind(kinds[i].code), &kinds[i]);
+    }
 }
 
 // The errors are the report's lines, one for one, each with the code whose
-// text it begins with, its value, and the chunk it is about.
-TEST(FileCheckFindings, ErrorsAreTheReportLinesWithCodesValuesAndPlaces)
+// text it begins with, its value, and the chunk it is about. A warning's
+// figures beyond the declared and actual ones stand in both texts, between
+// those and the offset. A check done again forgets what it found before.
+TEST(FileCheckFindings, ErrorsAreTheReportLinesAndWarningsSayTheirFigures)
 {
     TempDir dir;
     // A tag whose hexadecimal digits read as another decimal number.
@@ -182,25 +178,18 @@ TEST(FileCheckFindings, ErrorsAreTheReportLinesWithCodesValuesAndPlaces)
     EXPECT_EQ(check.findings[3].value, 6);
     EXPECT_EQ(check.findings[3].message, "The file has neither one nor two channels. [6]");
 
+    CheckFile(dir.Write("partial.wav", Riff(kFmt + DataBytes(std::string(3527, '\x01')))), check);
+    EXPECT_EQ(check.report.ToU16String(), u"チェック完了しました。\r\n");
+    ASSERT_EQ(check.findings.size(), 1u);
+    EXPECT_EQ(check.findings[0].message, "The data size is not a whole number of frames: the last frame is partial. "
+                                         "(declared 3,527, actual 3,524, whole frames 881, bytes left over 3, at offset 36)");
+    EXPECT_EQ(check.findings[0].text.ToU16String(),
+              u"データのサイズがブロックサイズの倍数ではありません。 [宣言 3527, 実際 3524, フレーム 881, 余り 3, 位置 36]");
+
     CheckFile(dir.Write("sound.wav", SoundWave()), check);
     EXPECT_FALSE(check.hasError);
     EXPECT_TRUE(check.findings.empty());
     CheckFile(WideString(u"no such file.wav"), check);
     ASSERT_EQ(check.findings.size(), 1u);
     EXPECT_EQ(std::string(check.findings[0].kind->code), "file.missing");
-}
-
-// Every code is unique and dotted, and found by its name. The documents
-// are held to the table by doc-tables (tools/DocTables.cpp).
-TEST(FileCheckFindings, TheTableHoldsEachCodeOnce)
-{
-    std::size_t count = 0;
-    const FindingKind* kinds = FindingKinds(count);
-    std::set<std::string> codes;
-    for (std::size_t i = 0; i < count; ++i) {
-        SCOPED_TRACE(kinds[i].code);
-        EXPECT_TRUE(codes.insert(kinds[i].code).second);
-        EXPECT_NE(std::string(kinds[i].code).find('.'), std::string::npos);
-        EXPECT_EQ(FindFindingKind(kinds[i].code), &kinds[i]);
-    }
 }

@@ -242,17 +242,6 @@ TEST(CheckerOutput, ListsAndOptionsInAnyForm)
     }
 }
 
-// A name that a spreadsheet would take for a formula stays text in CSV.
-TEST(CheckerOutput, CsvNamesAreNeverFormulas)
-{
-    TempDir dir;
-    dir.Write("=HYPERLINK(\"x\").wav", SoundWave());
-    const CheckerOutcome csv = RunChecker(dir, {"--csv", "=HYPERLINK(\"x\").wav"});
-    EXPECT_EQ(csv.status, 0);
-    EXPECT_NE(csv.out.find("\r\n\"'=HYPERLINK(\"\"x\"\").wav\",\"ok\",\"file.sound\""), std::string::npos)
-        << csv.out;
-}
-
 // The first open of held.wav takes 5 seconds: the results before it
 // must have reached the reader by then, and on a terminal the progress line
 // that shows once a second has gone must stand alone.

@@ -28,17 +28,9 @@ const std::u16string kAllClear = u"チェック完了しました。\r\n";
 
 } // namespace
 
-TEST(WaveCheck, MissingPathAndDirectory)
-{
-    TempDir dir;
-    for (const WideString& path : {dir.PathOf("missing.wav"), dir.MakeDir("x.wav"), WideString()}) {
-        CheckOutcome outcome = Check(path);
-        EXPECT_EQ(outcome.report, u"ファイルがありません。\r\n");
-        EXPECT_TRUE(outcome.hasError);
-    }
-}
-
-TEST(WaveCheck, ReportsOfFiles)
+// The report of every file a writer or a broken recording leaves, and of
+// a path with no file to check.
+TEST(WaveCheck, ReportsOfFilesAndOfPathsWithNone)
 {
     const std::string sound = kFmt + DataBytes(kFrames);
     struct Case {
@@ -99,15 +91,14 @@ TEST(WaveCheck, ReportsOfFiles)
         EXPECT_EQ(outcome.report, c.report);
         EXPECT_EQ(outcome.hasError, c.report != kAllClear);
     }
-}
-
-TEST(WaveCheck, DataOfSizeZeroBeforeGigabytes)
-{
+    for (const WideString& path : {dir.PathOf("missing.wav"), dir.MakeDir("x.wav"), WideString()}) {
+        const CheckOutcome outcome = Check(path);
+        EXPECT_EQ(outcome.report, u"ファイルがありません。\r\n");
+        EXPECT_TRUE(outcome.hasError);
+    }
     // The frames come from the real length of the file, here 3 GiB of a
     // sparse file: the size is reported, the sample count is usable.
-    TempDir dir;
-    const WideString path = dir.Write("big.wav", Riff(kFmt + RiffBytes().Id("data").U32(0).Bytes()));
-    std::filesystem::resize_file(std::filesystem::path(path.ToU16String()), 3ull << 30);
-    CheckOutcome outcome = Check(path);
-    EXPECT_EQ(outcome.report, u"データ情報のサイズが正しくありません。 [0]\r\n");
+    const WideString big = dir.Write("big.wav", Riff(kFmt + RiffBytes().Id("data").U32(0).Bytes()));
+    std::filesystem::resize_file(std::filesystem::path(big.ToU16String()), 3ull << 30);
+    EXPECT_EQ(Check(big).report, u"データ情報のサイズが正しくありません。 [0]\r\n");
 }

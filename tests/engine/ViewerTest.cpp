@@ -21,7 +21,7 @@ public:
 
 using ViewerLists = ViewerFixture;
 
-TEST_F(ViewerLists, WidgetsEnterAndLeaveTheInputAndWindowLists)
+TEST_F(ViewerLists, WidgetsEnterAndLeaveTheListsAndResizeReplacesTheBitmap)
 {
     auto input = std::make_unique<InputWidget>(&viewer);
     auto window = std::make_unique<Window>(&viewer);
@@ -55,10 +55,7 @@ TEST_F(ViewerLists, WidgetsEnterAndLeaveTheInputAndWindowLists)
         EXPECT_EQ(viewer.GetFocus(), &part);
     }
     EXPECT_EQ(viewer.GetFocus(), nullptr);
-}
 
-TEST_F(ViewerLists, ResizeReplacesTheBitmapAndLearnsTheResolution)
-{
     EXPECT_EQ(viewer.Dpi, 0);
     ResizeView(40, 30);
     EXPECT_EQ(viewer.Dpi, static_cast<float>(platform::GetScreenDpiX()));
@@ -87,8 +84,11 @@ std::u16string Attribute(Viewer& viewer, const char16_t* name, const char16_t* k
     return value.ToU16String();
 }
 
-TEST_F(ViewerLoad, SectionsBecomeWidgetsInFileOrder)
+// Sections become widgets in file order; a layout is sought in the folder
+// above where it is missing, and its folder becomes the current directory.
+TEST_F(ViewerLoad, SectionsBecomeWidgetsInFileOrderFromALayoutSoughtInTheFolderAbove)
 {
+    const WideString before = GetCurrentDir();
     TempDir dir;
     const WideString path = dir.Write("Main.jpn", "[Plain]\r\nName=A\r\nPos=L1,T1,L10,T10\r\n"
                                                   "[Viewer]\r\nGroup=G1,G2\r\nDpi=120\r\n"
@@ -131,14 +131,9 @@ TEST_F(ViewerLoad, SectionsBecomeWidgetsInFileOrder)
     EXPECT_EQ(Attribute(viewer, u"A", u"Width"), u"<none>");
     EXPECT_EQ(viewer.GetCurrentGroup(), u"G1,G2");
     EXPECT_EQ(viewer.Dpi, 96);
-}
 
-TEST_F(ViewerLoad, ALayoutIsSoughtInTheFolderAboveAndBecomesTheCurrentDirectory)
-{
-    TempDir dir;
     const WideString program = dir.MakeDir("program");
     const WideString layout = dir.Write("Main.jpn", "[Plain]\r\nName=Above\r\n");
-    const WideString before = GetCurrentDir();
 
     ASSERT_TRUE(viewer.Load(AddTrailingBackslash(program) + u"Main.jpn", false));
     EXPECT_EQ(viewer.GetLayoutPath(), layout);

@@ -85,7 +85,7 @@ TEST(WidgetLoad, EachSectionChangesOnlyWhatItHolds)
     EXPECT_TRUE(widget.IsInGroup(u"Other"));
 }
 
-TEST(WidgetAttributes, SetComparesBeforeItStoresAndOnlyTrueIsTrue)
+TEST(WidgetAttributes, SetComparesBeforeItStoresOnlyTrueIsTrueAndIdsFallBackToTheAddress)
 {
     BareWidget widget;
     EXPECT_FALSE(widget.SetAttribute(u"Enable", u"true"));
@@ -110,13 +110,10 @@ TEST(WidgetAttributes, SetComparesBeforeItStoresAndOnlyTrueIsTrue)
     for (const char16_t* key : {u"Pos", u"Group", u"Option", u"Name", u"Id", u"enable", u"Width"})
         EXPECT_FALSE(widget.SetAttribute(key, u"x"));
     EXPECT_EQ(Get(widget, u"Name"), u"<unknown>");
-}
 
-TEST(WidgetOperations, IdFallsBackToTheAddressAndBoundsBecomeTexts)
-{
+    // Without an Id each widget has one of its own, the same each time.
     BareWidget first;
     BareWidget second;
-    // Without an Id each widget has one of its own, the same each time.
     const WideString firstId = first.GetId();
     EXPECT_FALSE(firstId.IsEmpty());
     EXPECT_FALSE(firstId == second.GetId());

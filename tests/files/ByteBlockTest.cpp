@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <cstring>
 
-// Also after the memory was given back by a size of 0.
-TEST(ByteBlockResize, AllocationIsExactAndZeroFilledAndZeroGivesItBack)
+// A first allocation is exact and zero-filled, also after the memory was
+// given back by a size of 0; shrinking keeps the memory and the bytes;
+// growing takes half the capacity more, or what is needed if that is more.
+TEST(ByteBlockResize, ExactFirstThenByHalfTheCapacityKeepingTheBytes)
 {
     ByteBlock block;
     for (int round = 0; round < 2; ++round) {
@@ -23,11 +25,7 @@ TEST(ByteBlockResize, AllocationIsExactAndZeroFilledAndZeroGivesItBack)
         EXPECT_EQ(block.Data(), nullptr);
         EXPECT_EQ(block.Capacity(), 0u);
     }
-}
 
-TEST(ByteBlockResize, ShrinkKeepsMemoryAndBytes)
-{
-    ByteBlock block;
     ASSERT_TRUE(block.Resize(10));
     for (std::uint32_t i = 0; i < 10; ++i)
         block.Data()[i] = static_cast<std::uint8_t>(i + 1);
@@ -38,10 +36,7 @@ TEST(ByteBlockResize, ShrinkKeepsMemoryAndBytes)
     EXPECT_EQ(block.Size(), 10u);
     for (std::uint32_t i = 0; i < 10; ++i)
         EXPECT_EQ(block.Data()[i], i + 1) << i;
-}
 
-TEST(ByteBlockResize, GrowsByHalfItsCapacityAtLeast)
-{
     struct Case {
         std::uint32_t first, second, capacity;
     } cases[] = {
@@ -52,14 +47,14 @@ TEST(ByteBlockResize, GrowsByHalfItsCapacityAtLeast)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.second);
-        ByteBlock block;
-        ASSERT_TRUE(block.Resize(c.first));
-        block.Data()[0] = 7;
-        ASSERT_TRUE(block.Resize(c.second));
-        EXPECT_EQ(block.Capacity(), c.capacity);
-        EXPECT_EQ(block.Size(), c.second);
-        EXPECT_EQ(block.Data()[0], 7);
-        EXPECT_EQ(block.Data()[c.second - 1], c.second - 1 == 0 ? 7 : 0);
+        ByteBlock grown;
+        ASSERT_TRUE(grown.Resize(c.first));
+        grown.Data()[0] = 7;
+        ASSERT_TRUE(grown.Resize(c.second));
+        EXPECT_EQ(grown.Capacity(), c.capacity);
+        EXPECT_EQ(grown.Size(), c.second);
+        EXPECT_EQ(grown.Data()[0], 7);
+        EXPECT_EQ(grown.Data()[c.second - 1], c.second - 1 == 0 ? 7 : 0);
     }
 }
 

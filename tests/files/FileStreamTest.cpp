@@ -129,7 +129,7 @@ TEST(FileStream, ReadAheadAndAlignedModeGivePlainResults)
     }
 }
 
-TEST(FileStream, TellAfterSeekBehindTheEnd)
+TEST(FileStream, BehindTheEndTellsWhereAndReadsNothing)
 {
     TempDir dir;
     WideString path = dir.Write("a", "abc");
@@ -148,18 +148,16 @@ TEST(FileStream, TellAfterSeekBehindTheEnd)
         EXPECT_TRUE(stream.Seek(-1, platform::SeekOrigin::End));
         EXPECT_EQ(stream.Tell(), 2);
     }
-}
 
-TEST(FileStream, ReadTextConvertsWhatCame)
-{
-    TempDir dir;
-    WideString path = dir.Write("t", std::string("ab\0c", 4));
+    // A count beyond the file reads what is there, a zero byte as a
+    // character; at the end nothing comes.
     FileStream stream;
-    ASSERT_TRUE(stream.OpenPlain(path, platform::kFileAttributeNormal));
+    ASSERT_TRUE(stream.OpenPlain(dir.Write("t", std::string("ab\0c", 4)), platform::kFileAttributeNormal));
     WideString text;
-    ASSERT_TRUE(stream.ReadText(text, 0xFFFFFFF0u)) << "a count beyond the file reads what is there";
-    EXPECT_EQ(text.View(), std::u16string_view(u"ab\0c", 4)) << "a zero byte is a character";
-    EXPECT_FALSE(stream.ReadText(text, 4)) << "at the end nothing comes";
+    ASSERT_TRUE(stream.ReadText(text, 0xFFFFFFF0u));
+    EXPECT_EQ(text.View(), std::u16string_view(u"ab\0c", 4));
+    EXPECT_FALSE(stream.ReadText(text, 4));
     EXPECT_TRUE(text.IsEmpty());
     EXPECT_FALSE(stream.ReadText(text, 0));
 }
+

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+// The parts of a path, and none where one of them is too long; an empty
+// path names the program. HasExt ignores case and the point.
 TEST(PathParts, CutsDriveDirNameExt)
 {
     struct Case {
@@ -30,10 +32,7 @@ TEST(PathParts, CutsDriveDirNameExt)
     EXPECT_EQ(parts.GetDriveDir(), u"C:\\a\\");
     EXPECT_EQ(parts.GetDriveDirName(), u"C:\\a\\b");
     EXPECT_EQ(parts.GetNameExt(), u"b.c");
-}
 
-TEST(PathParts, APartTooLongEmptiesAll)
-{
     WideString longName(std::u16string(255, u'n'));
     PathParts fits(WideString(u"d\\") + longName);
     EXPECT_EQ(fits.GetName(), longName);
@@ -41,17 +40,10 @@ TEST(PathParts, APartTooLongEmptiesAll)
     EXPECT_TRUE(tooLong.GetDir().IsEmpty());
     EXPECT_TRUE(tooLong.GetName().IsEmpty());
     EXPECT_TRUE(tooLong.GetExt().IsEmpty());
-}
+    PathParts program{WideString()};
+    EXPECT_FALSE(program.GetName().IsEmpty());
+    EXPECT_FALSE(program.GetDir().IsEmpty());
 
-TEST(PathParts, EmptyPathIsTheProgram)
-{
-    PathParts parts{WideString()};
-    EXPECT_FALSE(parts.GetName().IsEmpty());
-    EXPECT_FALSE(parts.GetDir().IsEmpty());
-}
-
-TEST(PathParts, HasExtIgnoresCaseAndPoint)
-{
     PathParts wav{WideString(u"a.Wav")};
     EXPECT_TRUE(wav.HasExt(u"wav"));
     EXPECT_TRUE(wav.HasExt(u".WAV"));

@@ -26,7 +26,8 @@ std::string Describe(const CsvTokeniser& tokeniser)
 
 } // namespace
 
-// With its default settings, the only ones the program uses.
+// With its default settings, the only ones the program uses. A text that
+// is empty has no rows and is refused; one of comments alone has none.
 TEST(CsvTokeniser, RowsItemsAndComments)
 {
     const std::pair<std::u16string_view, const char*> cases[] = {
@@ -40,23 +41,15 @@ TEST(CsvTokeniser, RowsItemsAndComments)
         // "//" comment, and an open string without a close stays.
         {u"a,b// note\nc", "{<a><bc>}"}, {u"a/* x */b\n/* y\n */c", "{<ab>}{<c>}"}, {u"/* // */x\ny", "{</* y>}"},
         {u"x/* y */z/* w", "{<xz/* w>}"}, {u"/*/a", "{<a>}"}, {u"\"a//b\"\nc", "{<ac>}"},
+        {u"", ""}, {u"// x\n/* y */", ""},
     };
+    // One tokeniser for all, so that each text is seen to clear what was before.
+    CsvTokeniser tokeniser;
     for (const auto& [text, rows] : cases) {
         SCOPED_TRACE(WideToUtf8(text));
-        CsvTokeniser tokeniser;
-        EXPECT_TRUE(tokeniser.Parse(WideString(text)));
+        EXPECT_EQ(tokeniser.Parse(WideString(text)), !text.empty());
         EXPECT_EQ(Describe(tokeniser), rows);
     }
-}
-
-TEST(CsvTokeniser, EmptyTextAndCommentOnlyTextHaveNoRows)
-{
-    CsvTokeniser tokeniser;
-    ASSERT_TRUE(tokeniser.Parse(u"a"));
-    EXPECT_FALSE(tokeniser.Parse(u""));
-    EXPECT_TRUE(tokeniser.rows.IsEmpty());
-    EXPECT_TRUE(tokeniser.Parse(u"// x\n/* y */"));
-    EXPECT_TRUE(tokeniser.rows.IsEmpty());
     EXPECT_TRUE(tokeniser.GetFirstRow().IsEmpty());
     ASSERT_TRUE(tokeniser.Parse(u"p,q\nr"));
     EXPECT_EQ(tokeniser.GetFirstRow().At(1), u"q");

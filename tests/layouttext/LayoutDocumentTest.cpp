@@ -104,7 +104,7 @@ protected:
 // The file is read in pieces but converted as a whole, so a character whose
 // bytes straddle a piece boundary survives, and the bytes of a byte order
 // mark stand in front of the first line, which is then no header.
-TEST_F(LayoutDocumentLoad, BytesAreConvertedAsOneText)
+TEST_F(LayoutDocumentLoad, BytesAreConvertedAsOneTextAndFailuresKeepOrClearTheDocument)
 {
     std::string pad = std::string(2047 - 9, 'x') + "\xE6\x97\xA5"; // ends in 日
     std::string bytes = "[A]\r\nPad=" + pad + "\r\n";
@@ -117,10 +117,7 @@ TEST_F(LayoutDocumentLoad, BytesAreConvertedAsOneText)
     EXPECT_EQ(map.GetFirstInt(u"K499", -1), 499);
     ASSERT_TRUE(document.Load(dir.Write("bom.jpn", "\xEF\xBB\xBF[A]\r\nk=v\r\n[B]\r\nk=w")));
     EXPECT_EQ(Describe(document), "[B] k=w");
-}
 
-TEST_F(LayoutDocumentLoad, FailuresKeepOrClearTheDocument)
-{
     ASSERT_TRUE(document.Load(dir.Write("a.jpn", "[A]")));
     // An empty path or a file that can't be opened leaves the document as it was.
     EXPECT_FALSE(document.Load(WideString()));

@@ -8,7 +8,7 @@ using ChunkBody = WaveFixture;
 
 // Bodies below 1024 bytes are held, as far as the file has them; larger
 // ones are skipped by a seek, and the walk goes on behind them.
-TEST_F(ChunkBody, HeldBelow1024BytesAsFarAsTheFileGoes)
+TEST_F(ChunkBody, HeldBelow1024BytesAndManySmallOnesInEachTreeForm)
 {
     const struct {
         std::uint32_t declared, present, held;
@@ -30,13 +30,10 @@ TEST_F(ChunkBody, HeldBelow1024BytesAsFarAsTheFileGoes)
             EXPECT_EQ(chunk.GetBody().Data()[c.held - 1], 'e');
         }
     }
-}
 
-// A file of many small chunks: the whole tree holds each; a walk for the
-// registry keeps only what holds a slot, also when the slot changes hands
-// many times; compact form keeps the small chunks as records in runs.
-TEST_F(ChunkBody, ManySmallChunksInEachTreeForm)
-{
+    // A file of many small chunks: the whole tree holds each; a walk for the
+    // registry keeps only what holds a slot, also when the slot changes hands
+    // many times; compact form keeps the small chunks as records in runs.
     const std::string format = FmtBytes(FormatBody(1, 2, 44100, 16));
     RiffBytes children;
     for (int i = 0; i < 100000; ++i)
@@ -68,3 +65,4 @@ TEST_F(ChunkBody, ManySmallChunksInEachTreeForm)
     EXPECT_EQ(records, 100000u);
     EXPECT_EQ(objects, 100u + 1);
 }
+

@@ -19,7 +19,9 @@ public:
     BrushTest() : ViewerFixture(WidgetFactory) {}
 };
 
-TEST_F(BrushTest, ColourTextsNameSystemColoursOrHoldHex)
+// Colour texts name system colours or hold hex digits; the factory knows
+// the brush by its exact name only.
+TEST_F(BrushTest, ColourTextsAndTheFactorysNamesAreExact)
 {
     Brush brush(&viewer);
     EXPECT_EQ(brush.GetColor(), ButtonFaceColour());
@@ -41,10 +43,7 @@ TEST_F(BrushTest, ColourTextsNameSystemColoursOrHoldHex)
     EXPECT_TRUE(brush.Load(MapOf({{u"Color", u"DefaultFaceColor"}})));
     EXPECT_EQ(brush.GetColor(), ButtonFaceColour());
     EXPECT_FALSE(brush.Load(MapOf({{u"Color", u"DefaultFaceColor"}})));
-}
 
-TEST_F(BrushTest, TheFactoryKnowsItsNamesExactly)
-{
     std::unique_ptr<Widget> widget;
     EXPECT_TRUE(WidgetFactory(u"Brush", &viewer, widget));
     ASSERT_NE(widget, nullptr);

@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(ButtonTest, AClickIsAPressAndAReleaseInside)
+TEST_F(ButtonTest, AClickIsAPressAndAReleaseInsideAndDisablingLetsGoAtOnce)
 {
     Button& button = Make({});
     EXPECT_EQ(button.GetLook(), Button::kNormal);
@@ -73,11 +73,8 @@ TEST_F(ButtonTest, AClickIsAPressAndAReleaseInside)
     EXPECT_TRUE(Mouse(button, platform::kMessageLeftButtonUp, 50, 20));
     EXPECT_EQ(Codes(), (std::vector<std::uint32_t>{5}));
     EXPECT_FALSE(Mouse(button, platform::kMessageLeftButtonDown, 9, 20));
-}
 
-TEST_F(ButtonTest, DisablingLetsGoAtOnce)
-{
-    Button& button = Make({});
+    // Disabling a pushed button lets go at once.
     Mouse(button, platform::kMessageMouseMove, 20, 20);
     Mouse(button, platform::kMessageLeftButtonDown, 20, 20);
     Codes();

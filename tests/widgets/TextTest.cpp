@@ -44,6 +44,8 @@ protected:
     std::unique_ptr<Text> text;
 };
 
+// Plain text in points or a share of the height; a face of wide line
+// spacing shrinks it, and a missing family falls back to the generic one.
 TEST_F(TextTest, PlainTextInPointsOrAShareOfTheHeight)
 {
     Make(u"12,Tahoma", u"NoWrap,Bold");
@@ -70,6 +72,17 @@ TEST_F(TextTest, PlainTextInPointsOrAShareOfTheHeight)
     EXPECT_FLOAT_EQ(drawn.size, 10);
     EXPECT_EQ(drawn.style, platform::kFontStyleRegular);
     EXPECT_EQ(drawn.formatFlags, 0);
+
+    viewer.Dpi = 0;
+    viewer.Zoom = 1;
+    platform::testing::SetFontLineSpacing(u"Meiryo UI", 2560);
+    Make(u"10,Meiryo UI");
+    EXPECT_FLOAT_EQ(DrawOne().size, 9);
+    platform::testing::SetMissingFontFamily(u"Nowhere");
+    Make(u"10,Nowhere");
+    drawn = DrawOne();
+    EXPECT_EQ(drawn.family, u"Microsoft Sans Serif");
+    EXPECT_FLOAT_EQ(drawn.size, 10);
 }
 
 TEST_F(TextTest, LoadAndSetReadTheirKeysEachInTheirOwnWay)
@@ -110,19 +123,6 @@ TEST_F(TextTest, LoadAndSetReadTheirKeysEachInTheirOwnWay)
     EXPECT_EQ(Get(*text, u"NoWrap"), u"true");
     text->Load(MapOf({{u"Option", u""}}));
     EXPECT_EQ(Get(*text, u"NoWrap"), u"false");
-}
-
-TEST_F(TextTest, WideLineSpacingShrinksPlainTextAndMissingFamiliesFallBack)
-{
-    platform::testing::SetFontLineSpacing(u"Meiryo UI", 2560);
-    Make(u"10,Meiryo UI");
-    EXPECT_FLOAT_EQ(DrawOne().size, 9);
-
-    platform::testing::SetMissingFontFamily(u"Nowhere");
-    Make(u"10,Nowhere");
-    const DrawnText drawn = DrawOne();
-    EXPECT_EQ(drawn.family, u"Microsoft Sans Serif");
-    EXPECT_FLOAT_EQ(drawn.size, 10);
 }
 
 } // namespace

@@ -39,9 +39,7 @@ protected:
 
     void AddButton(const char16_t* name, const char16_t* position, const char16_t* tip)
     {
-        AttributeMap map;
-        map.Set(u"Name", name);
-        map.Set(u"Pos", position);
+        AttributeMap map = MapOf({{u"Name", name}, {u"Pos", position}});
         if (tip != nullptr)
             map.Set(u"ToolTip", tip);
         viewer.AddSection(u"Button", map);
