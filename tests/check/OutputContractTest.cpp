@@ -171,26 +171,14 @@ TEST(CheckerOutput, EveryJsonObjectHasItsMembersAndNothingToCheckSaysSo)
     dir.MakeDir("empty");
     dir.MakeDir("other");
     dir.Write("other/take.bwf", SoundWave());
-    const struct {
-        std::vector<std::string> arguments;
-        std::string input;
-        std::string out;
-        std::string err;
-    } cases[] = {
-        {{"empty"}, "", "", "sondara-check: no .wav file in empty\n"},
-        {{"--json", "other"}, "", "[]\n", "sondara-check: no .wav file in other\n"},
-        {{"-"}, "", "", "sondara-check: no path on standard input\n"},
-        {{"-"}, "\n\r\n", "", "sondara-check: no path on standard input\n"},
-        {{"--levels", "empty"}, "", "", "sondara-check: no .wav file in empty\n"},
-        {{"links/sound.wav", "empty"}, "", "チェック完了しました。\n", "sondara-check: no .wav file in empty\n"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.arguments[0] + " " + c.input);
-        const CheckerOutcome outcome = RunChecker(dir, c.arguments, c.input);
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.out, c.out);
-        EXPECT_EQ(outcome.err, c.err);
-    }
+    ExpectRuns(dir, {
+        {{"empty"}, 1, "", "sondara-check: no .wav file in empty\n"},
+        {{"--json", "other"}, 1, "[]\n", "sondara-check: no .wav file in other\n"},
+        {{"-"}, 1, "", "sondara-check: no path on standard input\n"},
+        {{"-"}, 1, "", "sondara-check: no path on standard input\n", "\n\r\n"},
+        {{"--levels", "empty"}, 1, "", "sondara-check: no .wav file in empty\n"},
+        {{"links/sound.wav", "empty"}, 1, "チェック完了しました。\n", "sondara-check: no .wav file in empty\n"},
+    });
 }
 
 TEST(CheckerOutput, ListsAndOptionsInAnyForm)

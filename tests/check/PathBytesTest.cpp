@@ -34,40 +34,26 @@ TEST(PathBytesProgram, NameOfOtherBytesIsFoundOpenedAndPrintedAsItStands)
     WriteRaw(dir, kLatin1Name, SoundWave());
     const std::string json =
         "[\n  {\"path\": \"archive/caf\\udce9.wav\", \"report\": \"" + kClearJson + "\", \"hasError\": false, \"findings\": []}\n]\n";
-    const struct {
-        std::vector<std::string> arguments;
-        std::string input;
-        std::string out;
-    } cases[] = {
-        {{"archive"}, "", kClear},
-        {{kLatin1Name}, "", kClear},
-        {{"-"}, kLatin1Name + "\n", kClear},
-        {{"-"}, kLatin1Name + "\r\n", kClear},
-        {{"--json", "archive"}, "", json},
-        {{"--json", kLatin1Name}, "", json},
-        {{"--json", "-"}, kLatin1Name, json},
-        {{"--jsonl", "archive"}, "",
+    ExpectRuns(dir, {
+        {{"archive"}, 0, kClear},
+        {{kLatin1Name}, 0, kClear},
+        {{"-"}, 0, kClear, "", kLatin1Name + "\n"},
+        {{"-"}, 0, kClear, "", kLatin1Name + "\r\n"},
+        {{"--json", "archive"}, 0, json},
+        {{"--json", kLatin1Name}, 0, json},
+        {{"--json", "-"}, 0, json, "", kLatin1Name},
+        {{"--jsonl", "archive"}, 0,
          "{\"type\": \"file\", \"path\": \"archive/caf\\udce9.wav\", \"report\": \"" + kClearJson +
              "\", \"hasError\": false, \"findings\": []}\n"
              "{\"type\": \"summary\", \"files\": 1, \"sound\": 1, \"withFindings\": 0, \"withWarnings\": 0, \"unreadable\": 0}\n"},
-        {{"--chunks", kLatin1Name}, "", "RIFF at 0, 52 bytes, form WAVE\n  fmt  at 12, 16 bytes\n  data at 36, 16 bytes\n"},
+        {{"--chunks", kLatin1Name}, 0, "RIFF at 0, 52 bytes, form WAVE\n  fmt  at 12, 16 bytes\n  data at 36, 16 bytes\n"},
         // Text and CSV print a path's own bytes, so that a script can open
         // what they name.
-        {{"--csv", kLatin1Name}, "",
+        {{"--csv", kLatin1Name}, 0,
          "\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\",\"message\",\"text\"\r\n\"" +
              kLatin1Name + "\",\"ok\",\"file.sound\",,\"\",,,,\"The file is sound.\",\"チェック完了しました。\"\r\n"},
-        {{"--tidy", "text\xE9.wav", kLatin1Name}, "", "nothing to mend; written to text\xE9.wav\n"},
-    };
-    for (const auto& c : cases) {
-        std::string line;
-        for (const std::string& argument : c.arguments)
-            line += " " + argument;
-        SCOPED_TRACE("sondara-check" + line + " < " + c.input);
-        const CheckerOutcome outcome = RunChecker(dir, c.arguments, c.input);
-        EXPECT_EQ(outcome.status, 0);
-        EXPECT_EQ(outcome.out, c.out);
-        EXPECT_EQ(outcome.err, "");
-    }
+        {{"--tidy", "text\xE9.wav", kLatin1Name}, 0, "nothing to mend; written to text\xE9.wav\n"},
+    });
 
     // A copy goes to the very name it is given.
     EXPECT_EQ(RunChecker(dir, {"--json", "--tidy", "copy\xE9.wav", kLatin1Name}).status, 0);

@@ -1,5 +1,7 @@
 #include "support/CheckerProcess.h"
 
+#include <gtest/gtest.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -106,6 +108,20 @@ CheckerOutcome RunChecker(const TempDir& dir, const std::vector<std::string>& ar
     close(outFd);
     close(errFd);
     return {status, outputPath.empty() ? dir.Read("stdout.txt") : "", dir.Read("stderr.txt")};
+}
+
+void ExpectRuns(const TempDir& dir, const std::vector<CheckerRun>& runs)
+{
+    for (const CheckerRun& run : runs) {
+        std::string line = "sondara-check";
+        for (const std::string& argument : run.arguments)
+            line += " " + argument;
+        SCOPED_TRACE(line + (run.input.empty() ? "" : " < " + run.input));
+        const CheckerOutcome outcome = RunChecker(dir, run.arguments, run.input);
+        EXPECT_EQ(outcome.status, run.status);
+        EXPECT_EQ(outcome.out, run.out);
+        EXPECT_EQ(outcome.err, run.err);
+    }
 }
 
 std::vector<std::string> JsonPaths(const std::string& out)

@@ -33,6 +33,19 @@ CheckerSettings FaultSettings(const std::string& name, CheckerSettings faults);
 CheckerOutcome RunChecker(const TempDir& dir, const std::vector<std::string>& arguments, const std::string& input = "",
                           const CheckerSettings& settings = {}, const std::string& outputPath = "");
 
+// A run of the checker and all that it must give.
+struct CheckerRun {
+    std::vector<std::string> arguments;
+    int status;
+    std::string out;
+    std::string err = "";
+    std::string input = "";
+};
+
+// Runs each in dir and compares its status and both streams; a failure
+// names the command line and the input.
+void ExpectRuns(const TempDir& dir, const std::vector<CheckerRun>& runs);
+
 // Starts the checker in dir with its streams on the descriptors given; with
 // ignorePipeSignal it starts with SIGPIPE ignored, as some shells and
 // language runtimes start their children.
