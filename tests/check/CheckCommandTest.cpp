@@ -122,12 +122,9 @@ TEST(CheckCommandProgram, FoldersInOrderWithLoopsBrokenLinksAndTheirFormats)
     const CheckerOutcome serial = RunChecker(dir, {"--jsonl", "-j", "1", "deliveries"});
     const std::vector<std::string> order = JsonPaths(serial.out);
     ASSERT_EQ(order.size(), 35u);
-    EXPECT_EQ(order[0], "deliveries/a/up");
-    EXPECT_EQ(order[1], "deliveries/a/z.wav");
-    EXPECT_EQ(order[2], "deliveries/b.WAV");
-    EXPECT_EQ(order[3], "deliveries/c.wav");
-    EXPECT_EQ(order[4], "deliveries/d.wav");
-    EXPECT_EQ(order[5], "deliveries/many/100.wav");
+    EXPECT_EQ(std::vector<std::string>(order.begin(), order.begin() + 6),
+              (std::vector<std::string>{"deliveries/a/up", "deliveries/a/z.wav", "deliveries/b.WAV", "deliveries/c.wav",
+                                        "deliveries/d.wav", "deliveries/many/100.wav"}));
     EXPECT_NE(serial.out.find("{\"type\": \"unreadable\", \"path\": \"deliveries/a/up\", \"report\": null, \"hasError\": true, "
                                    "\"findings\": [{\"code\": \"folder.link-loop\""), std::string::npos);
     EXPECT_NE(serial.out.find("\"path\": \"deliveries/d.wav\", \"report\": null, \"hasError\": true, \"findings\": [{\"code\": \"file.broken-link\""), std::string::npos);

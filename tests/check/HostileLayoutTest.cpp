@@ -31,17 +31,20 @@ std::string Rf64(std::uint64_t riffSize, std::uint64_t dataSize)
         .ChunkWithSize("data", 0xFFFFFFFF, std::string(20, 'a')).Bytes();
 }
 
-struct Hostile {
-    const char* name;
-    std::string bytes;
-    std::string reason;
-};
+} // namespace
 
-// Sizes that no file can hold, whose chunk would leave the walk where it
-// stands or send it round past the largest position.
-std::vector<Hostile> HostileFiles()
+// The layout refuses what no file can hold, and the chunk list says the
+// reason in one line; sizes that a file can mean, past its end or left at
+// 0 by a recording never finished, are walked, each chunk behind the last.
+TEST(Rf64Layout, SizesNoFileCanHoldAreRefusedAndTheRestWalked)
 {
-    return {
+    // Sizes that no file can hold, whose chunk would leave the walk where it
+    // stands or send it round past the largest position.
+    const struct {
+        const char* name;
+        std::string bytes;
+        std::string reason;
+    } hostile[] = {
         {"data size -8 as a signed number: the walk would stand still", Rf64(92, kMinus8),
          "the ds64 data size, 18,446,744,073,709,551,608 bytes, is more than a file can hold"},
         {"data size whose end wraps the position", Rf64(92, kLargestSigned - 3),
@@ -51,17 +54,8 @@ std::vector<Hostile> HostileFiles()
         {"RIFF size whose end wraps the position", Rf64(kLargestSigned, 20),
          "the ds64 RIFF size, 9,223,372,036,854,775,807 bytes, is more than a file can hold"},
     };
-}
-
-} // namespace
-
-// The layout refuses what no file can hold, and the chunk list says the
-// reason in one line; sizes that a file can mean, past its end or left at
-// 0 by a recording never finished, are walked, each chunk behind the last.
-TEST(Rf64Layout, SizesNoFileCanHoldAreRefusedAndTheRestWalked)
-{
     TempDir dir;
-    for (const Hostile& c : HostileFiles()) {
+    for (const auto& c : hostile) {
         SCOPED_TRACE(c.name);
         ASSERT_EQ(c.bytes.size(), 100u);
         const WideString path = dir.Write("hostile.wav", c.bytes);
@@ -72,6 +66,21 @@ TEST(Rf64Layout, SizesNoFileCanHoldAreRefusedAndTheRestWalked)
         StringSink sink;
         EXPECT_FALSE(ListChunks(path, false, sink));
         EXPECT_EQ(sink.bytes, "(" + c.reason + ")\n");
+#ifdef SONDARA_CHECK_PROGRAM
+        // The checker ends the run at once with status 1 and the reason:
+        // --tidy leaves neither the copy nor the temporary file it writes
+        // first, and --chunks says the reason instead of listing the same
+        // chunk for ever.
+        const CheckerOutcome tidy = RunChecker(dir, {"--tidy", "out.wav", "hostile.wav"});
+        EXPECT_EQ(tidy.status, 1);
+        EXPECT_EQ(tidy.out, "not written: " + c.reason + "\n");
+        EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav"));
+        EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav.sondara-check-unfinished"));
+        const CheckerOutcome chunks = RunChecker(dir, {"--chunks", "hostile.wav"});
+        EXPECT_EQ(chunks.status, 1);
+        EXPECT_LE(std::count(chunks.out.begin(), chunks.out.end(), '\n'), 5);
+        EXPECT_NE(chunks.out.find(c.reason), std::string::npos);
+#endif
     }
 
     const struct {
@@ -101,27 +110,3 @@ TEST(Rf64Layout, SizesNoFileCanHoldAreRefusedAndTheRestWalked)
         EXPECT_EQ(layout.dataPosition, 72);
     }
 }
-
-#ifdef SONDARA_CHECK_PROGRAM
-// A hostile file ends the run at once with status 1 and its reason: --tidy
-// leaves neither the copy nor the temporary file it writes first, and
-// --chunks says the reason instead of listing the same chunk for ever.
-TEST(HostileRf64Program, TidyAndChunksEndAtOnceWithTheReason)
-{
-    TempDir dir;
-    for (const Hostile& c : HostileFiles()) {
-        SCOPED_TRACE(c.name);
-        dir.Write("hostile.wav", c.bytes);
-        const CheckerOutcome tidy = RunChecker(dir, {"--tidy", "out.wav", "hostile.wav"});
-        EXPECT_EQ(tidy.status, 1);
-        EXPECT_EQ(tidy.out, "not written: " + c.reason + "\n");
-        EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav"));
-        EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav.sondara-check-unfinished"));
-
-        const CheckerOutcome chunks = RunChecker(dir, {"--chunks", "hostile.wav"});
-        EXPECT_EQ(chunks.status, 1);
-        EXPECT_LE(std::count(chunks.out.begin(), chunks.out.end(), '\n'), 5);
-        EXPECT_NE(chunks.out.find(c.reason), std::string::npos);
-    }
-}
-#endif

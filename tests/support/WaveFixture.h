@@ -93,7 +93,6 @@ protected:
         return text;
     }
 
-    const Chunk& TopLevel(std::size_t index) const { return *document.GetChunks().At(index); }
     const RootChunk* Root(std::size_t index = 0) const
     {
         return dynamic_cast<const RootChunk*>(document.GetChunks().At(index).get());

@@ -31,6 +31,21 @@ std::wstring ProgramProcess::ProgramPath()
     return path.substr(0, path.find_last_of(L"\\/") + 1) + L"Sondara.exe";
 }
 
+std::vector<unsigned char> ProgramProcess::Resource(LPCWSTR type, LPCWSTR name)
+{
+    HMODULE module =
+        LoadLibraryExW(ProgramPath().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
+    if (module == nullptr)
+        return {};
+    std::vector<unsigned char> bytes;
+    if (HRSRC resource = FindResourceW(module, name, type)) {
+        const auto* data = static_cast<const unsigned char*>(LockResource(LoadResource(module, resource)));
+        bytes.assign(data, data + SizeofResource(module, resource));
+    }
+    FreeLibrary(module);
+    return bytes;
+}
+
 ProgramProcess::ProgramProcess(const std::wstring& arguments)
 {
     std::wstring path = ProgramPath();

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 // Sondara.exe, beside this test program, started as a separate process for
 // one test and ended by the test; a process still running at the end is
@@ -23,6 +24,9 @@ public:
     DWORD WaitForExit(DWORD timeoutMs = 20000) const;
 
     static std::wstring ProgramPath();
+    // The bytes of one of the program's resources, read from its file as
+    // the system reads them; empty when it has none.
+    static std::vector<unsigned char> Resource(LPCWSTR type, LPCWSTR name);
 
 private:
     PROCESS_INFORMATION process{};

@@ -10,47 +10,15 @@
 #include <string>
 #include <vector>
 
-namespace {
-
-// Sondara.exe loaded for its resources only.
-class ProgramResources : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        module = LoadLibraryExW(ProgramProcess::ProgramPath().c_str(), nullptr,
-                                LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
-        ASSERT_NE(module, nullptr);
-    }
-    void TearDown() override
-    {
-        if (module != nullptr)
-            FreeLibrary(module);
-    }
-
-    std::vector<unsigned char> Resource(LPCWSTR type, LPCWSTR name) const
-    {
-        HRSRC resource = FindResourceW(module, name, type);
-        if (resource == nullptr)
-            return {};
-        HGLOBAL loaded = LoadResource(module, resource);
-        auto* bytes = static_cast<const unsigned char*>(LockResource(loaded));
-        return std::vector<unsigned char>(bytes, bytes + SizeofResource(module, resource));
-    }
-
-    HMODULE module = nullptr;
-};
-
-} // namespace
-
 // The style, caption and size show on the running window; the font, which
 // sets the size of a dialog unit, only here. The template's fields are
 // little-endian words: the extended form's version and signature, three
 // double words and five words that the window shows, no menu, the system's
 // dialog class, the caption, 8 points, weight, italic flag and character
 // set, and the face.
-TEST_F(ProgramResources, DialogTemplateIsTheExtendedFormInTheShellFont)
+TEST(ProgramResources, DialogTemplateIsTheExtendedFormInTheShellFont)
 {
-    const std::vector<unsigned char> bytes = Resource(MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(129));
+    const std::vector<unsigned char> bytes = ProgramProcess::Resource(MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(129));
     std::u16string words(bytes.size() / 2, u'\0');
     std::memcpy(words.data(), bytes.data(), words.size() * 2);
     ASSERT_GE(words.size(), 39u);
@@ -59,9 +27,9 @@ TEST_F(ProgramResources, DialogTemplateIsTheExtendedFormInTheShellFont)
     EXPECT_EQ(words.substr(26, 13), std::u16string(u"MS Shell Dlg\0", 13));
 }
 
-TEST_F(ProgramResources, ManifestAsksForCommonControlsSixOfTheBuildsProcessor)
+TEST(ProgramResources, ManifestAsksForCommonControlsSixOfTheBuildsProcessor)
 {
-    std::vector<unsigned char> bytes = Resource(MAKEINTRESOURCEW(24), MAKEINTRESOURCEW(1));
+    std::vector<unsigned char> bytes = ProgramProcess::Resource(MAKEINTRESOURCEW(24), MAKEINTRESOURCEW(1));
     ASSERT_FALSE(bytes.empty());
     std::string manifest(bytes.begin(), bytes.end());
     const char* architecture =
@@ -72,7 +40,7 @@ TEST_F(ProgramResources, ManifestAsksForCommonControlsSixOfTheBuildsProcessor)
     }
 }
 
-TEST_F(ProgramResources, VersionBlockAsTheReleaseNoteReadsIt)
+TEST(ProgramResources, VersionBlockAsTheReleaseNoteReadsIt)
 {
     std::wstring path = ProgramProcess::ProgramPath();
     DWORD ignored = 0;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <vector>
 
 namespace {
 
@@ -20,27 +21,21 @@ INT_PTR CALLBACK IgnoreMessages(HWND, UINT, WPARAM, LPARAM)
 SIZE TemplateClientSize()
 {
     SIZE size{};
-    HMODULE module = LoadLibraryExW(ProgramProcess::ProgramPath().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    if (module == nullptr)
+    const std::vector<unsigned char> bytes = ProgramProcess::Resource(MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(129));
+    if (bytes.empty())
         return size;
-    HRSRC resource = FindResourceW(module, MAKEINTRESOURCEW(129), MAKEINTRESOURCEW(5));
-    HGLOBAL loaded = resource != nullptr ? LoadResource(module, resource) : nullptr;
-    auto* dialogTemplate = static_cast<const DLGTEMPLATE*>(loaded != nullptr ? LockResource(loaded) : nullptr);
-    if (dialogTemplate != nullptr) {
-        HWND copy =
-            CreateDialogIndirectParamW(GetModuleHandleW(nullptr), dialogTemplate, nullptr, IgnoreMessages, 0);
-        if (copy != nullptr) {
-            RECT units{0, 0, 241, 145};
-            MapDialogRect(copy, &units);
-            RECT client{};
-            GetClientRect(copy, &client);
-            EXPECT_EQ(client.right, units.right);
-            EXPECT_EQ(client.bottom, units.bottom);
-            size = {units.right, units.bottom};
-            DestroyWindow(copy);
-        }
+    const auto* dialogTemplate = reinterpret_cast<const DLGTEMPLATE*>(bytes.data());
+    HWND copy = CreateDialogIndirectParamW(GetModuleHandleW(nullptr), dialogTemplate, nullptr, IgnoreMessages, 0);
+    if (copy != nullptr) {
+        RECT units{0, 0, 241, 145};
+        MapDialogRect(copy, &units);
+        RECT client{};
+        GetClientRect(copy, &client);
+        EXPECT_EQ(client.right, units.right);
+        EXPECT_EQ(client.bottom, units.bottom);
+        size = {units.right, units.bottom};
+        DestroyWindow(copy);
     }
-    FreeLibrary(module);
     return size;
 }
 
