@@ -15,8 +15,9 @@ namespace {
 using WebLinks = StandInTest;
 
 // A report line goes to the search as it stands, suffix and all; only "&"
-// is escaped, by the shell call.
-TEST_F(WebLinks, ReportLinesAreSearchedAsTheyStand)
+// is escaped, by the shell call. The release note's address follows the
+// product version of the language-neutral table.
+TEST_F(WebLinks, ReportLinesAreSearchedAsTheyStandAndTheReleaseNoteFollowsTheVersion)
 {
     const Array<WideString> lines = ReportLines(u"\r\nPCMではありません。 [0003]\r\n\r\nA & B\nlast");
     ASSERT_EQ(lines.Count(), 3u);
@@ -26,10 +27,7 @@ TEST_F(WebLinks, ReportLinesAreSearchedAsTheyStand)
     EXPECT_EQ(platform::testing::TakeCallLog(),
               (std::vector<std::string>{"OpenWithShell open http://www.sondara.example/search.php?query=A %26 B",
                                         "EnableWindowInput 1"}));
-}
 
-TEST_F(WebLinks, TheReleaseNoteFollowsTheProductVersion)
-{
     const std::pair<const char16_t*, const char16_t*> cases[] = {
         {u"1, 0, 0, 1", u"1.00"}, {u"2, 10, 3, 7", u"2.103"}, {u"2, 10", u""}, {u"", u""}};
     for (const auto& [product, text] : cases) {

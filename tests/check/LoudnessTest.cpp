@@ -96,7 +96,7 @@ TEST(Loudness, EbuTestSignalsGiveTheirStatedValues)
 // A sine at a quarter of the sample rate sampled off its crests: the true
 // peak is its amplitude, +0.2/-0.4 dB, where the samples alone fall 3 dB
 // short.
-TEST(Loudness, TruePeakBetweenSamples)
+TEST(Loudness, TruePeaksBetweenSamplesAndInParts)
 {
     for (double phase : {0.0, std::numbers::pi / 8, std::numbers::pi / 4, 3 * std::numbers::pi / 8}) {
         SCOPED_TRACE(phase);
@@ -105,14 +105,11 @@ TEST(Loudness, TruePeakBetweenSamples)
     }
     const LoudnessMeter::Figures low = Measure(44100, 1, {{1, -1}}, 997);
     EXPECT_NEAR(Decibels(low.truePeak[0]), -1, 0.1);
-}
 
-// True peaks found in parts, by meters primed with the frames before their
-// part, are those of the whole, to the last bit: noise whose highest value
-// between samples lies anywhere, cut at places that fall inside the
-// filter's reach of it, in runs of every length the vectors treat apart.
-TEST(Loudness, TruePeaksInPartsAreThoseOfTheWhole)
-{
+    // True peaks found in parts, by meters primed with the frames before their
+    // part, are those of the whole, to the last bit: noise whose highest value
+    // between samples lies anywhere, cut at places that fall inside the
+    // filter's reach of it, in runs of every length the vectors treat apart.
     constexpr std::size_t kChannels = 3, kFrames = 4000;
     std::vector<float> frames(kChannels * kFrames);
     std::uint32_t seed = 12345;

@@ -12,17 +12,6 @@
 
 namespace {
 
-TEST(Colour, SystemColoursBecomeOpaqueArgb)
-{
-    platform::testing::ResetStandIn();
-    EXPECT_EQ(ArgbFromColorRef(0x00332211), 0xFF112233u);
-    EXPECT_EQ(ArgbFromColorRef(0xAB332211), 0xFF112233u);
-
-    platform::testing::SetSystemColour(15, 0x010203);
-    EXPECT_EQ(ButtonFaceColour(), 0xFF030201u);
-    platform::testing::ResetStandIn();
-}
-
 std::vector<std::uint8_t> IconFontRecord(const std::u16string& face, std::size_t size = 92)
 {
     std::vector<std::uint8_t> record(size, 0x41);
@@ -34,10 +23,18 @@ std::vector<std::uint8_t> IconFontRecord(const std::u16string& face, std::size_t
     return record;
 }
 
-TEST(IconFont, OnlyABinaryRecordOfTheRightSizeGivesAFace)
+// System colours become opaque ARGB; the icon font's face comes only of a
+// binary record of the right size.
+TEST(SystemLook, OpaqueColoursAndTheIconFontOfARecordOfTheRightSize)
 {
     const char16_t* key = u"Control Panel\\Desktop\\WindowMetrics";
     platform::testing::ResetStandIn();
+    EXPECT_EQ(ArgbFromColorRef(0x00332211), 0xFF112233u);
+    EXPECT_EQ(ArgbFromColorRef(0xAB332211), 0xFF112233u);
+
+    platform::testing::SetSystemColour(15, 0x010203);
+    EXPECT_EQ(ButtonFaceColour(), 0xFF030201u);
+
     EXPECT_EQ(GetIconFontName(), u"");
 
     platform::testing::SetUserRegistryValue(key, u"IconFont", platform::kRegistryBinary,
