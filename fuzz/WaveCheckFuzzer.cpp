@@ -78,8 +78,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     WriteScratch(input, data, size);
 
     const WideString path = WideString::FromAscii(input);
+    FileLayout layout(path, kCheckReading);
     FileCheck check;
-    CheckFile(path, check);
+    CheckFile(layout, check);
     std::string why;
     if (!IsWellFormedReport(check.report, check.hasError, why))
         FailInvariant(why.c_str());

@@ -2,7 +2,6 @@
 
 #include "check/FileWarnings.h"
 #include "check/WaveCheck.h"
-#include "wave/FileFacts.h"
 
 #include <cstdlib>
 
@@ -56,18 +55,24 @@ bool FileCheck::HasWarnings() const
     return false;
 }
 
-void CheckFile(const WideString& path, FileCheck& result)
+void CheckFile(FileLayout& layout, FileCheck& result)
 {
-    result.path = path;
+    result.path = layout.GetPath();
     result.findings.clear();
     result.unreadable = false;
     JudgedChunks judged;
-    RunWaveCheck(path, result.report, result.hasError, judged);
+    const bool existing = layout.IsExistingFile();
+    RunWaveCheck(existing ? &layout.GetDocument() : nullptr, layout.IsWalkedWell(), result.report, result.hasError,
+                 judged);
 
     std::vector<Finding> warnings;
-    if (IsExistingFile(path) && !FindWarnings(path, warnings)) {
-        result.unreadable = true;
-        return;
+    if (existing) {
+        if (!layout.IsOpen()) {
+            result.unreadable = true;
+            return;
+        }
+        StreamGuard guard;
+        FindWarnings(layout.AcquireStream(guard), layout.GetFileSize(), warnings);
     }
 
     const std::u16string_view report = result.report.View();

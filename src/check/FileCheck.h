@@ -3,6 +3,7 @@
 #include "base/WideString.h"
 #include "check/CheckReport.h"
 #include "check/Finding.h"
+#include "wave/FileLayout.h"
 
 #include <vector>
 
@@ -21,5 +22,11 @@ struct FileCheck {
     bool HasWarnings() const;
 };
 
-// Runs the window's check on path, unchanged, and then finds the warnings.
-void CheckFile(const WideString& path, FileCheck& result);
+// What the check reads of a file: the registry alone, so that a file of
+// millions of chunks is checked in little memory; an RF64 file is named
+// from its header.
+constexpr LayoutReading kCheckReading{TreeForm::SlotsOnly, Rf64Reading::NameOnly};
+
+// Runs the window's check on the file, unchanged, and then finds the
+// warnings, both through the layout's one open of it.
+void CheckFile(FileLayout& layout, FileCheck& result);

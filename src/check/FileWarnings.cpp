@@ -193,23 +193,18 @@ private:
 
 // Every warning is placed where the chunk it is about begins: the RIFF
 // header, at 0, for what is wrong with the RIFF size or behind it.
-bool FindWarnings(const WideString& path, std::vector<Finding>& warnings)
+void FindWarnings(FileStream& stream, std::int64_t fileSize, std::vector<Finding>& warnings)
 {
-    FileStream stream;
-    if (!stream.OpenPlain(path, 0))
-        return false;
-    stream.EnableReadAhead(64 * 1024);
-    const std::int64_t fileSize = stream.GetSize();
     Scan scan(stream, fileSize, warnings);
     std::uint8_t header[12];
     if (!scan.ReadAt(0, header, 12))
-        return true;
+        return;
     if (std::memcmp(header, "RF64", 4) == 0) {
         scan.Warn("container.rf64", 0, "RF64", std::nullopt, std::nullopt);
-        return true;
+        return;
     }
     if (std::memcmp(header, "RIFF", 4) != 0)
-        return true;
+        return;
 
     const std::uint32_t riffSize = ReadLittleEndian32(header + 4);
     const std::int64_t declaredEnd = 8 + std::int64_t{riffSize};
@@ -234,5 +229,4 @@ bool FindWarnings(const WideString& path, std::vector<Finding>& warnings)
         scan.Warn("riff.trailing-bytes", 0, "RIFF", riffSize, actualSize);
     }
     warnings.insert(warnings.end(), chunkWarnings.begin(), chunkWarnings.end());
-    return true;
 }

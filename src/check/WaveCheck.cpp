@@ -55,41 +55,56 @@ void CheckData(const DataChunk& dataChunk, CheckReport& report)
         AppendFinding(report, "data.frames", " [%" PRId64 "]\r\n", dataChunk.GetFrameCount());
 }
 
-} // namespace
-
 // Every way in which a run stops early leaves reportHasError true: it turns
 // false only in the all-clear step. An exception (memory, a fault) passes
-// through with the lines written so far, and the document goes on the way.
-//
-// The chunks judged are those the document keeps in its slots: the last
-// format and data chunk it made, in a list or behind a RIFF chunk that
-// ended early too. A chunk whose header the walk never placed (the read
-// of a broken structure gave up inside it) has no place to give.
-void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportHasError, JudgedChunks& judged)
+// through with the lines written so far, and the document goes on the way:
+// a walk that throws leaves an empty report with its error.
+void StartReport(CheckReport& report, bool& reportHasError, JudgedChunks& judged)
 {
     judged = JudgedChunks();
     report.Clear();
     reportHasError = true;
-    const WideString path = wavePath;
+}
 
+} // namespace
+
+void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportHasError, JudgedChunks& judged)
+{
+    StartReport(report, reportHasError, judged);
+    const WideString path = wavePath;
     if (!IsExistingFile(path)) {
-        AppendLine(report, "file.missing");
+        RunWaveCheck(nullptr, false, report, reportHasError, judged);
         return;
     }
-
     // The check reads the registry alone, so the walk keeps nothing else:
     // a file of millions of chunks is checked in little memory.
     WaveDocument document;
     document.SetTreeForm(TreeForm::SlotsOnly);
-    if (!document.Open(path)) {
-        if (document.GetContainerKind() != kContainerRiff) {
+    const bool walkedWell = document.Open(path);
+    RunWaveCheck(&document, walkedWell, report, reportHasError, judged);
+}
+
+// The chunks judged are those the document keeps in its slots: the last
+// format and data chunk it made, in a list or behind a RIFF chunk that
+// ended early too. A chunk whose header the walk never placed (the read
+// of a broken structure gave up inside it) has no place to give.
+void RunWaveCheck(const WaveDocument* document, bool walkedWell, CheckReport& report, bool& reportHasError,
+                  JudgedChunks& judged)
+{
+    StartReport(report, reportHasError, judged);
+    if (!document) {
+        AppendLine(report, "file.missing");
+        return;
+    }
+    if (!walkedWell) {
+        if (document->GetContainerKind() != kContainerRiff) {
             AppendLine(report, "riff.not-riff");
             return;
         }
         AppendLine(report, "riff.structure");
     }
 
-    if (const FormatChunk* formatChunk = document.GetFormatChunk()) {
+    if (const FormatChunk* formatChunk = document->GetFormatChunk()) {
         if (formatChunk->GetPosition() >= 0)
             judged.formatOffset = formatChunk->GetPosition();
         CheckFormat(*formatChunk, report);
@@ -97,7 +112,7 @@ void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportH
         AppendLine(report, "format.missing");
     }
 
-    if (const DataChunk* dataChunk = document.GetDataChunk()) {
+    if (const DataChunk* dataChunk = document->GetDataChunk()) {
         if (dataChunk->GetPosition() >= 0)
             judged.dataOffset = dataChunk->GetPosition();
         CheckData(*dataChunk, report);

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <optional>
 
+class WaveDocument;
+
 // The check of one wave file: whether it exists, whether its RIFF structure
 // reads, whether its format is PCM in range, whether it has audio data.
 // report receives the findings, or the all-clear line; reportHasError is
@@ -23,3 +25,10 @@ struct JudgedChunks {
 // The same check, telling where the chunks it judged lie, so that the
 // checker's findings point at the chunk that each line is about.
 void RunWaveCheck(const WideString& wavePath, CheckReport& report, bool& reportHasError, JudgedChunks& judged);
+
+// The same check of a file that the caller has found and walked: document
+// as its Open left it and walkedWell what that Open gave, or a null
+// document where no file is at the path. The walk needs to keep no more
+// than TreeForm::SlotsOnly keeps.
+void RunWaveCheck(const WaveDocument* document, bool walkedWell, CheckReport& report, bool& reportHasError,
+                  JudgedChunks& judged);

@@ -3,6 +3,7 @@
 #include "base/TextFormat.h"
 #include "cli/ProgressLine.h"
 #include "platform/Console.h"
+#include "wave/FileLayout.h"
 
 #include <algorithm>
 #include <condition_variable>
@@ -94,8 +95,10 @@ private:
                 total = found;
             }
             if (got) {
-                if (checked.source.unreadable.empty())
-                    CheckFile(checked.source.path, checked.check);
+                if (checked.source.unreadable.empty()) {
+                    FileLayout layout(checked.source.path, kCheckReading);
+                    CheckFile(layout, checked.check);
+                }
                 std::lock_guard<std::mutex> hold(lock);
                 results[index % window] = std::move(checked);
             }

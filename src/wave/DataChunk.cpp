@@ -23,7 +23,9 @@ bool DataChunk::Read(std::uint32_t chunkId)
     StreamGuard guard;
     FileStream& stream = document->AcquireStream(guard);
     const WideString path = stream.GetPath();
-    if (aligned) {
+    if (!document->HasFrameStreams()) {
+        readWithoutStreams = true;
+    } else if (aligned) {
         if (!frameStream.OpenAligned(path, platform::kFileAttributeNormal) ||
             !spareStream.OpenAligned(path, platform::kFileAttributeNormal))
             return false;
@@ -50,8 +52,13 @@ void DataChunk::UpdateFrameCount()
     }
     const std::int64_t blockAlign = formatChunk->GetFormat().blockAlign;
     frameCount = size / blockAlign;
-    if (frameStream.IsOpen() && frameCount <= 0) {
+    if (frameCount > 0)
+        return;
+    if (frameStream.IsOpen()) {
         frameCount = (frameStream.GetSize() - (position + 8)) / blockAlign;
+    } else if (readWithoutStreams) {
+        StreamGuard guard;
+        frameCount = (document->AcquireStream(guard).GetSize() - (position + 8)) / blockAlign;
     }
 }
 

@@ -9,7 +9,8 @@
 // The "data" chunk: its size, and the number of sample frames worked out
 // once the whole file has been walked. It keeps two read streams of its own
 // on the file, aligned when the document reads in aligned mode, and hands
-// out its samples by frame number.
+// out its samples by frame number; a document without frame streams reads
+// none, and only the frame count is known.
 class DataChunk : public Chunk, public FrameSource {
 public:
     DataChunk(WaveDocument& document, bool aligned);
@@ -35,4 +36,7 @@ private:
     std::int64_t frameCount = -1;
     FileStream spareStream;
     bool aligned;
+    // Read well by a document without frame streams: the length of its
+    // stream stands in for the frame stream's.
+    bool readWithoutStreams = false;
 };

@@ -48,10 +48,12 @@ bool IsRf64File(const WideString& path)
            std::memcmp(id, "RF64", 4) == 0;
 }
 
-// The ds64 chunk, when it comes first as it must, gives the RF64 chunk's
-// and the data chunk's 64-bit sizes; a size field of 0xFFFFFFFF defers to
-// them. They are read unsigned, and refused where they are taken when no
-// file can hold them; a size nothing defers to stays as it stands.
+bool BeginsAsRf64(FileStream& stream)
+{
+    char id[4] = {};
+    return stream.SeekTo(0) && stream.Read(id, 4) == 4 && std::memcmp(id, "RF64", 4) == 0;
+}
+
 bool ReadRf64Layout(const WideString& path, Rf64Layout& layout, std::string& problem)
 {
     layout = Rf64Layout();
@@ -61,9 +63,19 @@ bool ReadRf64Layout(const WideString& path, Rf64Layout& layout, std::string& pro
         return false;
     }
     stream.EnableReadAhead(64 * 1024);
+    return ReadRf64Layout(stream, layout, problem);
+}
+
+// The ds64 chunk, when it comes first as it must, gives the RF64 chunk's
+// and the data chunk's 64-bit sizes; a size field of 0xFFFFFFFF defers to
+// them. They are read unsigned, and refused where they are taken when no
+// file can hold them; a size nothing defers to stays as it stands.
+bool ReadRf64Layout(FileStream& stream, Rf64Layout& layout, std::string& problem)
+{
+    layout = Rf64Layout();
     layout.fileSize = stream.GetSize();
     std::uint8_t header[12];
-    if (stream.Read(header, 12) != 12 || std::memcmp(header, "RF64", 4) != 0) {
+    if (!stream.SeekTo(0) || stream.Read(header, 12) != 12 || std::memcmp(header, "RF64", 4) != 0) {
         problem = "not an RF64 file";
         return false;
     }

@@ -40,12 +40,18 @@ struct Rf64Layout {
 // The 32-bit size that defers to ds64.
 constexpr std::uint32_t kRf64DefersSize = 0xFFFFFFFF;
 
+class FileStream;
+
 // True when the file at path begins with the id "RF64".
 bool IsRf64File(const WideString& path);
+// True when the file that stream has open begins with the id "RF64".
+bool BeginsAsRf64(FileStream& stream);
 // Reads the layout; false with the reason in problem when the file can't
 // be read, is not RF64, or takes a ds64 size that no file can hold. At most
 // kMostRf64Chunks top-level chunks are kept; the walk stops there.
 bool ReadRf64Layout(const WideString& path, Rf64Layout& layout, std::string& problem);
+// The same of the file that stream has open, read from its start.
+bool ReadRf64Layout(FileStream& stream, Rf64Layout& layout, std::string& problem);
 // The size that a data chunk's size field of 0xFFFFFFFF defers to: ds64's
 // data size; false with the reason in problem when no file can hold it.
 bool Rf64DeferredDataSize(const Rf64Layout& layout, std::int64_t& size, std::string& problem);

@@ -66,6 +66,11 @@ void WaveDocument::DestroyChunks()
 // read stays in the tree either way. The container kind is never reset.
 bool WaveDocument::Open(const WideString& path)
 {
+    return OpenFile(path) && WalkTopLevel();
+}
+
+bool WaveDocument::OpenFile(const WideString& path)
+{
     {
         platform::LockGuard guard(lock);
         chunks.ClearFromBack();
@@ -79,7 +84,23 @@ bool WaveDocument::Open(const WideString& path)
     // Without memory for it the walk is slower, with the same results. An
     // aligned stream reads by sectors and has none.
     stream.EnableReadAhead(BufferBytesFor(stream.GetSize(), kReadAheadBytes));
+    return true;
+}
 
+// False when no file is open, as Open is.
+bool WaveDocument::Walk()
+{
+    platform::LockGuard guard(lock);
+    chunks.ClearFromBack();
+    containerKind = kContainerUnknown;
+    nestingDepth = 0;
+    walkAbandoned = false;
+    return stream.IsOpen() && stream.SeekTo(0) && WalkTopLevel();
+}
+
+bool WaveDocument::WalkTopLevel()
+{
+    platform::LockGuard guard(lock);
     bool result = true;
     std::uint32_t id = 0;
     while (ReadTopLevelId(id, result)) {

@@ -67,6 +67,12 @@ public:
     WaveDocument& operator=(const WaveDocument&) = delete;
 
     bool Open(const WideString& path);
+    // Open in two steps, for a reader that looks at the file before it
+    // walks it, or walks it more than once: OpenFile opens the file at path
+    // and walks nothing; Walk walks the open file from its start as a
+    // document new to it would, the container kind unknown again.
+    bool OpenFile(const WideString& path);
+    bool Walk();
     // Aligned mode for the next Open: the document's stream and the data
     // chunk's streams bypass the system's cache.
     void SetAlignedIo(bool aligned) { alignedIo = aligned; }
@@ -74,6 +80,11 @@ public:
     void SetTreeForm(TreeForm form) { treeForm = form; }
     // Told of every chunk of the next walks; null for none.
     void SetObserver(ChunkObserver* chunkObserver) { observer = chunkObserver; }
+    // Whether the data chunks of the next walks open their frame streams;
+    // on at construction. A reader that never asks for frames turns them
+    // off, and the walk opens the file once instead of three times.
+    void SetFrameStreams(bool open) { frameStreams = open; }
+    bool HasFrameStreams() const { return frameStreams; }
     std::int32_t GetContainerKind() const { return containerKind; }
     FormatChunk* GetFormatChunk() const { return formatChunk; }
     DataChunk* GetDataChunk() const { return dataChunk; }
@@ -111,6 +122,7 @@ public:
 private:
     template <typename ChunkClass>
     bool Register(ChunkClass*& registrySlot, ChunkClass* chunk, bool add);
+    bool WalkTopLevel();
     bool ReadTopLevelId(std::uint32_t& id, bool& result);
     bool HoldsRegistrySlot(const Chunk& chunk) const;
     bool HoldsFormatOrData(const Chunk& chunk) const;
@@ -120,6 +132,7 @@ private:
 
     platform::RecursiveLock lock;
     bool alignedIo = false;
+    bool frameStreams = true;
     TreeForm treeForm = TreeForm::Whole;
     ChunkObserver* observer = nullptr;
     std::int32_t containerKind = kContainerUnknown;

@@ -8,6 +8,12 @@
 
 namespace {
 
+void CheckPath(const WideString& path, FileCheck& check)
+{
+    FileLayout layout(path, kCheckReading);
+    CheckPath(layout, check);
+}
+
 std::string Extensible(std::uint16_t subFormat, std::uint16_t channels, std::uint16_t bits)
 {
     const auto align = static_cast<std::uint16_t>(channels * bits / 8);
@@ -120,7 +126,7 @@ TEST(FileCheckFindings, EachKindAtTheChunkItIsAboutWithItsFigures)
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         FileCheck check;
-        CheckFile(dir.Write("case.wav", c.bytes), check);
+        CheckPath(dir.Write("case.wav", c.bytes), check);
         std::vector<std::string> found, expected;
         for (const Finding& finding : check.findings)
             found.push_back(Describe(finding.kind->code, finding.offset.value_or(-1), finding.chunk,
@@ -158,7 +164,7 @@ TEST(FileCheckFindings, ErrorsAreTheReportLinesAndWarningsSayTheirFigures)
     // A tag whose hexadecimal digits read as another decimal number.
     const std::string body = RiffBytes().U16(0x55).U16(6).U32(0).U32(0).U16(24).U16(32).Bytes();
     FileCheck check;
-    CheckFile(dir.Write("bad.wav", Wave(body, "")), check);
+    CheckPath(dir.Write("bad.wav", Wave(body, "")), check);
     const std::u16string report = check.report.ToU16String();
     std::vector<std::string> codes;
     std::u16string lines;
@@ -178,7 +184,7 @@ TEST(FileCheckFindings, ErrorsAreTheReportLinesAndWarningsSayTheirFigures)
     EXPECT_EQ(check.findings[3].value, 6);
     EXPECT_EQ(check.findings[3].message, "The file has neither one nor two channels. [6]");
 
-    CheckFile(dir.Write("partial.wav", Riff(kFmt + DataBytes(std::string(3527, '\x01')))), check);
+    CheckPath(dir.Write("partial.wav", Riff(kFmt + DataBytes(std::string(3527, '\x01')))), check);
     EXPECT_EQ(check.report.ToU16String(), u"チェック完了しました。\r\n");
     ASSERT_EQ(check.findings.size(), 1u);
     EXPECT_EQ(check.findings[0].message, "The data size is not a whole number of frames: the last frame is partial. "
@@ -186,10 +192,10 @@ TEST(FileCheckFindings, ErrorsAreTheReportLinesAndWarningsSayTheirFigures)
     EXPECT_EQ(check.findings[0].text.ToU16String(),
               u"データのサイズがブロックサイズの倍数ではありません。 [宣言 3527, 実際 3524, フレーム 881, 余り 3, 位置 36]");
 
-    CheckFile(dir.Write("sound.wav", SoundWave()), check);
+    CheckPath(dir.Write("sound.wav", SoundWave()), check);
     EXPECT_FALSE(check.hasError);
     EXPECT_TRUE(check.findings.empty());
-    CheckFile(WideString(u"no such file.wav"), check);
+    CheckPath(WideString(u"no such file.wav"), check);
     ASSERT_EQ(check.findings.size(), 1u);
     EXPECT_EQ(std::string(check.findings[0].kind->code), "file.missing");
 }
