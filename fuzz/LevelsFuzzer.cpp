@@ -27,9 +27,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const std::string input = ScratchPath(".wav");
     WriteScratch(input, data, size);
 
+    FileLayout layout(WideString::FromAscii(input), kLevelsReading);
     LevelReport report;
     std::string problem;
-    if (!MeasureLevels(WideString::FromAscii(input), report, problem, true)) {
+    if (!MeasureLevels(layout, report, problem, true)) {
         if (problem.empty())
             FailInvariant("a refusal without a reason");
         return 0;

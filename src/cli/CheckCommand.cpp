@@ -13,6 +13,7 @@
 #include "measure/Levels.h"
 #include "mend/TidyCopy.h"
 #include "platform/Console.h"
+#include "wave/FileLayout.h"
 
 #include <cmath>
 
@@ -38,9 +39,10 @@ bool MeasureFile(const WideString& path, bool json, const LevelOptions& levelOpt
     std::string problem;
     bool measured = false;
     {
+        FileLayout layout(path, kLevelsReading);
         ProgressLine progress;
         const std::string name = WideToUtf8(path.View());
-        measured = MeasureLevels(path, report, problem, levelOptions.loudness, [&](std::int64_t done, std::int64_t total) {
+        measured = MeasureLevels(layout, report, problem, levelOptions.loudness, [&](std::int64_t done, std::int64_t total) {
             if (total > 0)
                 progress.Update([&] { return "measuring " + name + ": " + std::to_string(done * 100 / total) + "%"; });
         });

@@ -2,24 +2,22 @@
 
 #include "files/FileStream.h"
 #include "wave/DataChunk.h"
-#include "wave/FileFacts.h"
+#include "wave/FileLayout.h"
 #include "wave/FormatChunk.h"
 #include "wave/FourCc.h"
-#include "wave/Rf64File.h"
-#include "wave/WaveDocument.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace {
 
-bool FindRf64Audio(const WideString& path, AudioPlace& place, std::string& problem)
+bool FindRf64Audio(const FileLayout& file, AudioPlace& place, std::string& problem)
 {
-    Rf64Layout layout;
-    if (!IsRf64File(path) || !ReadRf64Layout(path, layout, problem)) {
+    if (!file.HasRf64Layout()) {
         problem = "not a RIFF file";
         return false;
     }
+    const Rf64Layout& layout = file.GetRf64Layout();
     if (layout.formatBytes == 0) {
         problem = "no format chunk";
         return false;
@@ -35,13 +33,11 @@ bool FindRf64Audio(const WideString& path, AudioPlace& place, std::string& probl
 
 } // namespace
 
-bool FindAudio(const WideString& path, AudioPlace& place, std::string& problem)
+bool FindAudio(FileLayout& layout, AudioPlace& place, std::string& problem)
 {
-    WaveDocument document;
-    document.SetTreeForm(TreeForm::SlotsOnly);
-    document.Open(path);
-    if (document.GetContainerKind() != kContainerRiff)
-        return FindRf64Audio(path, place, problem);
+    if (layout.GetContainer() != FileContainer::Riff)
+        return FindRf64Audio(layout, place, problem);
+    WaveDocument& document = layout.GetDocument();
     const FormatChunk* formatChunk = document.GetFormatChunk();
     if (!formatChunk) {
         problem = "no format chunk";
@@ -66,7 +62,7 @@ bool FindAudio(const WideString& path, AudioPlace& place, std::string& problem)
     }
     if (dataChunk && format.blockAlign > 0) {
         place.dataPosition = dataChunk->GetPosition();
-        const std::int64_t present = GetDocumentFileSize(document) - (place.dataPosition + 8);
+        const std::int64_t present = layout.GetFileSize() - (place.dataPosition + 8);
         place.frameCount = std::max<std::int64_t>(0, std::min(dataChunk->GetFrameCount(), present / format.blockAlign));
     } else if (dataChunk) {
         place.dataPosition = dataChunk->GetPosition();

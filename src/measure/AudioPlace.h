@@ -1,9 +1,9 @@
 #pragma once
 
-#include "base/WideString.h"
-
 #include <cstdint>
 #include <string>
+
+class FileLayout;
 
 // Where a file's audio lies and what its format chunk says, whichever
 // container it is in: what a measuring pass needs before it reads.
@@ -14,7 +14,8 @@ struct AudioPlace {
     std::int64_t frameCount = 0;    // those both declared and present
 };
 
-// A RIFF file through the reader, an RF64 file through its own layout.
-// False with the reason in problem for anything else, or a file without a
-// format chunk; a file without a data chunk is found, its position -1.
-bool FindAudio(const WideString& path, AudioPlace& place, std::string& problem);
+// A RIFF file through the walk of its layout, an RF64 file through its
+// RF64 layout. False with the reason in problem for anything else, or a
+// file without a format chunk; a file without a data chunk is found, its
+// position -1.
+bool FindAudio(FileLayout& layout, AudioPlace& place, std::string& problem);

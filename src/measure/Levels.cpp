@@ -5,7 +5,6 @@
 #include "measure/LevelMeter.h"
 #include "measure/LoudnessAndPeakMeter.h"
 #include "measure/SampleFormat.h"
-#include "wave/FileFacts.h"
 
 #include <cmath>
 #include <limits>
@@ -25,14 +24,14 @@ double ToDecibels(double fraction)
     return fraction > 0 ? 20 * std::log10(fraction) : -std::numeric_limits<double>::infinity();
 }
 
-bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem, bool loudness,
+bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem, bool loudness,
                    const MeasureProgress& progress)
 {
     report = LevelReport();
-    if (!IsExistingFile(path))
+    if (!layout.IsExistingFile())
         return RefuseLevels(problem, "no such file");
     AudioPlace place;
-    if (!FindAudio(path, place, problem))
+    if (!FindAudio(layout, place, problem))
         return false;
     SampleFormat format;
     if (!ReadSampleFormat(place.format, place.formatBytes, format, problem))
@@ -57,7 +56,7 @@ bool MeasureLevels(const WideString& path, LevelReport& report, std::string& pro
         meters.push_back({std::make_unique<LoudnessAndPeakMeter>(format), HelperShare::ThreeQuarters});
 
     std::int64_t frames = 0;
-    if (!RunMeasurePass(path, place, format, meters, progress, frames, problem))
+    if (!RunMeasurePass(layout.GetPath(), place, format, meters, progress, frames, problem))
         return false;
     report.frames = frames;
     report.sampleRate = format.sampleRate;

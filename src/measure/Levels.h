@@ -1,14 +1,19 @@
 #pragma once
 
-#include "base/WideString.h"
 #include "measure/LevelReport.h"
 #include "measure/MeasurePass.h"
+#include "wave/FileLayout.h"
 
 #include <cstdint>
 #include <string>
 
-// Reads every sample frame of the file's data chunk in aligned mode, past
-// the system's cache, and measures each channel: 8, 16, 24 and 32-bit PCM
+// What the levels read of a file before its audio: the registry alone, and
+// an RF64 file's layout where the walk found no RIFF.
+constexpr LayoutReading kLevelsReading{TreeForm::SlotsOnly, Rf64Reading::AfterWalk};
+
+// Finds the audio through the file's layout, then reads every sample frame
+// of its data chunk in aligned mode, past the system's cache, and measures
+// each channel: 8, 16, 24 and 32-bit PCM
 // and 32 and 64-bit float, plain or extensible, of any number of channels,
 // full scale at the highest code or at ±1.0. Anything else, or a file
 // without audio, gives false and a message for the user in problem.
@@ -17,7 +22,7 @@
 // file that ends before the frames it held when measuring began, gives
 // false: a measurement is of every frame or none. progress, when given,
 // hears of the frames measured after each read.
-bool MeasureLevels(const WideString& path, LevelReport& report, std::string& problem, bool loudness = false,
+bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem, bool loudness = false,
                    const MeasureProgress& progress = {});
 
 // The samples of all channels that no figure could take in: a measured

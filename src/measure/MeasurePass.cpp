@@ -83,6 +83,8 @@ private:
     std::vector<float> ownFloats, helperFloats;
 };
 
+// The audio is read through an open of its own, not the stream of the walk
+// that found it: that one reads through the system's cache, this one past it.
 bool PassRun::Open(const WideString& path, const AudioPlace& place, std::string& problem)
 {
     if (!audio.Open(path) || kHeadBytes % audio.GetSectorSize() != 0) {

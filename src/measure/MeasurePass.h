@@ -30,8 +30,8 @@ struct ChosenMeter {
 // thread that runs the pass.
 using MeasureProgress = std::function<void(std::int64_t framesDone, std::int64_t frameCount)>;
 
-// Reads the frames of the audio once, past the system's cache, and hands
-// them to every meter: raw, or decoded to floats once for all that take
+// Reads the frames of the audio at path once, past the system's cache, and
+// hands them to every meter: raw, or decoded to floats once for all that take
 // floats. A thread reads the pieces ahead; twins of the meters that share
 // their work run on a helper thread; the calling thread measures the rest
 // and, once every frame is in, merges each twin into its meter. False with

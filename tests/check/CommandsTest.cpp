@@ -40,9 +40,10 @@ std::string Check(const WideString& path)
 
 std::string Levels(const WideString& path)
 {
+    FileLayout layout(path, kLevelsReading);
     LevelReport report;
     std::string problem;
-    return MeasureLevels(path, report, problem) ? FormatLevelsText(report) : problem;
+    return MeasureLevels(layout, report, problem) ? FormatLevelsText(report) : problem;
 }
 
 // Frames of 16-bit stereo whose samples run through many values.

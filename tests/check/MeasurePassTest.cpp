@@ -2,6 +2,7 @@
 // meter every frame once, in order where it must, and primes each part
 // with the frames just before it, over reads on its threads.
 #include "measure/AudioPlace.h"
+#include "measure/Levels.h"
 #include "measure/MeasurePass.h"
 #include "support/RiffBytes.h"
 #include "support/TempDir.h"
@@ -93,7 +94,8 @@ TEST(MeasurePass, EveryMeterGetsEveryFrameOnceAndEachPartItsPriming)
     AudioPlace place;
     SampleFormat format;
     std::string problem;
-    ASSERT_TRUE(FindAudio(path, place, problem)) << problem;
+    FileLayout layout(path, kLevelsReading);
+    ASSERT_TRUE(FindAudio(layout, place, problem)) << problem;
     ASSERT_TRUE(ReadSampleFormat(place.format, place.formatBytes, format, problem)) << problem;
 
     const struct {

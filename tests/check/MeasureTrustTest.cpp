@@ -28,9 +28,10 @@ std::vector<Float> TwoSines()
 
 LevelReport Measured(const WideString& path, bool loudness = true)
 {
+    FileLayout layout(path, kLevelsReading);
     LevelReport report;
     std::string problem;
-    EXPECT_TRUE(MeasureLevels(path, report, problem, loudness)) << problem;
+    EXPECT_TRUE(MeasureLevels(layout, report, problem, loudness)) << problem;
     return report;
 }
 
@@ -131,14 +132,14 @@ TEST(MeasureTrust, LoudnessRefusedBelowItsLowestRate)
     } cases[] = {{0, false}, {1, false}, {3363, false}, {7999, false}, {8000, true}, {48000, true}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.rate);
-        const WideString path = dir.Write("rate.wav", FloatWave(std::vector<float>(16000, 0.25f), 1, c.rate));
+        FileLayout layout(dir.Write("rate.wav", FloatWave(std::vector<float>(16000, 0.25f), 1, c.rate)), kLevelsReading);
         LevelReport report;
         std::string problem;
-        EXPECT_EQ(MeasureLevels(path, report, problem, true), c.measured) << problem;
+        EXPECT_EQ(MeasureLevels(layout, report, problem, true), c.measured) << problem;
         if (!c.measured) {
             EXPECT_NE(problem.find("loudness is measured at 8,000 Hz and above"), std::string::npos) << problem;
         }
-        EXPECT_TRUE(MeasureLevels(path, report, problem, false)) << problem;
+        EXPECT_TRUE(MeasureLevels(layout, report, problem, false)) << problem;
     }
 }
 

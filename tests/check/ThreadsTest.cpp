@@ -67,7 +67,8 @@ TEST(CheckerThreads, LevelsOfAFileLongerThanThreeReads)
         SCOPED_TRACE(loudness ? "with loudness" : "levels alone");
         LevelReport report;
         std::string problem;
-        ASSERT_TRUE(MeasureLevels(path, report, problem, loudness)) << problem;
+        FileLayout layout(path, kLevelsReading);
+        ASSERT_TRUE(MeasureLevels(layout, report, problem, loudness)) << problem;
         EXPECT_EQ(report.frames, kFrames);
         ASSERT_EQ(report.channels.size(), 2u);
         EXPECT_NEAR(report.channels[0].peak, 0.5, 1e-6);
