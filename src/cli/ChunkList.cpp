@@ -3,10 +3,9 @@
 #include "base/TextFormat.h"
 #include "base/Utf8.h"
 #include "wave/ChunkObserver.h"
-#include "wave/FileFacts.h"
+#include "wave/FileLayout.h"
 #include "wave/InfoChunk.h"
 #include "wave/ListChunk.h"
-#include "wave/Rf64File.h"
 #include "wave/RootChunk.h"
 #include "wave/WaveDocument.h"
 
@@ -33,6 +32,17 @@ std::u16string_view Trimmed(const WideString& text)
     while (!view.empty() && view.back() == u'\0')
         view.remove_suffix(1);
     return view;
+}
+
+void PutProblem(bool json, TextSink& sink, const std::string& problem)
+{
+    if (json) {
+        std::string text = ", \"error\": ";
+        AppendJsonString(text, Utf8ToWide(problem));
+        sink.Put(text + "}");
+    } else {
+        sink.Put("(" + problem + ")\n");
+    }
 }
 
 // The RIFF chunks nested in others that the walk will drop after their
@@ -225,20 +235,13 @@ private:
 
 // An RF64 file: its RF64 chunk and the chunks in it, each with the 64-bit
 // size of ds64 beside a 32-bit field that defers to it.
-bool ListRf64(const WideString& path, bool json, TextSink& sink)
+bool ListRf64(const FileLayout& file, bool json, TextSink& sink)
 {
-    Rf64Layout layout;
-    std::string problem;
-    if (!ReadRf64Layout(path, layout, problem)) {
-        if (json) {
-            std::string text = ", \"error\": ";
-            AppendJsonString(text, Utf8ToWide(problem));
-            sink.Put(text + "}");
-        } else {
-            sink.Put("(" + problem + ")\n");
-        }
+    if (!file.HasRf64Layout()) {
+        PutProblem(json, sink, file.GetRf64Problem());
         return false;
     }
+    const Rf64Layout& layout = file.GetRf64Layout();
     bool allFit = true;
     const std::int64_t riffEnd = 8 + layout.riffSize;
     auto put = [&](bool first, int depth, std::uint32_t id, std::int64_t position, std::uint32_t size32,
@@ -287,17 +290,6 @@ bool ListRf64(const WideString& path, bool json, TextSink& sink)
     return allFit;
 }
 
-void PutProblem(bool json, TextSink& sink, const char* problem)
-{
-    if (json) {
-        std::string text = ", \"error\": ";
-        AppendJsonString(text, Utf8ToWide(problem));
-        sink.Put(text + "}");
-    } else {
-        sink.Put(std::string("(") + problem + ")\n");
-    }
-}
-
 } // namespace
 
 bool ListChunks(const WideString& path, bool json, TextSink& sink)
@@ -307,34 +299,28 @@ bool ListChunks(const WideString& path, bool json, TextSink& sink)
         AppendJsonString(head, path.View());
         sink.Put(head);
     }
-    if (!IsExistingFile(path)) {
+    // Both walks keep only what the registry needs, so that a file of
+    // millions of chunks lists in little memory. The first finds what the
+    // listing leaves out; the second, through the same open, lists.
+    DroppedRiffFinder finder;
+    FileLayout layout(path, {TreeForm::SlotsOnly, Rf64Reading::AfterWalk}, &finder);
+    if (!layout.IsExistingFile()) {
         PutProblem(json, sink, "no such file");
         return false;
     }
-    // Both walks keep only what the registry needs, so that a file of
-    // millions of chunks lists in little memory.
-    DroppedRiffFinder finder;
-    std::int64_t fileSize = 0;
-    {
-        WaveDocument document;
-        document.SetTreeForm(TreeForm::SlotsOnly);
-        document.SetObserver(&finder);
-        document.Open(path);
-        fileSize = GetDocumentFileSize(document);
-        if (document.GetContainerKind() != kContainerRiff) {
-            if (IsRf64File(path))
-                return ListRf64(path, json, sink);
-            PutProblem(json, sink, "not a RIFF file");
-            return false;
-        }
+    if (layout.GetContainer() == FileContainer::Rf64)
+        return ListRf64(layout, json, sink);
+    if (layout.GetContainer() != FileContainer::Riff) {
+        PutProblem(json, sink, "not a RIFF file");
+        return false;
     }
+    const std::int64_t fileSize = layout.GetFileSize();
     if (json)
         sink.Put(", \"fileSize\": " + std::to_string(fileSize) + ", \"chunks\": [");
-    WaveDocument document;
-    document.SetTreeForm(TreeForm::SlotsOnly);
+    WaveDocument& document = layout.GetDocument();
     Lister lister(json, sink, fileSize, document, std::move(finder.positions));
     document.SetObserver(&lister);
-    document.Open(path);
+    document.Walk();
     lister.Finish();
     if (json)
         sink.Put(lister.WroteAny() ? "\n  ]}" : "]}");
