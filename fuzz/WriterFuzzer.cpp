@@ -27,7 +27,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::remove(copy.c_str());
     std::vector<std::string> changes;
     std::string problem;
-    const bool copied = MakeTidyCopy(WideString::FromAscii(input), WideString::FromAscii(copy), changes, problem);
+    FileLayout layout(WideString::FromAscii(input), kTidyReading);
+    const bool copied = MakeTidyCopy(layout, WideString::FromAscii(copy), changes, problem);
     if (copied != (ScratchSize(copy) >= 0))
         FailInvariant("the copy exists exactly when it was made");
     if (ScratchSize(copy) > bound)

@@ -121,7 +121,8 @@ int RunTidy(bool json, const WideString& output, const WideString& input)
 {
     std::vector<std::string> changes;
     std::string problem;
-    const bool written = MakeTidyCopy(input, output, changes, problem);
+    FileLayout layout(input, kTidyReading);
+    const bool written = MakeTidyCopy(layout, output, changes, problem);
     ConsoleSink sink(json ? ConsoleSink::Bytes::Exact : ConsoleSink::Bytes::Text);
     if (json) {
         std::string object = "[\n  {\"path\": ";

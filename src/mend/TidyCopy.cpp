@@ -6,7 +6,6 @@
 #include "mend/TidyWalk.h"
 #include "platform/FileSystem.h"
 #include "platform/Folder.h"
-#include "wave/FileFacts.h"
 
 namespace {
 
@@ -57,18 +56,18 @@ bool WriteCopy(FileStream& source, FileStream& target, const TidyPlan& plan, std
     changes.clear();
     if (!dryWritten)
         return false;
-    const bool rf64 = plan.rf64 || dry.Written() - 8 > 0xFFFFFFFFLL;
+    const bool rf64 = plan.rf64 != nullptr || dry.Written() - 8 > 0xFFFFFFFFLL;
     TidyWalk copy(source, target, fileSize, plan, changes, problem, rf64 ? TidyWalk::Run::Rf64 : TidyWalk::Run::Riff);
     return copy.Copy() && target.Flush();
 }
 
 } // namespace
 
-bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector<std::string>& changes,
+bool MakeTidyCopy(FileLayout& input, const WideString& output, std::vector<std::string>& changes,
                   std::string& problem)
 {
     changes.clear();
-    if (!IsExistingFile(input)) {
+    if (!input.IsExistingFile()) {
         problem = "no such file";
         return false;
     }
@@ -76,21 +75,17 @@ bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector
         problem = WideToPathUtf8(output.View()) + " exists; the copy goes to a new path only";
         return false;
     }
+    // A plan is made only of a file that the layout could open.
     TidyPlan plan;
     if (!ReadTidyPlan(input, plan, problem))
         return false;
 
-    FileStream source;
-    if (!source.OpenPlain(input, platform::kFileAttributeNormal)) {
-        problem = "the file can't be opened for reading";
-        return false;
-    }
-    source.EnableReadAhead(64 * 1024);
     FileStream target;
     const WideString temporary = TemporaryFor(output);
-    if (!CreateTemporary(temporary, input, output, target, problem))
+    if (!CreateTemporary(temporary, input.GetPath(), output, target, problem))
         return false;
-    const bool written = WriteCopy(source, target, plan, changes, problem);
+    StreamGuard guard;
+    const bool written = WriteCopy(input.AcquireStream(guard), target, plan, changes, problem);
     target.Close();
     if (!written) {
         platform::RemoveFile(temporary.View());

@@ -1,11 +1,16 @@
 #pragma once
 
 #include "base/WideString.h"
+#include "wave/FileLayout.h"
 
 #include <string>
 #include <vector>
 
-// A mended copy of a wave file: every chunk copied as it stands, only the
+// What the tidy copy reads of its input before it writes: the registry
+// alone for the format, and an RF64 file as RF64 whatever ids it holds.
+constexpr LayoutReading kTidyReading{TreeForm::SlotsOnly, Rf64Reading::InPlaceOfWalk};
+
+// A mended copy of the file of the layout: every chunk copied as it stands, only the
 // sizes written anew. The chunks that a RIFF size too small left outside
 // the RIFF chunk are taken back into it, declared sizes that run past the
 // end of the file become what is there, and a data size that a recording
@@ -19,6 +24,6 @@
 // refused, with the reason in problem, wherever something would be lost or
 // the end of the audio can't be told for certain; nothing is left behind
 // then. changes receives what the copy does differently from the input,
-// one line each.
-bool MakeTidyCopy(const WideString& input, const WideString& output, std::vector<std::string>& changes,
+// one line each. The input is read through the layout's one open of it.
+bool MakeTidyCopy(FileLayout& input, const WideString& output, std::vector<std::string>& changes,
                   std::string& problem);

@@ -1,39 +1,35 @@
 #include "mend/TidyPlan.h"
 
-#include "wave/DataChunk.h"
+#include "wave/FileLayout.h"
 #include "wave/FormatChunk.h"
-#include "wave/WaveDocument.h"
 
-// Reads the input's format through the check's reader, or an RF64 file's,
-// which that reader takes for one that is not RIFF, through its own
-// layout. False with the reason in problem when the input is neither, or
+// Takes the input's format from the walk of its layout, or from an RF64
+// file's own layout, which the walk would take for a file that is not
+// RIFF. False with the reason in problem when the input is neither, or
 // has audio but no format of at least one channel and one byte a frame.
-bool ReadTidyPlan(const WideString& input, TidyPlan& plan, std::string& problem)
+bool ReadTidyPlan(const FileLayout& input, TidyPlan& plan, std::string& problem)
 {
     bool hasData = false;
-    plan.rf64 = IsRf64File(input);
-    if (plan.rf64) {
-        std::string why;
-        if (!ReadRf64Layout(input, plan.layout, why)) {
+    if (input.GetContainer() == FileContainer::Rf64) {
+        if (!input.HasRf64Layout()) {
             // A header cut short is no more RF64 than it is RIFF.
-            problem = plan.layout.fileSize < kRiffHeaderBytes ? "not a RIFF file" : why;
+            const bool cutShort = input.GetRf64Layout().fileSize < kRiffHeaderBytes;
+            problem = cutShort ? "not a RIFF file" : input.GetRf64Problem();
             return false;
         }
-        if (plan.layout.formatBytes >= 16)
-            plan.blockAlign = static_cast<std::uint16_t>(plan.layout.format[12] | plan.layout.format[13] << 8);
-        hasData = plan.layout.dataPosition >= 0;
+        plan.rf64 = &input.GetRf64Layout();
+        if (plan.rf64->formatBytes >= 16)
+            plan.blockAlign = static_cast<std::uint16_t>(plan.rf64->format[12] | plan.rf64->format[13] << 8);
+        hasData = plan.rf64->dataPosition >= 0;
     } else {
-        WaveDocument document;
-        document.SetTreeForm(TreeForm::SlotsOnly);
-        document.Open(input);
-        if (document.GetContainerKind() != kContainerRiff) {
+        if (input.GetContainer() != FileContainer::Riff) {
             problem = "not a RIFF file";
             return false;
         }
-        const FormatChunk* format = document.GetFormatChunk();
+        const FormatChunk* format = input.GetDocument().GetFormatChunk();
         if (format && format->GetFormat().channels >= 1)
             plan.blockAlign = format->GetFormat().blockAlign;
-        hasData = document.GetDataChunk() != nullptr;
+        hasData = input.GetDocument().GetDataChunk() != nullptr;
     }
     if (hasData && plan.blockAlign < 1) {
         problem = "the data can't be written without a format of at least one channel and one byte per frame";

@@ -2,7 +2,6 @@
 
 #include "base/TextFormat.h"
 #include "mend/AudioEnd.h"
-#include "wave/FileFacts.h"
 #include "wave/FourCc.h"
 
 #include <algorithm>
@@ -50,10 +49,10 @@ bool TidyWalk::ReadHead()
     if (fromRf64) {
         // The ds64 chunk comes first; its 64-bit sizes, as the layout read
         // them, stand where a 32-bit size of 0xFFFFFFFF defers.
-        if (!plan.rf64 || !plan.layout.hasDs64)
+        if (!plan.rf64 || !plan.rf64->hasDs64)
             return Refuse("an RF64 file without its ds64 chunk");
-        const std::uint32_t ds64Size = plan.layout.ds64Size;
-        declaredRiff = plan.layout.riffSize;
+        const std::uint32_t ds64Size = plan.rf64->ds64Size;
+        declaredRiff = plan.rf64->riffSize;
         firstChunk += 8 + ds64Size + ds64Size % 2;
     }
     return true;
@@ -66,7 +65,7 @@ bool TidyWalk::WriteHead()
     const bool toRf64 = run == Run::Rf64 || (run == Run::Dry && fromRf64);
     if (!toRf64)
         return writer.StartRiff(riff);
-    return writer.StartRf64(riff + 8, fromRf64 ? std::optional<std::uint32_t>(plan.layout.ds64Size) : std::nullopt);
+    return writer.StartRf64(riff + 8, fromRf64 ? std::optional<std::uint32_t>(plan.rf64->ds64Size) : std::nullopt);
 }
 
 // Every chunk from the first behind the head to the end of the file, with
@@ -103,7 +102,7 @@ bool TidyWalk::CopyChunks()
         const std::uint32_t size32 = ReadLittleEndian32(header + 4);
         std::int64_t size = size32;
         if (fromRf64 && id == kIdData && size32 == kRf64DefersSize &&
-            !Rf64DeferredDataSize(plan.layout, size, problem))
+            !Rf64DeferredDataSize(*plan.rf64, size, problem))
             return false;
         const std::int64_t present = fileSize - (position + 8);
         const bool unfinished = size == 0 || size > present || (!fromRf64 && size == 0xFFFFFFFF);

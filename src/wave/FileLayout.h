@@ -57,6 +57,7 @@ public:
     // was read in place of the walk; walkedWell is what the walk gave, as
     // WaveDocument::Open gives it.
     WaveDocument& GetDocument() { return document; }
+    const WaveDocument& GetDocument() const { return document; }
     bool IsWalkedWell() const { return walkedWell; }
     FileStream& AcquireStream(StreamGuard& guard) { return document.AcquireStream(guard); }
 

@@ -40,14 +40,6 @@ constexpr std::uint32_t kIdDs64 = MakeFourCc("ds64");
 
 } // namespace
 
-bool IsRf64File(const WideString& path)
-{
-    FileStream stream;
-    char id[4] = {};
-    return stream.OpenPlain(path, platform::kFileAttributeNormal) && stream.Read(id, 4) == 4 &&
-           std::memcmp(id, "RF64", 4) == 0;
-}
-
 bool BeginsAsRf64(FileStream& stream)
 {
     char id[4] = {};

@@ -42,8 +42,6 @@ constexpr std::uint32_t kRf64DefersSize = 0xFFFFFFFF;
 
 class FileStream;
 
-// True when the file at path begins with the id "RF64".
-bool IsRf64File(const WideString& path);
 // True when the file that stream has open begins with the id "RF64".
 bool BeginsAsRf64(FileStream& stream);
 // Reads the layout; false with the reason in problem when the file can't

@@ -46,6 +46,12 @@ std::string Levels(const WideString& path)
     return MeasureLevels(layout, report, problem) ? FormatLevelsText(report) : problem;
 }
 
+bool Tidy(const WideString& input, const WideString& output, std::vector<std::string>& changes, std::string& problem)
+{
+    FileLayout layout(input, kTidyReading);
+    return MakeTidyCopy(layout, output, changes, problem);
+}
+
 // Frames of 16-bit stereo whose samples run through many values.
 std::string Tone(std::uint32_t frames)
 {
@@ -169,7 +175,7 @@ TEST(TidyCopy, UnfinishedHeaderBecomesSoundWithWhatStandsBehindTheAudio)
             const std::string name = "mended" + std::to_string(made++) + ".wav";
             std::vector<std::string> changes;
             std::string problem;
-            ASSERT_TRUE(MakeTidyCopy(path, dir.PathOf(name), changes, problem)) << problem;
+            ASSERT_TRUE(Tidy(path, dir.PathOf(name), changes, problem)) << problem;
             EXPECT_EQ(dir.Read("unfinished.wav"), input);
             EXPECT_EQ(Check(dir.PathOf(name)), "チェック完了しました。\r\n");
             // The format as it stands; the audio in whole frames.
@@ -196,7 +202,7 @@ TEST(TidyCopy, UnfinishedHeaderBecomesSoundWithWhatStandsBehindTheAudio)
         std::vector<std::string> changes;
         std::string problem;
         const std::string name = "copy" + std::to_string(placeholder % 7) + ".wav";
-        ASSERT_TRUE(MakeTidyCopy(dir.Write("unfinished.wav", unfinished), dir.PathOf(name), changes, problem)) << problem;
+        ASSERT_TRUE(Tidy(dir.Write("unfinished.wav", unfinished), dir.PathOf(name), changes, problem)) << problem;
         EXPECT_EQ(dir.Read(name), sound);
         EXPECT_NE(std::find(changes.begin(), changes.end(), "chunks behind the audio kept: LIST, PEAK"), changes.end());
     }
@@ -227,7 +233,7 @@ TEST(TidyCopy, RefusesWhereSomethingWouldBeLost)
     for (const auto& c : cases) {
         std::vector<std::string> changes;
         std::string problem;
-        EXPECT_FALSE(MakeTidyCopy(dir.Write("in.wav", c.bytes), dir.PathOf("out.wav"), changes, problem));
+        EXPECT_FALSE(Tidy(dir.Write("in.wav", c.bytes), dir.PathOf("out.wav"), changes, problem));
         EXPECT_EQ(problem, c.problem);
         EXPECT_FALSE(std::filesystem::exists(dir.Native() + "/out.wav"));
     }
@@ -319,7 +325,7 @@ TEST(Rf64, ListedMeasuredAndMended)
 
     std::vector<std::string> changes;
     std::string problem;
-    ASSERT_TRUE(MakeTidyCopy(dir.Write("unfinished.rf64.wav", rf64(0, 0)), dir.PathOf("mended.wav"), changes, problem))
+    ASSERT_TRUE(Tidy(dir.Write("unfinished.rf64.wav", rf64(0, 0)), dir.PathOf("mended.wav"), changes, problem))
         << problem;
     EXPECT_EQ(dir.Read("mended.wav"), sound);
     EXPECT_EQ(changes, (std::vector<std::string>{"ds64 RIFF size 0 -> 2,072", "data: 0 bytes declared, 2,000 present"}));
