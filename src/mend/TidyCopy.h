@@ -10,12 +10,12 @@
 // alone for the format, and an RF64 file as RF64 whatever ids it holds.
 constexpr LayoutReading kTidyReading{TreeForm::SlotsOnly, Rf64Reading::InPlaceOfWalk};
 
-// A mended copy of the file of the layout: every chunk copied as it stands, only the
-// sizes written anew. The chunks that a RIFF size too small left outside
-// the RIFF chunk are taken back into it, declared sizes that run past the
-// end of the file become what is there, and a data size that a recording
-// never finished (0, 0xFFFFFFFF, past the end) becomes the whole frames of
-// audio up to the chunks written behind it.
+// A mended copy of the input, a wave file: every chunk copied as it stands,
+// only the sizes written anew. The chunks that a RIFF size too small left
+// outside the RIFF chunk are taken back into it, declared sizes that run
+// past the end of the file become what is there, and a data size that a
+// recording never finished (0, 0xFFFFFFFF, past the end) becomes the whole
+// frames of audio up to the chunks written behind it.
 //
 // The copy goes to output, which must not exist yet, through a temporary
 // file beside it (output's name and ".sondara-check-unfinished") that is
@@ -24,6 +24,6 @@ constexpr LayoutReading kTidyReading{TreeForm::SlotsOnly, Rf64Reading::InPlaceOf
 // refused, with the reason in problem, wherever something would be lost or
 // the end of the audio can't be told for certain; nothing is left behind
 // then. changes receives what the copy does differently from the input,
-// one line each. The input is read through the layout's one open of it.
+// one line each. The input is read through its layout's one open of it.
 bool MakeTidyCopy(FileLayout& input, const WideString& output, std::vector<std::string>& changes,
                   std::string& problem);

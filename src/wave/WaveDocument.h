@@ -82,7 +82,8 @@ public:
     void SetObserver(ChunkObserver* chunkObserver) { observer = chunkObserver; }
     // Whether the data chunks of the next walks open their frame streams;
     // on at construction. A reader that never asks for frames turns them
-    // off, and the walk opens the file once instead of three times.
+    // off: the walk then opens the file once, where each data chunk would
+    // open it twice more.
     void SetFrameStreams(bool open) { frameStreams = open; }
     bool HasFrameStreams() const { return frameStreams; }
     std::int32_t GetContainerKind() const { return containerKind; }

@@ -152,4 +152,36 @@ TEST(CheckCommandProgram, FoldersInOrderWithLoopsBrokenLinksAndTheirFormats)
               "\"There are bytes after the RIFF chunk. (declared 52, actual 54, at offset 0)\","
               "\"RIFFチャンクの後ろに余分なデータがあります。 [宣言 52, 実際 54, 位置 0]\"\r\n");
 }
+// Each mode reads what its input is once, through one open, and hands that
+// to all that read the file; only the measuring pass opens it once more, to
+// read the audio past the system's cache.
+TEST(CheckCommandProgram, EachModeOpensItsInputOnce)
+{
+    TempDir dir;
+    dir.Write("take.wav", SoundWave(44100));
+    const std::string audio(4000, '\x11');
+    const std::string ds64 = RiffBytes().U64(4 + 36 + 24 + 8 + audio.size()).U64(audio.size()).U64(1000).U32(0).Bytes();
+    dir.Write("take64.wav", RiffBytes().Id("RF64").U32(0xFFFFFFFF).Id("WAVE").Chunk("ds64", ds64)
+                                .Chunk("fmt ", FormatBody(1, 2, 44100, 16)).ChunkWithSize("data", 0xFFFFFFFF, audio).Bytes());
+    const struct {
+        std::vector<std::string> arguments;
+        int opens;
+    } cases[] = {
+        {{"take.wav"}, 1},
+        {{"--levels", "take.wav"}, 2},
+        {{"--levels", "--loudness", "take.wav"}, 2},
+        {{"--chunks", "take.wav"}, 1},
+        {{"--tidy", "copy.wav", "take.wav"}, 1},
+        {{"--levels", "take64.wav"}, 2},
+        {{"--tidy", "copy64.wav", "take64.wav"}, 1},
+    };
+    const std::string count = dir.Native() + "/opens.txt";
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments));
+        const CheckerOutcome outcome =
+            RunChecker(dir, c.arguments, "", FaultSettings(c.arguments.back(), {"SONDARA_FAULT_OPEN_COUNT=" + count}));
+        EXPECT_EQ(outcome.status, 0) << outcome.out << outcome.err;
+        EXPECT_EQ(dir.Read("opens.txt"), std::to_string(c.opens) + "\n");
+    }
+}
 #endif

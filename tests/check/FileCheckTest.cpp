@@ -11,7 +11,7 @@ namespace {
 void CheckPath(const WideString& path, FileCheck& check)
 {
     FileLayout layout(path, kCheckReading);
-    CheckPath(layout, check);
+    CheckFile(layout, check);
 }
 
 std::string Extensible(std::uint16_t subFormat, std::uint16_t channels, std::uint16_t bits)

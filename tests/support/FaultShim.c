@@ -5,8 +5,10 @@
  *     file (a read across it brings the bytes before it first), and/or
  *   - come short: at most SONDARA_FAULT_SHORT_READS bytes a call, and/or
  *   - come slowly: each after SONDARA_FAULT_READ_DELAY_MS milliseconds;
- * and makes the first open of such a file take SONDARA_FAULT_OPEN_DELAY_MS
- * milliseconds, as a file on a slow or sleeping disk does.
+ * makes the first open of such a file take SONDARA_FAULT_OPEN_DELAY_MS
+ * milliseconds, as a file on a slow or sleeping disk does; and counts the
+ * opens of such a file that succeed, writing the count at exit into the file
+ * SONDARA_FAULT_OPEN_COUNT names.
  * For a file opened for direct transfers both numbers must be whole sectors,
  * as the system's own short reads are. Every other file reads as usual. */
 #define _GNU_SOURCE
@@ -14,6 +16,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <stdarg.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/types.h>
@@ -29,6 +32,8 @@ static long long shortReads = 0;
 static long long openDelay = 0;
 static long long readDelay = 0;
 static int delayed;
+static const char* openCountPath;
+static int opens;
 
 static long long NumberFrom(const char* name, long long otherwise)
 {
@@ -45,6 +50,7 @@ __attribute__((constructor)) static void ReadSettings(void)
     shortReads = NumberFrom("SONDARA_FAULT_SHORT_READS", 0);
     openDelay = NumberFrom("SONDARA_FAULT_OPEN_DELAY_MS", 0);
     readDelay = NumberFrom("SONDARA_FAULT_READ_DELAY_MS", 0);
+    openCountPath = getenv("SONDARA_FAULT_OPEN_COUNT");
 }
 
 static void* Real(const char* name)
@@ -52,16 +58,38 @@ static void* Real(const char* name)
     return dlsym(RTLD_NEXT, name);
 }
 
+static int IsChosen(const char* path)
+{
+    return faultPath && path && strstr(path, faultPath) != NULL;
+}
+
 /* Remembers a new descriptor: watched when its path is the chosen one,
  * forgotten otherwise, since a number is used again once it is closed. */
 static int Opened(int descriptor, const char* path)
 {
-    if (openDelay > 0 && faultPath && path && strstr(path, faultPath) != NULL &&
-        !__atomic_exchange_n(&delayed, 1, __ATOMIC_SEQ_CST))
+    const int chosen = IsChosen(path);
+    if (openDelay > 0 && chosen && !__atomic_exchange_n(&delayed, 1, __ATOMIC_SEQ_CST))
         usleep((useconds_t)(openDelay * 1000));
+    if (descriptor >= 0 && chosen)
+        __atomic_add_fetch(&opens, 1, __ATOMIC_SEQ_CST);
     if (descriptor >= 0 && descriptor < kDescriptors)
-        __atomic_store_n(&watched[descriptor], faultPath && path && strstr(path, faultPath) != NULL, __ATOMIC_SEQ_CST);
+        __atomic_store_n(&watched[descriptor], chosen, __ATOMIC_SEQ_CST);
     return descriptor;
+}
+
+__attribute__((destructor)) static void WriteOpenCount(void)
+{
+    if (!openCountPath)
+        return;
+    int (*real)(const char*, int, ...) = Real("open");
+    const int file = real(openCountPath, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (file < 0)
+        return;
+    char text[24];
+    const int length = snprintf(text, sizeof text, "%d\n", __atomic_load_n(&opens, __ATOMIC_SEQ_CST));
+    const ssize_t written = write(file, text, (size_t)length);
+    (void)written;
+    close(file);
 }
 
 static int IsWatched(int descriptor)
