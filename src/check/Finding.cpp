@@ -79,6 +79,14 @@ constexpr FindingKind kKinds[] = {
     {"format.extensible-not-pcm", Severity::Warning, u"拡張フォーマットのサブフォーマットがPCMではありません。",
      "The extensible format's sub-format is not PCM, though the check takes it for PCM.",
      "The audio is not linear integer PCM (float, say); convert it if PCM is needed."},
+
+    // What the audio itself shows; only --levels reads it.
+    {"audio.silent-channel", Severity::Warning, u"デジタルゼロのままのチャンネルがあります。",
+     "A channel is digital zero throughout (every sample 0) while another is not.",
+     "A channel was not recorded, or was lost in a mix or a copy; check the routing, or deliver mono if that is meant."},
+    {"audio.silent", Severity::Warning, u"音声全体が無音のしきい値より小さいです。",
+     "The whole file is below the silence threshold.",
+     "Listen to it: a muted input or a wrong source gives this; lower --silence-threshold if it is meant to be this quiet."},
 };
 
 void AppendFigure(std::u16string& text, std::string& message, const char16_t* label, const char* english,

@@ -7,6 +7,7 @@
 #include "cli/CommandLine.h"
 #include "cli/ConsoleSink.h"
 #include "cli/FileSources.h"
+#include "cli/LevelWarnings.h"
 #include "cli/LevelsPrinter.h"
 #include "cli/ProgressLine.h"
 #include "measure/DeliveryTarget.h"
@@ -45,8 +46,11 @@ bool MeasureFile(const WideString& path, bool json, const LevelOptions& levelOpt
         measured = MeasureLevels(layout, report, problem, levelOptions.loudness, [&](std::int64_t done, std::int64_t total) {
             if (total > 0)
                 progress.Update([&] { return "measuring " + name + ": " + std::to_string(done * 100 / total) + "%"; });
-        });
+        }, levelOptions.meters);
     }
+    // What the audio shows beyond its figures; with --strict, a warning
+    // fails the file as it fails a check.
+    const std::vector<Finding> warnings = measured ? FindLevelWarnings(report) : std::vector<Finding>();
     // Samples that are no number are left out of every figure, and the
     // file is not sound for having them.
     bool sound = measured && CountNonFinite(report) == 0;
@@ -55,11 +59,12 @@ bool MeasureFile(const WideString& path, bool json, const LevelOptions& levelOpt
         misses = FindTargetMisses(levelOptions.target, report.loudness);
         sound = sound && misses.empty();
     }
+    sound = sound && !(levelOptions.strict && !warnings.empty());
     if (json) {
         std::string object = "{\"path\": ";
         AppendJsonString(object, path.View());
         if (measured) {
-            object += ", " + FormatLevelsJson(report);
+            object += ", " + FormatLevelsJson(report, warnings);
             if (levelOptions.hasTarget) {
                 object += ", \"target\": {\"name\": ";
                 AppendJsonString(object, Utf8ToWide(levelOptions.target.name));
@@ -76,7 +81,7 @@ bool MeasureFile(const WideString& path, bool json, const LevelOptions& levelOpt
         }
         sink.Put(object);
     } else {
-        std::string text = measured ? FormatLevelsText(report) : "(" + problem + ")\n";
+        std::string text = measured ? FormatLevelsText(report, warnings) : "(" + problem + ")\n";
         if (measured && levelOptions.hasTarget) {
             if (misses.empty())
                 text += "target " + levelOptions.target.name + ": pass\n";

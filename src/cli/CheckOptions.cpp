@@ -19,9 +19,19 @@ constexpr CheckOption kOptions[] = {
      "INFO entries; marks a size that runs past an end",
      HelpListing::OwnLine},
     {"--levels", "",
-     "per channel peak and RMS in dBFS, DC offset and samples at\n"
-     "full scale, and the duration (8 to 32-bit PCM, 32 and\n"
-     "64-bit float)",
+     "per channel peak and RMS in dBFS, DC offset, samples at\n"
+     "full scale, silence, clipping runs and noise floor, each\n"
+     "stereo pair's correlation, and the duration (8 to 32-bit\n"
+     "PCM, 32 and 64-bit float)",
+     HelpListing::OwnLine},
+    {"--silence-threshold", "DBFS", "--levels with silence below DBFS (default -60)", HelpListing::OwnLine},
+    {"--silence-minimum", "MS",
+     "--levels counting silent runs inside the audio of MS\n"
+     "milliseconds or more (default 100)",
+     HelpListing::OwnLine},
+    {"--clipping-run", "N",
+     "--levels counting runs of N or more equal samples at a\n"
+     "channel's peak as clipping (default 3)",
      HelpListing::OwnLine},
     {"--loudness", "",
      "--levels with the loudness (integrated, range, momentary\n"

@@ -51,7 +51,7 @@ public:
         std::string text = WideToUtf8(check.report.Replaced(u"\r\n", u"\n").View());
         for (const Finding& finding : check.findings) {
             if (finding.kind->severity == Severity::Warning)
-                text += kWarningMark + WideToUtf8(finding.text.View()) + "\n";
+                text += WarningLine(finding);
         }
         sink.Put(text);
     }
@@ -240,6 +240,11 @@ std::unique_ptr<CheckPrinter> MakeCheckPrinter(OutputFormat format, TextSink& si
     case OutputFormat::Text: break;
     }
     return std::make_unique<TextPrinter>(sink, headed);
+}
+
+std::string WarningLine(const Finding& warning)
+{
+    return kWarningMark + WideToUtf8(warning.text.View()) + "\n";
 }
 
 void AppendFindingJson(std::string& out, const Finding& finding)

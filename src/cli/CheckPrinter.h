@@ -38,6 +38,8 @@ public:
 // headed: each file's text is headed by "== PATH" (a run of several files).
 std::unique_ptr<CheckPrinter> MakeCheckPrinter(OutputFormat format, TextSink& sink, bool headed);
 
+// A warning as a line of text, marked as such: "注意：" and its text, LF.
+std::string WarningLine(const Finding& warning);
 // One finding as a JSON object, ASCII only.
 void AppendFindingJson(std::string& out, const Finding& finding);
 // The summary as a line of text, ending in LF.

@@ -51,6 +51,44 @@ unsigned ParseJobs(const std::u16string& text)
     return jobs <= 256 ? jobs : 0;
 }
 
+// The meters' settings: the option, what it takes, and its reading into
+// the settings (false when the value is not one it takes).
+struct MeterOption {
+    std::u16string_view spelling;
+    const char* takes;
+    bool (*read)(const std::u16string& text, MeterSettings& settings);
+};
+
+constexpr MeterOption kMeterOptions[] = {
+    {u"--silence-threshold", "a number of dBFS from -200 to 0",
+     [](const std::u16string& text, MeterSettings& settings) {
+         return ParseDecibels(text, settings.silenceThresholdDb) && settings.silenceThresholdDb >= -200 &&
+                settings.silenceThresholdDb <= 0;
+     }},
+    {u"--silence-minimum", "a number of milliseconds above 0, at most a day",
+     [](const std::u16string& text, MeterSettings& settings) {
+         return ParseDecibels(text, settings.silenceMinimumMs) && settings.silenceMinimumMs > 0 &&
+                settings.silenceMinimumMs <= 86400000;
+     }},
+    {u"--clipping-run", "a whole number from 1 to 1000000",
+     [](const std::u16string& text, MeterSettings& settings) {
+         double run = 0;
+         settings.clippingRun = ParseDecibels(text, run) && run == std::floor(run) && run >= 1 && run <= 1000000
+                                    ? static_cast<std::uint32_t>(run)
+                                    : 0;
+         return settings.clippingRun > 0;
+     }},
+};
+
+const MeterOption* FindMeterOption(const std::u16string& argument)
+{
+    for (const MeterOption& option : kMeterOptions) {
+        if (argument == option.spelling)
+            return &option;
+    }
+    return nullptr;
+}
+
 // The flags as given, in any order; which mode they make is decided once
 // they are all read.
 struct Flags {
@@ -63,6 +101,8 @@ struct Flags {
     bool levels = false;
     bool loudness = false;
     bool tidy = false;
+    MeterSettings meters;
+    bool meterOptions = false;
     WideString tidyOutput;
     std::string targetName;
     double customFigures[3] = {0, 0, 0};
@@ -121,6 +161,11 @@ std::optional<int> ReadFlags(const std::vector<std::u16string>& arguments, Flags
                 return UsageError("sondara-check: " + WideToUtf8(argument) + " takes a number");
             flags.customGiven[which] = true;
             ++i;
+        } else if (const MeterOption* meter = FindMeterOption(argument)) {
+            if (!hasValue || !meter->read(arguments[i + 1], flags.meters))
+                return UsageError("sondara-check: " + WideToUtf8(argument) + " takes " + meter->takes);
+            flags.meterOptions = true;
+            ++i;
         } else if (argument == u"--tidy") {
             if (!hasValue)
                 return UsageError("sondara-check: --tidy needs the path of the copy");
@@ -140,7 +185,7 @@ std::optional<int> ReadFlags(const std::vector<std::u16string>& arguments, Flags
 std::optional<int> DecideMode(Flags& flags, CommandLine& line)
 {
     const bool customTarget = flags.customGiven[0] || flags.customGiven[1] || flags.customGiven[2];
-    const bool levels = flags.levels || flags.loudness || !flags.targetName.empty() || customTarget;
+    const bool levels = flags.levels || flags.loudness || !flags.targetName.empty() || customTarget || flags.meterOptions;
     if (int{flags.chunks} + int{levels} + int{flags.tidy} > 1)
         return UsageError(kOneMode);
     if (flags.formats > 1)
@@ -148,6 +193,8 @@ std::optional<int> DecideMode(Flags& flags, CommandLine& line)
     line.mode = flags.chunks ? RunMode::Chunks : levels ? RunMode::Levels : flags.tidy ? RunMode::Tidy : RunMode::Check;
     LevelOptions& levelOptions = line.levelOptions;
     levelOptions.loudness = flags.loudness || !flags.targetName.empty() || customTarget;
+    levelOptions.meters = flags.meters;
+    levelOptions.strict = flags.strict;
     if (!flags.targetName.empty()) {
         FindDeliveryTarget(flags.targetName, levelOptions.target);
         levelOptions.hasTarget = true;

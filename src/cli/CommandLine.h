@@ -3,6 +3,7 @@
 #include "base/WideString.h"
 #include "cli/CheckPrinter.h"
 #include "measure/DeliveryTarget.h"
+#include "measure/MeterSettings.h"
 
 #include <optional>
 #include <string>
@@ -10,11 +11,14 @@
 
 enum class RunMode { Check, Chunks, Levels, Tidy };
 
-// What --levels measures beyond the levels: loudness, and a target.
+// What --levels measures beyond the levels: loudness, and a target; the
+// settings of the meters that always run; and whether a warning fails.
 struct LevelOptions {
     bool loudness = false;
     bool hasTarget = false;
     DeliveryTarget target;
+    MeterSettings meters;
+    bool strict = false;
 };
 
 // The command line of sondara-check as read: the one mode it asks for, its

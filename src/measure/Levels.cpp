@@ -2,9 +2,13 @@
 
 #include "base/TextFormat.h"
 #include "measure/AudioPlace.h"
+#include "measure/ClippingRunMeter.h"
 #include "measure/LevelMeter.h"
 #include "measure/LoudnessAndPeakMeter.h"
+#include "measure/NoiseFloorMeter.h"
 #include "measure/SampleFormat.h"
+#include "measure/SilenceMeter.h"
+#include "measure/StereoPairMeter.h"
 
 #include <cmath>
 #include <limits>
@@ -25,7 +29,7 @@ double ToDecibels(double fraction)
 }
 
 bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem, bool loudness,
-                   const MeasureProgress& progress)
+                   const MeasureProgress& progress, const MeterSettings& settings)
 {
     report = LevelReport();
     if (!layout.IsExistingFile())
@@ -54,6 +58,10 @@ bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem
     meters.push_back({std::make_unique<LevelMeter>(format), loudness ? HelperShare::None : HelperShare::Half});
     if (loudness)
         meters.push_back({std::make_unique<LoudnessAndPeakMeter>(format), HelperShare::ThreeQuarters});
+    meters.push_back({std::make_unique<SilenceMeter>(format, settings)});
+    meters.push_back({std::make_unique<ClippingRunMeter>(format, settings)});
+    meters.push_back({std::make_unique<NoiseFloorMeter>(format)});
+    meters.push_back({std::make_unique<StereoPairMeter>(format)});
 
     std::int64_t frames = 0;
     if (!RunMeasurePass(layout.GetPath(), place, format, meters, progress, frames, problem))

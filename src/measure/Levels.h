@@ -21,9 +21,12 @@ constexpr LayoutReading kLevelsReading{TreeForm::SlotsOnly, Rf64Reading::AfterWa
 // a rate too low for the K-weighting gives false. A read that fails, or a
 // file that ends before the frames it held when measuring began, gives
 // false: a measurement is of every frame or none. progress, when given,
-// hears of the frames measured after each read.
+// hears of the frames measured after each read. Every measurement also
+// finds each channel's silence, clipping runs and noise floor and each
+// stereo pair's correlation, as settings asks.
 bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem, bool loudness = false,
-                   const MeasureProgress& progress = {});
+                   const MeasureProgress& progress = {},
+                   const MeterSettings& settings = {});
 
 // The samples of all channels that no figure could take in: a measured
 // file with any is a finding.

@@ -24,6 +24,19 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
                               "       sondara-check [--json] --tidy OUT FILE\n";
     const std::string soundChunks = "RIFF at 0, 52 bytes, form WAVE\n  fmt  at 12, 16 bytes\n  data at 36, 16 bytes\n";
     const std::string silentChannel = "peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n";
+    // The meters beyond the levels on two channels of silence.
+    const auto silentMeters = [](const std::string& threshold) {
+        std::string lines;
+        for (const std::string& kind : {"silence below " + threshold + " dBFS: lead 0.000 s, tail 0.000 s, longest inside "
+                                       "0.000 s, 0 silent runs inside of 0.100 s or more, digital zero throughout",
+                                       std::string("0 runs of 3 or more equal samples at the peak, longest 0"),
+                                       std::string("noise floor none (quietest 0.5 s window RMS, a window every 0.1 s)")})
+            lines += "channel 1: " + kind + "\nchannel 2: " + kind + "\n";
+        return lines + "channels 1-2: correlation none, lowest over 0.4 s blocks none, dual mono\n";
+    };
+    const std::string silentJson = "\"silence\": {\"lead\": 0.000091, \"tail\": 0.000091, \"longestInside\": 0.000000, "
+                                   "\"runs\": 0, \"runStarts\": [], \"digitalZero\": true}, "
+                                   "\"clippingRuns\": {\"runs\": 0, \"longest\": 0}, \"noiseFloor\": null";
     const std::string clear = "チェック完了しました。\n";
     const std::string notRiff = "RIFF形式ではありません。\n";
     const std::string noFile = "ファイルがありません。\n";
@@ -61,12 +74,25 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
         {{"--chunks", "sound.wav"}, 0, soundChunks, ""},
         {{"--chunks", "missing.wav", "sound.wav"}, 1, "== missing.wav\n(no such file)\n== sound.wav\n" + soundChunks, ""},
         {{"--json", "--chunks", "--", "-x"}, 1, "[\n  {\"path\": \"-x\", \"error\": \"not a RIFF file\"}\n]\n", ""},
+        // Silence gives its warning after the figures, and with --strict
+        // fails; a meter's setting out of its range is bad usage.
         {{"--levels", "sound.wav"}, 0,
-         "duration 0:00.000 (4 frames at 44,100 Hz, 16-bit)\nchannel 1: " + silentChannel + "channel 2: " + silentChannel, ""},
+         "duration 0:00.000 (4 frames at 44,100 Hz, 16-bit)\nchannel 1: " + silentChannel + "channel 2: " + silentChannel +
+             silentMeters("-60.0") + "注意：音声全体が無音のしきい値より小さいです。\n", ""},
+        {{"--strict", "--silence-threshold", "-90", "sound.wav"}, 1,
+         "duration 0:00.000 (4 frames at 44,100 Hz, 16-bit)\nchannel 1: " + silentChannel + "channel 2: " + silentChannel +
+             silentMeters("-90.0") + "注意：音声全体が無音のしきい値より小さいです。\n", ""},
+        {{"--clipping-run", "0", "sound.wav"}, 2, "", "sondara-check: --clipping-run takes a whole number from 1 to 1000000\n" + usage},
         {{"--json", "--levels", "sound.wav"}, 0,
          "[\n  {\"path\": \"sound.wav\", \"frames\": 4, \"sampleRate\": 44100, \"bits\": 16, \"seconds\": 0.000091, "
-         "\"channels\": [{\"peak\": null, \"rms\": null, \"dcOffset\": 0.000000, \"fullScale\": 0}, "
-         "{\"peak\": null, \"rms\": null, \"dcOffset\": 0.000000, \"fullScale\": 0}]}\n]\n", ""},
+         "\"channels\": [{\"peak\": null, \"rms\": null, \"dcOffset\": 0.000000, \"fullScale\": 0, " + silentJson + "}, "
+         "{\"peak\": null, \"rms\": null, \"dcOffset\": 0.000000, \"fullScale\": 0, " + silentJson + "}], "
+         "\"silenceThreshold\": -60.00, \"silenceMinimum\": 0.100000, \"clippingRun\": 3, "
+         "\"noiseFloorMethod\": \"quietest 0.5 s window RMS, a window every 0.1 s\", \"pairs\": [{\"channels\": [1, 2], "
+         "\"correlation\": null, \"lowestBlockCorrelation\": null, \"dualMono\": true, \"inverse\": false}], "
+         "\"findings\": [{\"code\": \"audio.silent\", \"severity\": \"warning\", "
+         "\"message\": \"The whole file is below the silence threshold.\", \"text\": "
+         "\"\\u97f3\\u58f0\\u5168\\u4f53\\u304c\\u7121\\u97f3\\u306e\\u3057\\u304d\\u3044\\u5024\\u3088\\u308a\\u5c0f\\u3055\\u3044\\u3067\\u3059\\u3002\"}]}\n]\n", ""},
         {{"--levels", "--chunks", "sound.wav"}, 2, "", "sondara-check: --chunks, --levels and --tidy go one at a time\n" + usage},
         {{"--tidy"}, 2, "", "sondara-check: --tidy needs the path of the copy\n" + usage},
         {{"--tidy", "copy.wav", "sound.wav", "-"}, 2, "", "sondara-check: --tidy copies one file at a time\n" + usage},

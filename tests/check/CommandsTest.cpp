@@ -43,7 +43,14 @@ std::string Levels(const WideString& path)
     FileLayout layout(path, kLevelsReading);
     LevelReport report;
     std::string problem;
-    return MeasureLevels(layout, report, problem) ? FormatLevelsText(report) : problem;
+    if (!MeasureLevels(layout, report, problem))
+        return problem;
+    // The levels alone: the meters beyond them are tried on their own.
+    report.silence.clear();
+    report.clippingRuns.clear();
+    report.noiseFloor.clear();
+    report.pairs.clear();
+    return FormatLevelsText(report);
 }
 
 bool Tidy(const WideString& input, const WideString& output, std::vector<std::string>& changes, std::string& problem)

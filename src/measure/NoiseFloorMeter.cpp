@@ -1,0 +1,80 @@
+#include "measure/NoiseFloorMeter.h"
+
+#include "measure/ChannelSamples.h"
+
+#include <algorithm>
+#include <cmath>
+
+NoiseFloorMeter::NoiseFloorMeter(const SampleFormat& format)
+    : format(format), channels(format.channels)
+{
+    // A tenth of a second, to the nearest frame; a window is five of them.
+    stepFrames = std::max<std::uint32_t>(1, static_cast<std::uint32_t>(std::lround(format.sampleRate * kNoiseStepSeconds)));
+}
+
+// Takes in the step just ended (the count of steps already includes it) and
+// the window that ends with it, once there are enough steps for one.
+void NoiseFloorMeter::EndStep(Channel& channel) const
+{
+    channel.last[(steps - 1) % kNoiseWindowSteps] = channel.current;
+    channel.current = {};
+    if (steps < kNoiseWindowSteps)
+        return;
+    // Oldest first, so the sum is the same whatever the steps' places in
+    // the ring.
+    double squares = 0;
+    bool sound = false;
+    for (std::uint64_t s = steps - kNoiseWindowSteps; s < steps; ++s) {
+        const Step& step = channel.last[s % kNoiseWindowSteps];
+        squares += (step.squares[0] + step.squares[1]) + (step.squares[2] + step.squares[3]);
+        sound = sound || step.sound;
+    }
+    if (sound && (channel.quietest < 0 || squares < channel.quietest))
+        channel.quietest = squares;
+}
+
+template <typename Samples>
+void NoiseFloorMeter::AddChannel(const Samples& view, Channel& channel) const
+{
+    const Samples samples = view;
+    Step step = channel.current;
+    ForEachInLanes(samples.count, stepDone, [&](std::uint32_t i, auto lane) {
+        const double v = samples[i];
+        step.squares[lane] += v * v;
+        step.sound |= v != 0;
+    });
+    channel.current = step;
+}
+
+// A block is cut where steps end, so that the loop over a channel's samples
+// is the plain sum of squares.
+void NoiseFloorMeter::AddBytes(const RawFrames& frames)
+{
+    for (std::uint32_t done = 0; done < frames.frames;) {
+        const std::uint32_t part = std::min(frames.frames - done, stepFrames - stepDone);
+        const RawFrames piece{frames.data + std::size_t{done} * frames.stride, part, frames.stride};
+        for (std::uint32_t c = 0; c < channels.size(); ++c)
+            ViewChannel(format, piece, c, [&](const auto& samples) { AddChannel(samples, channels[c]); });
+        done += part;
+        stepDone += part;
+        if (stepDone == stepFrames) {
+            stepDone = 0;
+            ++steps;
+            for (Channel& channel : channels)
+                EndStep(channel);
+        }
+    }
+}
+
+void NoiseFloorMeter::Finish(LevelReport& report)
+{
+    const double windowFrames = static_cast<double>(stepFrames) * kNoiseWindowSteps;
+    report.noiseWindowFrames = static_cast<std::int64_t>(stepFrames) * kNoiseWindowSteps;
+    report.noiseStepFrames = stepFrames;
+    for (const Channel& channel : channels) {
+        if (channel.quietest < 0)
+            report.noiseFloor.push_back(std::nullopt);
+        else
+            report.noiseFloor.push_back(std::sqrt(channel.quietest / windowFrames));
+    }
+}
