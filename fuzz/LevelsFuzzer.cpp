@@ -2,7 +2,8 @@
 // checker reads them: any format the meters take, floats with NaN and
 // infinities among them, RIFF and RF64. A measurement holds no more frames
 // than the file, counts no more samples apart than it measured, and has
-// finite figures, or none (-inf) only where there is silence; its lines
+// finite figures, or none (-inf) only where there is silence; the meters
+// beyond the levels give figures inside what the file holds; its lines
 // print. A refusal says why.
 #include "cli/LevelsPrinter.h"
 #include "measure/Levels.h"
@@ -11,6 +12,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace {
@@ -51,6 +53,28 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             FailInvariant("a channel's count of samples left out is wrong");
         if (levels.rms > levels.peak * (1 + 1e-9) + 1e-300)
             FailInvariant("an RMS above the peak");
+    }
+    // The meters beyond the levels: a figure for each channel and pair,
+    // inside what the file holds.
+    if (report.silence.size() != channels || report.clippingRuns.size() != channels ||
+        report.noiseFloor.size() != channels || report.pairs.size() != channels / 2)
+        FailInvariant("a meter's figures missing");
+    for (std::size_t c = 0; c < channels; ++c) {
+        const ChannelSilence& silence = report.silence[c];
+        if (silence.lead > report.frames || silence.tail > report.frames || silence.longestInside > report.frames ||
+            silence.runStarts.size() > silence.runs || (silence.digitalZero && silence.lead != report.frames))
+            FailInvariant("silence beyond the frames, or digital zero that is not silent");
+        if (report.clippingRuns[c].longest > static_cast<std::uint64_t>(report.frames))
+            FailInvariant("a clipping run longer than the file");
+        const std::optional<double>& floor = report.noiseFloor[c];
+        if (floor && !(*floor >= 0 && *floor <= report.channels[c].peak * (1 + 1e-9)))
+            FailInvariant("a noise floor above the peak");
+    }
+    for (const PairFigures& pair : report.pairs) {
+        for (const std::optional<double>& figure : {pair.correlation, pair.lowestBlock}) {
+            if (figure && !(*figure >= -1 && *figure <= 1))
+                FailInvariant("a correlation beyond -1 to 1");
+        }
     }
     if (!report.hasLoudness || report.loudness.truePeak.size() != channels)
         FailInvariant("loudness asked for and not given");

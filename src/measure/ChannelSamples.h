@@ -3,6 +3,7 @@
 #include "measure/Meter.h"
 #include "measure/SampleFormat.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <type_traits>
@@ -92,6 +93,25 @@ void ForEachInLanes(std::uint32_t count, std::uint32_t place, Add&& add)
     }
     for (; i < count; ++i)
         one(i);
+}
+
+// Calls add with the parts of frames cut where steps of stepFrames frames
+// end (the steps of a window, the blocks of a correlation), and then ended
+// after each step that ends there; done counts the frames of the step under
+// way, and still holds its count before a part while add takes it in.
+template <typename Add, typename Ended>
+void CutAtSteps(const RawFrames& frames, std::uint32_t stepFrames, std::uint32_t& done, Add&& add, Ended&& ended)
+{
+    for (std::uint32_t at = 0; at < frames.frames;) {
+        const std::uint32_t part = std::min(frames.frames - at, stepFrames - done);
+        add(RawFrames{frames.data + std::size_t{at} * frames.stride, part, frames.stride});
+        at += part;
+        done += part;
+        if (done == stepFrames) {
+            done = 0;
+            ended();
+        }
+    }
 }
 
 // Calls visit with the view of channel c of the frames, typed by the

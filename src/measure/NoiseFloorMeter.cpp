@@ -50,20 +50,17 @@ void NoiseFloorMeter::AddChannel(const Samples& view, Channel& channel) const
 // is the plain sum of squares.
 void NoiseFloorMeter::AddBytes(const RawFrames& frames)
 {
-    for (std::uint32_t done = 0; done < frames.frames;) {
-        const std::uint32_t part = std::min(frames.frames - done, stepFrames - stepDone);
-        const RawFrames piece{frames.data + std::size_t{done} * frames.stride, part, frames.stride};
-        for (std::uint32_t c = 0; c < channels.size(); ++c)
-            ViewChannel(format, piece, c, [&](const auto& samples) { AddChannel(samples, channels[c]); });
-        done += part;
-        stepDone += part;
-        if (stepDone == stepFrames) {
-            stepDone = 0;
+    CutAtSteps(
+        frames, stepFrames, stepDone,
+        [&](const RawFrames& part) {
+            for (std::uint32_t c = 0; c < channels.size(); ++c)
+                ViewChannel(format, part, c, [&](const auto& samples) { AddChannel(samples, channels[c]); });
+        },
+        [&] {
             ++steps;
             for (Channel& channel : channels)
                 EndStep(channel);
-        }
-    }
+        });
 }
 
 void NoiseFloorMeter::Finish(LevelReport& report)

@@ -54,24 +54,21 @@ void StereoPairMeter::AddPair(const Samples& leftView, const Samples& rightView,
 // A block is cut where the blocks of the correlation end.
 void StereoPairMeter::AddBytes(const RawFrames& frames)
 {
-    for (std::uint32_t done = 0; done < frames.frames;) {
-        const std::uint32_t part = std::min(frames.frames - done, blockFrames - blockDone);
-        const RawFrames piece{frames.data + std::size_t{done} * frames.stride, part, frames.stride};
-        for (std::uint32_t p = 0; p < pairs.size(); ++p)
-            ViewPair(format, piece, 2 * p, [&](const auto& left, const auto& right) { AddPair(left, right, pairs[p]); });
-        done += part;
-        blockDone += part;
-        if (blockDone < blockFrames)
-            continue;
-        blockDone = 0;
-        for (Pair& pair : pairs) {
-            const Sums block = Folded(pair.block);
-            if (const std::optional<double> correlation = Correlation(block.both, block.left, block.right))
-                pair.lowest = std::min(pair.lowest, *correlation);
-            pair.whole = {pair.whole.both + block.both, pair.whole.left + block.left, pair.whole.right + block.right};
-            pair.block = {};
-        }
-    }
+    CutAtSteps(
+        frames, blockFrames, blockDone,
+        [&](const RawFrames& part) {
+            for (std::uint32_t p = 0; p < pairs.size(); ++p)
+                ViewPair(format, part, 2 * p, [&](const auto& left, const auto& right) { AddPair(left, right, pairs[p]); });
+        },
+        [&] {
+            for (Pair& pair : pairs) {
+                const Sums block = Folded(pair.block);
+                if (const std::optional<double> correlation = Correlation(block.both, block.left, block.right))
+                    pair.lowest = std::min(pair.lowest, *correlation);
+                pair.whole = {pair.whole.both + block.both, pair.whole.left + block.left, pair.whole.right + block.right};
+                pair.block = {};
+            }
+        });
 }
 
 void StereoPairMeter::Finish(LevelReport& report)

@@ -1,0 +1,117 @@
+// The meters that keep all their work, fed their frames cut anywhere: what
+// they give on the whole, to the last bit, since the pass cuts a file's
+// frames where its reads end.
+#include "measure/ClippingRunMeter.h"
+#include "measure/NoiseFloorMeter.h"
+#include "measure/SilenceMeter.h"
+#include "measure/StereoPairMeter.h"
+#include "support/RiffBytes.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::string Exact(double value)
+{
+    char text[40];
+    std::snprintf(text, sizeof text, "%a ", value);
+    return text;
+}
+
+// Every figure of the four meters, doubles to the bit.
+std::string Describe(const LevelReport& report)
+{
+    std::string text;
+    for (const ChannelSilence& s : report.silence) {
+        text += "silence " + std::to_string(s.lead) + " " + std::to_string(s.tail) + " " + std::to_string(s.longestInside) +
+                " " + std::to_string(s.runs) + (s.digitalZero ? " zero" : "") + " starts";
+        for (std::int64_t start : s.runStarts)
+            text += " " + std::to_string(start);
+        text += "\n";
+    }
+    for (const ClippingRuns& runs : report.clippingRuns)
+        text += "clipping " + std::to_string(runs.runs) + " " + std::to_string(runs.longest) + "\n";
+    for (const std::optional<double>& floor : report.noiseFloor)
+        text += "floor " + (floor ? Exact(*floor) : "none") + "\n";
+    for (const PairFigures& pair : report.pairs)
+        text += "pair " + (pair.correlation ? Exact(*pair.correlation) : "none") +
+                (pair.lowestBlock ? Exact(*pair.lowestBlock) : "none") + std::to_string(pair.identical) +
+                std::to_string(pair.inverse) + "\n";
+    return text;
+}
+
+std::string MeasureInParts(const SampleFormat& format, const std::string& bytes, std::uint32_t frames,
+                           const std::vector<std::uint32_t>& cuts)
+{
+    MeterSettings settings;
+    settings.silenceMinimumMs = 20;
+    SilenceMeter silence(format, settings);
+    ClippingRunMeter clipping(format, settings);
+    NoiseFloorMeter noise(format);
+    StereoPairMeter pairs(format);
+    std::uint32_t first = 0;
+    for (std::size_t i = 0; i <= cuts.size(); ++i) {
+        const std::uint32_t last = i < cuts.size() ? cuts[i] : frames;
+        const RawFrames part{reinterpret_cast<const std::uint8_t*>(bytes.data()) + std::size_t{first} * format.stride,
+                             last - first, format.stride};
+        for (Meter* meter : std::initializer_list<Meter*>{&silence, &clipping, &noise, &pairs})
+            meter->AddBytes(part);
+        first = last;
+    }
+    LevelReport report;
+    report.frames = frames;
+    for (Meter* meter : std::initializer_list<Meter*>{&silence, &clipping, &noise, &pairs})
+        meter->Finish(report);
+    return Describe(report);
+}
+
+} // namespace
+
+// Random samples with stretches of zeros (silent runs, windows of digital
+// silence) and of one repeated frame (runs at the peak, dual mono), in
+// every kind, frames with room to spare among them; cut after one frame,
+// at odd places, and just past a read's worth.
+TEST(MeterCuts, FramesInPartsGiveWhatTheWholeGives)
+{
+    const struct {
+        const char* name;
+        std::uint16_t tag, channels, bits, align;
+    } cases[] = {
+        {"8-bit, 3 channels", 1, 3, 8, 3},      {"16-bit stereo", 1, 2, 16, 4},
+        {"24-bit stereo, 2 bytes spare", 1, 2, 24, 8}, {"32-bit stereo", 1, 2, 32, 8},
+        {"32-bit float, 4 channels", 3, 4, 32, 16}, {"64-bit float stereo", 3, 2, 64, 16},
+    };
+    std::mt19937 random(11);
+    constexpr std::uint32_t kFrames = 20000; // 2.5 s at 8 kHz: several windows and blocks
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        SampleFormat format;
+        std::string problem;
+        const std::string body = FormatBodyAligned(c.tag, c.channels, 8000, c.bits, c.align);
+        ASSERT_TRUE(ReadSampleFormat(reinterpret_cast<const std::uint8_t*>(body.data()), 16, format, problem)) << problem;
+        std::string bytes(std::size_t{kFrames} * c.align, '\0');
+        for (char& byte : bytes)
+            byte = static_cast<char>(random() % 7 == 0 ? 0x7f : random());
+        // Floats made from random bytes are mostly no level; keep them small.
+        if (c.tag == 3) {
+            for (std::size_t at = c.bits / 8 - 1; at < bytes.size(); at += c.bits / 8)
+                bytes[at] = static_cast<char>(0x3f);
+        }
+        std::memset(bytes.data() + 3000 * c.align, 0, 2500 * c.align);
+        std::memset(bytes.data() + 9000 * c.align, 0, 700 * c.align);
+        for (std::uint32_t f = 12001; f < 12400; ++f)
+            std::memcpy(bytes.data() + std::size_t{f} * c.align, bytes.data() + 12000 * c.align, c.align);
+        const std::string whole = MeasureInParts(format, bytes, kFrames, {});
+        for (const std::vector<std::uint32_t>& cuts : std::vector<std::vector<std::uint32_t>>{
+                 {1}, {1, 2, 19, 4097, 12005}, {3001, 5499, 5500, 9999, 19999}}) {
+            SCOPED_TRACE(cuts.back());
+            EXPECT_EQ(MeasureInParts(format, bytes, kFrames, cuts), whole);
+        }
+    }
+}
