@@ -57,6 +57,8 @@ windows()
     "$strip" -o "$folder/Sondara.exe" "$build/Sondara.exe"
     "$strip" -o "$folder/sondara-check.exe" "$build/sondara-check.exe"
     cp layout/Main.jpn "$folder/Main.jpn"
+    # The shipped delivery policies, where --policy NAME finds them.
+    cp -r policies "$folder/policies"
     # The guide as Windows editors want it: a byte order mark, CR LF.
     { printf '\xEF\xBB\xBF'; sed "s/@VERSION@/$version/g; s/\$/\r/" packaging/guide-ja.txt; } >"$folder/README-ja.txt"
     cp packaging/LICENSE.txt packaging/NOTICES.txt "$folder/"
@@ -69,6 +71,8 @@ windows x86_64 build/windows x86_64-w64-mingw32-strip
 # tarball holds it.
 root="$stage/deb"
 mkdir -p "$root/DEBIAN" "$root/usr/bin" "$root/usr/share/man/man1" "$root/usr/share/doc/sondara-check"
+mkdir -p "$root/usr/share/sondara-check/policies"
+cp policies/*.toml "$root/usr/share/sondara-check/policies/"
 strip -o "$root/usr/bin/sondara-check" build/native/sondara-check
 sed "s/@VERSION@/$version/g" packaging/sondara-check.1 | gzip -9n >"$root/usr/share/man/man1/sondara-check.1.gz"
 cp packaging/LICENSE.txt "$root/usr/share/doc/sondara-check/copyright"
@@ -82,6 +86,7 @@ dpkg-deb --root-owner-group -Zxz --build "$root" "$dist/sondara-check_${version}
 tarball="sondara-check-$version-linux-x86_64"
 mkdir -p "$stage/$tarball"
 cp -a "$root/usr/bin/sondara-check" "$stage/$tarball/"
+cp -a "$root/usr/share/sondara-check/policies" "$stage/$tarball/policies"
 sed "s/@VERSION@/$version/g" packaging/sondara-check.1 >"$stage/$tarball/sondara-check.1"
 cp packaging/LICENSE.txt packaging/NOTICES.txt "$stage/$tarball/"
 find "$stage/$tarball" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +

@@ -10,6 +10,9 @@ set -euo pipefail
 packages=(
     # The native build and its tests.
     cmake ninja-build g++ googletest
+    # The reader of delivery policies (TOML), header-only: the same headers
+    # serve the native and the Windows builds.
+    libtomlplusplus-dev
     # The Windows builds, and Wine on a virtual display to run them.
     g++-mingw-w64-x86-64 g++-mingw-w64-i686 mingw-w64-tools
     wine wine64 xvfb xdotool imagemagick fonts-noto-cjk fonts-wine

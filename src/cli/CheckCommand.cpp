@@ -165,6 +165,7 @@ int RunCheckMode(const CommandLine& line, FileSources& sources)
     run.format = line.format;
     run.jobs = line.jobs;
     run.strict = line.strict;
+    run.policy = line.policy ? &*line.policy : nullptr;
     run.flushEachFile = line.format == OutputFormat::JsonLines || platform::IsStandardOutputTerminal();
     return RunChecks(sources, run, sink);
 }

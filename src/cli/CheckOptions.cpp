@@ -8,7 +8,13 @@ constexpr CheckOption kOptions[] = {
     {"--json", "", "one JSON array: path, report, hasError and findings", HelpListing::OwnLine},
     {"--jsonl", "", "one JSON object a line, and a summary line at the end", HelpListing::OwnLine},
     {"--csv", "", "one row a finding (UTF-8 with a byte order mark)", HelpListing::OwnLine},
-    {"--strict", "", "warnings count as findings for the exit status", HelpListing::OwnLine},
+    {"--strict", "", "warnings, and a policy's warns, count as findings for the\nexit status", HelpListing::OwnLine},
+    {"--policy", "FILE",
+     "hold each file to a delivery policy: a TOML file of rules, or\n"
+     "the name of a shipped one (ebu-r128, atsc-a85, streaming, acx,\n"
+     "podcast, archive-master, game-asset); a fail makes the exit\n"
+     "status 1",
+     HelpListing::OwnLine},
     {"-j", "N", "check N files at once (default: one a core)", HelpListing::OwnLine},
     {"-0", "",
      "the paths on standard input end in a zero byte, as\n"
@@ -57,7 +63,7 @@ constexpr CheckOption kOptions[] = {
     {"--", "", "every argument after it is a path, even one that begins with -", HelpListing::Unlisted},
 };
 
-constexpr char kUsage[] = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [-j N] FILE...\n"
+constexpr char kUsage[] = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [--policy FILE] [-j N] FILE...\n"
                           "       sondara-check [--json] [--chunks | --levels [--loudness] [--target NAME]] FILE...\n"
                           "       sondara-check [--json] --tidy OUT FILE\n";
 constexpr char kAbout[] = "Checks WAV files as the Sondara window does and prints a report for each,\n"
@@ -66,8 +72,9 @@ constexpr char kAbout[] = "Checks WAV files as the Sondara window does and print
                           "(paths from standard input, one a line).\n";
 constexpr char kExitStatus[] = "Exit status:\n"
                                "  0  every report is clear (warnings alone too, unless --strict)\n"
-                               "  1  a report has a finding, a path can't be read, or with --strict a\n"
-                               "     file has a warning; a file can't be listed, measured or copied\n"
+                               "  1  a report has a finding, a path can't be read, a policy fails, or\n"
+                               "     with --strict a file has a warning or a policy warns; a file can't\n"
+                               "     be listed, measured or copied\n"
                                "  2  bad usage\n"
                                "A folder, or standard input, that gives no file to check is said on\n"
                                "standard error, and makes the exit status 1.\n";

@@ -2,6 +2,7 @@
 
 #include "base/TextFormat.h"
 #include "base/Utf8.h"
+#include "cli/PolicyFormat.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ class TextPrinter : public CheckPrinter {
 public:
     TextPrinter(TextSink& sink, bool headed) : sink(sink), headed(headed) {}
 
-    void File(const FileCheck& check) override
+    void File(const FileCheck& check, const PolicyVerdict* verdict) override
     {
         Head(check.path);
         if (check.unreadable) {
@@ -53,7 +54,7 @@ public:
             if (finding.kind->severity == Severity::Warning)
                 text += WarningLine(finding);
         }
-        sink.Put(text);
+        sink.Put(verdict ? text + FormatPolicyText(*verdict) : text);
     }
     void Unreadable(const WideString& path, const std::string& code) override
     {
@@ -84,7 +85,7 @@ public:
     explicit JsonPrinter(TextSink& sink) : sink(sink) {}
 
     void Begin() override { sink.Put("["); }
-    void File(const FileCheck& check) override
+    void File(const FileCheck& check, const PolicyVerdict* verdict) override
     {
         if (check.unreadable) {
             Unreadable(check.path, "file.unreadable");
@@ -96,7 +97,8 @@ public:
             object += ", \"report\": ";
             AppendJsonString(object, check.report.View());
             object += std::string(", \"hasError\": ") + (check.hasError ? "true" : "false");
-            object += ", " + FindingsJson(check.findings) + "}";
+            object += ", " + FindingsJson(check.findings);
+            object += (verdict ? ", " + FormatPolicyJson(*verdict) : std::string()) + "}";
         }
         sink.Put(object);
     }
@@ -129,7 +131,7 @@ class JsonLinesPrinter : public CheckPrinter {
 public:
     explicit JsonLinesPrinter(TextSink& sink) : sink(sink) {}
 
-    void File(const FileCheck& check) override
+    void File(const FileCheck& check, const PolicyVerdict* verdict) override
     {
         if (check.unreadable) {
             Unreadable(check.path, "file.unreadable");
@@ -140,7 +142,7 @@ public:
         object += ", \"report\": ";
         AppendJsonString(object, check.report.View());
         object += std::string(", \"hasError\": ") + (check.hasError ? "true" : "false");
-        sink.Put(object + ", " + FindingsJson(check.findings) + "}\n");
+        sink.Put(object + ", " + FindingsJson(check.findings) + (verdict ? ", " + FormatPolicyJson(*verdict) : "") + "}\n");
     }
     void Unreadable(const WideString& path, const std::string& code) override
     {
@@ -173,7 +175,7 @@ public:
         sink.Put("\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\","
                  "\"message\",\"text\"\r\n");
     }
-    void File(const FileCheck& check) override
+    void File(const FileCheck& check, const PolicyVerdict* verdict) override
     {
         if (check.unreadable) {
             Unreadable(check.path, "file.unreadable");
@@ -187,6 +189,12 @@ public:
         }
         for (const Finding& finding : check.findings)
             Row(check.path, SeverityName(finding.kind->severity), finding.kind->code, finding);
+        // A row for each rule, its outcome in the severity's column.
+        for (const RuleVerdict& rule : verdict ? verdict->rules : std::vector<RuleVerdict>{}) {
+            Finding outcome;
+            outcome.message = FormatRuleSentence(rule);
+            Row(check.path, RuleOutcomeName(rule.outcome), "policy." + rule.rule->name, outcome);
+        }
     }
     void Unreadable(const WideString& path, const std::string& code) override
     {

@@ -2,6 +2,7 @@
 
 #include "check/FileCheck.h"
 #include "cli/TextSink.h"
+#include "policy/PolicyJudge.h"
 
 #include <cstdint>
 #include <memory>
@@ -30,7 +31,8 @@ class CheckPrinter {
 public:
     virtual ~CheckPrinter() = default;
     virtual void Begin() {}
-    virtual void File(const FileCheck& check) = 0;
+    // verdict: the policy's on the file, when the run has one.
+    virtual void File(const FileCheck& check, const PolicyVerdict* verdict) = 0;
     virtual void Unreadable(const WideString& path, const std::string& reason) = 0;
     virtual void End(const RunSummary& summary) = 0;
 };

@@ -2,7 +2,9 @@
 
 #include "base/TextFormat.h"
 #include "cli/ProgressLine.h"
+#include "measure/Levels.h"
 #include "platform/Console.h"
+#include "policy/PolicyJudge.h"
 #include "wave/FileLayout.h"
 
 #include <algorithm>
@@ -17,6 +19,7 @@ namespace {
 struct CheckedPath {
     SourcePath source;
     FileCheck check;
+    FileFacts facts; // with a policy only
 };
 
 // The checks run on threads of the language's library: the checker needs
@@ -26,7 +29,8 @@ struct CheckedPath {
 // being handed over.
 class OrderedChecks {
 public:
-    OrderedChecks(FileSources& sources, unsigned jobs) : sources(sources), window(jobs * 8), results(window)
+    OrderedChecks(FileSources& sources, unsigned jobs, const Policy* policy)
+        : sources(sources), policy(policy), window(jobs * 8), results(window)
     {
         for (unsigned i = 0; i < jobs; ++i)
             workers.emplace_back([this] { Work(); });
@@ -96,8 +100,12 @@ private:
             }
             if (got) {
                 if (checked.source.unreadable.empty()) {
-                    FileLayout layout(checked.source.path, kCheckReading);
+                    // A policy reads the file's audio place, an RF64 file's
+                    // included, from the same layout.
+                    FileLayout layout(checked.source.path, policy ? kLevelsReading : kCheckReading);
                     CheckFile(layout, checked.check);
+                    if (policy && !checked.check.unreadable)
+                        GatherFacts(layout, policy->Depth(), checked.facts);
                 }
                 std::lock_guard<std::mutex> hold(lock);
                 results[index % window] = std::move(checked);
@@ -109,6 +117,7 @@ private:
     }
 
     FileSources& sources;
+    const Policy* policy;
     std::mutex sourcesLock;
     std::size_t pulled = 0; // under sourcesLock: paths taken from the sources
 
@@ -140,7 +149,10 @@ int RunChecks(FileSources& sources, const CheckRunOptions& options, TextSink& si
     bool failed = false;
     printer->Begin();
     {
-        OrderedChecks checks(sources, jobs);
+        OrderedChecks checks(sources, jobs, options.policy);
+        std::optional<PolicyJudge> judge;
+        if (options.policy)
+            judge.emplace(*options.policy);
         ProgressLine progress;
         CheckedPath checked;
         for (std::size_t count = 1; checks.Take(checked); ++count) {
@@ -153,9 +165,15 @@ int RunChecks(FileSources& sources, const CheckRunOptions& options, TextSink& si
                 failed = true;
             } else {
                 summary.Count(checked.check);
-                printer->File(checked.check);
+                std::optional<PolicyVerdict> verdict;
+                if (judge && !checked.check.unreadable)
+                    verdict = judge->Judge(checked.check, checked.facts);
+                printer->File(checked.check, verdict ? &*verdict : nullptr);
                 failed = failed || checked.check.unreadable || checked.check.hasError ||
                          (options.strict && checked.check.HasWarnings());
+                if (verdict)
+                    failed = failed || verdict->outcome == RuleOutcome::Fail ||
+                             (options.strict && verdict->outcome == RuleOutcome::Warn);
             }
             if (options.flushEachFile)
                 sink.Flush();

@@ -2,6 +2,7 @@
 
 #include "cli/CheckPrinter.h"
 #include "cli/FileSources.h"
+#include "policy/Policy.h"
 
 struct CheckRunOptions {
     OutputFormat format = OutputFormat::Text;
@@ -9,6 +10,8 @@ struct CheckRunOptions {
     unsigned jobs = 0;
     // Warnings make the exit status 1 too.
     bool strict = false;
+    // Each file is held to it too: its audio read when a rule needs it.
+    const Policy* policy = nullptr;
     // Each file's result goes out as soon as it is printed: for a person at
     // the terminal, and for a program that reads JSON Lines as they come.
     bool flushEachFile = false;
@@ -19,5 +22,5 @@ struct CheckRunOptions {
 // their order, then the summary. Only a window of paths and results ahead
 // of the printer is held, so a run of any length needs the same memory.
 // Gives the exit status: 0 when every report is clear (and, with strict,
-// no file has a warning), 1 otherwise.
+// no file has a warning) and every file passes the policy, 1 otherwise.
 int RunChecks(FileSources& sources, const CheckRunOptions& options, TextSink& sink);

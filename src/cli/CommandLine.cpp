@@ -105,6 +105,7 @@ struct Flags {
     bool meterOptions = false;
     WideString tidyOutput;
     std::string targetName;
+    std::optional<Policy> policy;
     double customFigures[3] = {0, 0, 0};
     bool customGiven[3] = {false, false, false};
     std::vector<WideString> paths;
@@ -155,6 +156,13 @@ std::optional<int> ReadFlags(const std::vector<std::u16string>& arguments, Flags
                 return UsageError("sondara-check: --target takes ebu-r128, atsc-a85 or streaming");
             flags.targetName = known.name;
             ++i;
+        } else if (argument == u"--policy") {
+            if (!hasValue)
+                return UsageError("sondara-check: --policy needs a policy file or the name of a shipped one");
+            std::string problem;
+            flags.policy.emplace();
+            if (!LoadPolicy(arguments[++i], *flags.policy, problem))
+                return UsageError("sondara-check: " + problem);
         } else if (argument == u"--target-lufs" || argument == u"--tolerance" || argument == u"--max-true-peak") {
             const int which = argument == u"--target-lufs" ? 0 : argument == u"--tolerance" ? 1 : 2;
             if (!hasValue || !ParseDecibels(arguments[i + 1], flags.customFigures[which]))
@@ -206,6 +214,8 @@ std::optional<int> DecideMode(Flags& flags, CommandLine& line)
                                flags.customGiven[2] ? flags.customFigures[2] : -1.0};
         levelOptions.hasTarget = true;
     }
+    if (flags.policy && line.mode != RunMode::Check)
+        return UsageError("sondara-check: --policy goes with the check only");
     if (flags.paths.empty())
         return UsageError("");
     if (line.mode != RunMode::Check && (flags.format == OutputFormat::JsonLines || flags.format == OutputFormat::Csv))
@@ -214,6 +224,7 @@ std::optional<int> DecideMode(Flags& flags, CommandLine& line)
         return UsageError("sondara-check: --tidy copies one file at a time");
     line.format = flags.format;
     line.strict = flags.strict;
+    line.policy = std::move(flags.policy);
     line.jobs = flags.jobs;
     line.nulSeparated = flags.nulSeparated;
     line.tidyOutput = std::move(flags.tidyOutput);

@@ -4,6 +4,7 @@
 #include "cli/CheckPrinter.h"
 #include "measure/DeliveryTarget.h"
 #include "measure/MeterSettings.h"
+#include "policy/Policy.h"
 
 #include <optional>
 #include <string>
@@ -30,6 +31,7 @@ struct CommandLine {
     unsigned jobs = 0; // 0 for one a core
     bool nulSeparated = false;
     LevelOptions levelOptions;
+    std::optional<Policy> policy; // the check's, with --policy
     WideString tidyOutput;
     std::vector<WideString> paths;
 };

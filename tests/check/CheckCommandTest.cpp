@@ -19,7 +19,7 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
     dir.Write("-x", "not a wave file");
     // A name that a spreadsheet would take for a formula stays text in CSV.
     dir.Write("=HYPERLINK(\"x\").wav", SoundWave());
-    const std::string usage = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [-j N] FILE...\n"
+    const std::string usage = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [--policy FILE] [-j N] FILE...\n"
                               "       sondara-check [--json] [--chunks | --levels [--loudness] [--target NAME]] FILE...\n"
                               "       sondara-check [--json] --tidy OUT FILE\n";
     const std::string soundChunks = "RIFF at 0, 52 bytes, form WAVE\n  fmt  at 12, 16 bytes\n  data at 36, 16 bytes\n";
