@@ -150,7 +150,7 @@ beside_wine()
     failures=()
     configure_and_build windows32 || true
     if configure_and_build fuzz; then
-        step "fuzz smoke runs" scripts/fuzz-smoke.sh 15 || true
+        step "fuzz smoke runs" scripts/fuzz-smoke.sh 10 || true
     fi
     declare -p timings failures >build/beside-wine.state
 }
