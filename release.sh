@@ -73,13 +73,20 @@ root="$stage/deb"
 mkdir -p "$root/DEBIAN" "$root/usr/bin" "$root/usr/share/man/man1" "$root/usr/share/doc/sondara-check"
 mkdir -p "$root/usr/share/sondara-check/policies"
 cp policies/*.toml "$root/usr/share/sondara-check/policies/"
-strip -o "$root/usr/bin/sondara-check" build/native/sondara-check
+strip --remove-section=.comment -o "$root/usr/bin/sondara-check" build/native/sondara-check
 sed "s/@VERSION@/$version/g" packaging/sondara-check.1 | gzip -9n >"$root/usr/share/man/man1/sondara-check.1.gz"
 cp packaging/LICENSE.txt "$root/usr/share/doc/sondara-check/copyright"
+# The changelog of a package whose version is its own (no Debian revision),
+# made from CHANGELOG.md.
+maintainer="$(sed -n 's/^Maintainer: //p' packaging/deb-control)"
+python3 -B packaging/debian_changelog.py CHANGELOG.md sondara-check "$version" "$maintainer" |
+    gzip -9n >"$root/usr/share/doc/sondara-check/changelog.gz"
 sed "s/@VERSION@/$version/g; s/@SIZE@/$(du -k -s "$root/usr" | cut -f 1)/" packaging/deb-control >"$root/DEBIAN/control"
 find "$root" -type d -exec chmod 0755 {} +
 find "$root" -type f -exec chmod 0644 {} +
 chmod 0755 "$root/usr/bin/sondara-check"
+(cd "$root" && find usr -type f -print0 | LC_ALL=C sort -z | xargs -0 md5sum >DEBIAN/md5sums)
+chmod 0644 "$root/DEBIAN/md5sums"
 find "$root" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
 dpkg-deb --root-owner-group -Zxz --build "$root" "$dist/sondara-check_${version}_amd64.deb" >/dev/null
 

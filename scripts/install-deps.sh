@@ -33,8 +33,10 @@ packages=(
     # set sondara-check beside mediainfo.
     time mediainfo
     # The release: the man page is read back with man, the version blocks of
-    # the unpacked programs with exiftool.
+    # the unpacked programs with exiftool...
     man-db libimage-exiftool-perl
+    # ... and the .deb goes through Debian's own checks of a package.
+    lintian
     # setsid and flock for the Wine session; part of every Debian system,
     # listed so that a trimmed one gets them too.
     util-linux

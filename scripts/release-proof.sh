@@ -7,9 +7,10 @@
 # file, both with the native checker's report; both programs' version blocks
 # are read back and must say the project's version, and so must
 # sondara-check --version. The 32-bit zip holds 32-bit programs of the same
-# version. The .deb is unpacked into a scratch root, whose sondara-check
-# tells its version and whose man page man reads; the tarball's checker
-# tells its version too.
+# version, and every Windows program is marked for ASLR and DEP. The .deb
+# passes lintian with no error and no note of hardening, and is unpacked into
+# a scratch root, whose sondara-check tells its version and whose man page
+# man reads; the tarball's checker tells its version too.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 root="$PWD"
@@ -67,6 +68,12 @@ for arch in x86 x86_64; do
     done
     version_block "$arch" "$folder/Sondara.exe"
     version_block "$arch" "$folder/sondara-check.exe"
+    # Both programs load at a random address and never run data.
+    for file in Sondara.exe sondara-check.exe; do
+        flags="$(x86_64-w64-mingw32-objdump -p "$folder/$file" | sed -n '/^DllCharacteristics/,/^[A-Z]/p')"
+        grep -qw DYNAMIC_BASE <<<"$flags" && grep -qw NX_COMPAT <<<"$flags" ||
+            fail "$zip's $file is not marked for ASLR and DEP: $(head -n 1 <<<"$flags")"
+    done
 done
 
 # The 64-bit programs at work, in a Wine prefix and on a display of their
@@ -109,6 +116,13 @@ if [[ -f $deb ]]; then
         fail "the man page does not read back with its version: $(head -n 3 <<<"$page")"
     grep -q -- "--levels" <<<"$page" || fail "the man page says nothing of --levels"
     echo "man page: $(wc -l <<<"$page") lines"
+    # Debian's own checks of a package: no error, and the checker is built
+    # hardened as Debian builds its packages.
+    said="$(lintian --info --tag-display-limit 0 "$deb" 2>&1 | grep -v 'root privileges' || true)"
+    echo "lintian: ${said:-nothing to say}"
+    if grep -q '^E: ' <<<"$said" || grep -q 'hardening' <<<"$said"; then
+        fail "lintian finds fault with $deb"
+    fi
 else
     fail "$deb is missing"
 fi
