@@ -1,5 +1,7 @@
 #include "policy/Policy.h"
 
+#include "policy/ReaderShield.h"
+
 #include "base/Utf8.h"
 #include "files/FileStream.h"
 #include "platform/File.h"
@@ -33,7 +35,7 @@ public:
     {
         for (const auto& [key, value] : table) {
             if (std::find(keys.begin(), keys.end(), key.str()) == keys.end())
-                return Fail(value, "unknown key \"" + std::string(key.str()) + "\"");
+                return Fail(value, "unknown key \"" + UnshieldText(key.str()) + "\"");
         }
         return true;
     }
@@ -42,16 +44,17 @@ public:
     {
         if (!KnownKeys(table, kRuleKeys))
             return false;
-        const std::optional<std::string> measure = table["measure"].value<std::string>();
+        std::optional<std::string> measure = table["measure"].value<std::string>();
         if (!measure)
             return Fail(table, "a rule needs a measure");
+        measure = UnshieldText(*measure);
         rule.measure = FindPolicyMeasure(*measure);
         if (!rule.measure)
             return Fail(*table.get("measure"), "unknown measure \"" + *measure + "\" (known: " + PolicyMeasureNames() + ")");
-        rule.code = table["code"].value_or(std::string());
+        rule.code = UnshieldText(table["code"].value_or(std::string()));
         if (rule.code.empty() != (*measure != "finding"))
             return Fail(table, "a code goes with the measure \"finding\", and only with it");
-        rule.name = table["name"].value_or(rule.code.empty() ? *measure : rule.code);
+        rule.name = UnshieldText(table["name"].value_or(rule.code.empty() ? *measure : rule.code));
         if (!Word(table, "severity", {"fail", "warn"}, rule.severity) ||
             !Word(table, "per-channel", {"each", "highest"}, rule.channels))
             return false;
@@ -108,7 +111,7 @@ private:
                 if (const std::optional<double> number = value.value<double>())
                     rule.allowed.push_back({*number, {}});
                 else if (const std::optional<std::string> word = value.value<std::string>())
-                    rule.allowed.push_back({0, *word});
+                    rule.allowed.push_back({0, UnshieldText(*word)});
                 else
                     return Fail(value, "allowed values are numbers or words");
             }
@@ -153,16 +156,23 @@ FactDepth Policy::Depth() const
 bool ParsePolicy(std::string_view text, const std::string& source, Policy& policy, std::string& problem)
 {
     RuleReader reader(source, problem);
-    toml::parse_result parsed = toml::parse(text, source);
+    std::string shielded;
+    std::size_t clash = 0;
+    if (!ShieldFromReader(text, shielded, clash)) {
+        problem = source + ":" + std::to_string(1 + std::count(text.begin(), text.begin() + clash, '\n')) +
+                  ": a private-use character of plane 15 that a policy can't hold";
+        return false;
+    }
+    toml::parse_result parsed = toml::parse(shielded, source);
     if (!parsed) {
         problem = source + ":" + std::to_string(parsed.error().source().begin.line) + ": " +
-                  std::string(parsed.error().description());
+                  UnshieldText(parsed.error().description());
         return false;
     }
     const toml::table& top = parsed.table();
     if (!reader.KnownKeys(top, kPolicyKeys))
         return false;
-    policy.name = top["name"].value_or(std::string());
+    policy.name = UnshieldText(top["name"].value_or(std::string()));
     if (policy.name.empty())
         return reader.Fail(top, "a policy needs a name");
     const toml::array* rules = top["rule"].as_array();

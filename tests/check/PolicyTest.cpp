@@ -41,6 +41,7 @@ TEST(PolicyFile, ErrorsNameTheLine)
         {"name = \"p\"\ncolour = 1\n[[rule]]\nmeasure = \"bits\"\nallowed = [16]\n", "p.toml:2: unknown key \"colour\""},
         {"name = \"p\"\n[[rule]]\nmeasure = \"bits\"\n", "p.toml:2: a rule needs a limit"},
         {"name = \"p\"\n[[rule]\n", "p.toml:2: "},
+        {"name = \"p\"\n# \U000F00E9\n", "p.toml:2: a private-use character"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
@@ -66,11 +67,15 @@ TEST(PolicyRun, OutcomesAndExitStatus)
     const char loudness[] = "name = \"lu\"\n[[rule]]\nmeasure = \"integrated\"\nat-most = 0\n";
     dir.Write("lu.toml", loudness);
     dir.Write("lu-missing.toml", std::string(loudness) + "may-be-missing = true\n");
+    // Characters the TOML reader can't be shown, in strings and comments.
+    dir.Write("text.toml", "name = \"prüfung 〆 ﻼ\" # ± ¡\n[[rule]]\nname = \"größe\"\nmeasure = \"container\"\n"
+                           "allowed = [\"rf64\", \"ɐ〇\"]\n");
     const std::string peakWarn = "policy peak: peak: -1.0 dBFS, at most -3.0 (warn)\n";
     ExpectRuns(dir, {
         {{"--policy", "rate.toml", "loud.wav"}, 0, kAllClearLine + "policy rate: pass\n"},
         {{"--policy", "rate.toml", "slow.wav"}, 1, kAllClearLine + "policy rate: sample-rate: 4000 Hz, one of 44100, 48000 (fail)\n"},
         {{"--policy", "peak.toml", "mono.wav"}, 0, kAllClearLine + "policy peak: pass\n"},
+        {{"--policy", "text.toml", "mono.wav"}, 1, kAllClearLine + "policy prüfung 〆 ﻼ: größe: riff, one of rf64, ɐ〇 (fail)\n"},
         {{"--policy", "peak.toml", "loud.wav"}, 0, kAllClearLine + peakWarn},
         {{"--strict", "--policy", "peak.toml", "loud.wav"}, 1, kAllClearLine + peakWarn},
         {{"--policy", "lu.toml", "slow.wav"}, 1, kAllClearLine + "policy lu: integrated: not measured, at most 0.0 (not-measured)\n"},

@@ -2,6 +2,7 @@
 #include "check/WaveCheck.h"
 #include "layouttext/CsvTokeniser.h"
 #include "layouttext/LayoutDocument.h"
+#include "policy/Policy.h"
 #include "support/ReportGrammar.h"
 
 #include <gtest/gtest.h>
@@ -65,6 +66,30 @@ TEST(RegressionCorpus, WaveFilesGiveWellFormedReports)
         std::string why;
         EXPECT_TRUE(IsWellFormedReport(first, firstError, why)) << why;
     }
+}
+
+// Every policy text that ever broke the reader (four reached undefined
+// behaviour in its whitespace test, which the sanitizer builds stop at) and
+// every seed: each is a policy or a problem that names its file and line.
+TEST(RegressionCorpus, PolicyTextsReadOrNameTheirLine)
+{
+    std::vector<fs::path> files = CorpusFiles("regressions/policy");
+    std::vector<fs::path> seeds = CorpusFiles("seeds/policy");
+    files.insert(files.end(), seeds.begin(), seeds.end());
+    ASSERT_GE(files.size(), 13u);
+    std::size_t read = 0;
+    for (const fs::path& file : files) {
+        SCOPED_TRACE(file.filename().string());
+        std::ifstream in(file, std::ios::binary);
+        const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        Policy policy;
+        std::string problem;
+        if (ParsePolicy(text, "fuzz.toml", policy, problem))
+            ++read;
+        else
+            EXPECT_TRUE(problem.starts_with("fuzz.toml:") && problem.size() > 12) << problem;
+    }
+    EXPECT_EQ(read, seeds.size());
 }
 
 // The grammar that the corpus and the fuzzer hold reports to: the lines of
