@@ -91,6 +91,40 @@ Figures TruePeak(const MeasureInput& input)
     return figures;
 }
 
+// A figure of each channel's record of one meter; none when the audio
+// wasn't measured or a channel has no figure.
+template <typename Record, typename Pick>
+Figures EachRecord(const MeasureInput& input, const std::vector<Record> LevelReport::*records, Pick pick)
+{
+    if (!input.facts.measured || (input.facts.levels.*records).empty())
+        return std::nullopt;
+    std::vector<Figure> figures;
+    for (const Record& record : input.facts.levels.*records) {
+        const std::optional<double> number = pick(record);
+        if (!number)
+            return std::nullopt;
+        figures.push_back({*number, {}});
+    }
+    return figures;
+}
+
+// Frames of one channel's silence in seconds.
+template <typename Pick>
+Figures SilenceSeconds(const MeasureInput& input, Pick pick)
+{
+    const double rate = input.facts.levels.sampleRate;
+    return EachRecord(input, &LevelReport::silence, [&](const ChannelSilence& silence) -> std::optional<double> {
+        return rate > 0 ? std::optional<double>(static_cast<double>(pick(silence)) / rate) : std::nullopt;
+    });
+}
+
+Figures NoiseFloor(const MeasureInput& input)
+{
+    return EachRecord(input, &LevelReport::noiseFloor, [](const std::optional<double>& rms) {
+        return rms ? std::optional<double>(ToDecibels(*rms)) : std::nullopt;
+    });
+}
+
 constexpr PolicyMeasure kMeasures[] = {
     {"container", "", FactDepth::Header, 0, false, Container},
     {"format", "", FactDepth::Header, 0, false, Format},
@@ -113,6 +147,32 @@ constexpr PolicyMeasure kMeasures[] = {
     {"loudness-range", "LU", FactDepth::Loudness, 1, false,
      [](const MeasureInput& in) { return Loudness(in, &LoudnessMeter::Figures::range); }},
     {"true-peak", "dBTP", FactDepth::Loudness, 1, true, TruePeak},
+    {"noise-floor", "dBFS", FactDepth::Levels, 1, true, NoiseFloor},
+    {"silence-lead", "s", FactDepth::Levels, 2, true,
+     [](const MeasureInput& in) { return SilenceSeconds(in, [](const ChannelSilence& s) { return s.lead; }); }},
+    {"silence-tail", "s", FactDepth::Levels, 2, true,
+     [](const MeasureInput& in) { return SilenceSeconds(in, [](const ChannelSilence& s) { return s.tail; }); }},
+    {"longest-silence", "s", FactDepth::Levels, 2, true,
+     [](const MeasureInput& in) { return SilenceSeconds(in, [](const ChannelSilence& s) { return s.longestInside; }); }},
+    {"silent-runs", "", FactDepth::Levels, 0, true,
+     [](const MeasureInput& in) {
+         return EachRecord(in, &LevelReport::silence,
+                           [](const ChannelSilence& s) { return std::optional<double>(static_cast<double>(s.runs)); });
+     }},
+    {"digital-zero", "", FactDepth::Levels, 0, true,
+     [](const MeasureInput& in) {
+         return EachRecord(in, &LevelReport::silence,
+                           [](const ChannelSilence& s) { return std::optional<double>(s.digitalZero ? 1 : 0); });
+     }},
+    {"clipping-runs", "", FactDepth::Levels, 0, true,
+     [](const MeasureInput& in) {
+         return EachRecord(in, &LevelReport::clippingRuns,
+                           [](const ClippingRuns& c) { return std::optional<double>(static_cast<double>(c.runs)); });
+     }},
+    {"correlation", "", FactDepth::Levels, 2, true,
+     [](const MeasureInput& in) { return EachRecord(in, &LevelReport::pairs, [](const PairFigures& p) { return p.correlation; }); }},
+    {"lowest-correlation", "", FactDepth::Levels, 2, true,
+     [](const MeasureInput& in) { return EachRecord(in, &LevelReport::pairs, [](const PairFigures& p) { return p.lowestBlock; }); }},
 };
 
 } // namespace
