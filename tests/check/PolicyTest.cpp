@@ -5,7 +5,9 @@
 
 // The checker as a process: the native build only.
 #ifdef SONDARA_CHECK_PROGRAM
+#include <cmath>
 #include <filesystem>
+#include <numbers>
 
 namespace {
 
@@ -18,6 +20,53 @@ std::string SquareWave(std::uint16_t channels, std::uint32_t rate, std::int16_t 
             audio.U16(static_cast<std::uint16_t>(f % 2 ? -level : level));
     }
     return Wave(FormatBody(1, channels, rate, 16), audio.Bytes());
+}
+
+// 16-bit PCM of these interleaved samples, fractions of full scale.
+std::string Pcm16Wave(const std::vector<float>& samples, std::uint16_t channels, std::uint32_t rate)
+{
+    RiffBytes audio;
+    for (float sample : samples)
+        audio.U16(static_cast<std::uint16_t>(static_cast<std::int16_t>(std::lround(sample * 32767))));
+    return Wave(FormatBody(1, channels, rate, 16), audio.Bytes());
+}
+
+// A 1 kHz sine of this peak in both channels of a 48 kHz stereo file, 3 s.
+std::string StereoSine(float peak)
+{
+    std::vector<float> samples;
+    for (int i = 0; i < 3 * 48000; ++i)
+        samples.insert(samples.end(), 2, peak * static_cast<float>(std::sin(2 * std::numbers::pi * 1000 * i / 48000)));
+    return Pcm16Wave(samples, 2, 48000);
+}
+
+// A mono take of an audiobook as acx wants it: room tone of low noise at
+// the head, 3 s of a 440 Hz tone, 2 s of room tone. Each field can miss.
+struct Take {
+    double head = 0.7;    // seconds of room tone
+    double tone = 0.195;  // the tone's peak, -14.2 dBFS; the take's RMS is then -20.0 dB
+    float spike = 0;      // a sample at this level each second of the tone
+    float room = 0.0003f; // the room tone's noise, -70 dBFS at most; 0 for digital zero
+    std::uint32_t rate = 44100;
+};
+
+std::string TakeWave(const Take& take)
+{
+    std::vector<float> samples;
+    std::uint32_t noise = 1;
+    auto roomTone = [&](double seconds) {
+        for (int i = 0; i < seconds * take.rate; ++i) {
+            noise = noise * 1664525u + 1013904223u;
+            samples.push_back(take.room * (static_cast<float>(noise >> 8) / 8388608.0f - 1.0f));
+        }
+    };
+    roomTone(take.head);
+    for (std::uint32_t i = 0; i < 3 * take.rate; ++i) {
+        const double tone = take.tone * std::sin(2 * std::numbers::pi * 440 * i / take.rate);
+        samples.push_back(take.spike != 0 && i % take.rate == take.rate / 2 ? take.spike : static_cast<float>(tone));
+    }
+    roomTone(2.0);
+    return Pcm16Wave(samples, 1, take.rate);
 }
 
 const std::string kAllClearLine = "チェック完了しました。\n";
@@ -94,21 +143,65 @@ TEST(PolicyRun, OutcomesAndExitStatus)
     });
 }
 
+// The shipped acx policy passes a take made to meet it, and fails each take
+// made to miss one rule on that rule alone. A room tone of digital zero is
+// the one way to miss the noise floor alone: room tone that is silence
+// below -60 dBFS holds a quiet half second, unless it is no sound at all.
+TEST(PolicyRun, AcxFailsATakeOnTheRuleItMisses)
+{
+    TempDir dir;
+    const struct {
+        const char* file;
+        Take take;
+        const char* missed; // the rule that fails; none for a pass
+    } cases[] = {
+        {"meets.wav", {}, nullptr},
+        {"quiet.wav", {.tone = 0.08}, "rms"},
+        {"spiky.wav", {.spike = 0.9f}, "peak"},
+        {"48k.wav", {.rate = 48000}, "sample-rate"},
+        {"no-room.wav", {.room = 0}, "noise-floor"},
+        {"short-head.wav", {.head = 0.3}, "room-tone-head"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file);
+        dir.Write(c.file, TakeWave(c.take));
+        const CheckerOutcome outcome = RunChecker(dir, {"--policy", "acx", c.file});
+        if (!c.missed) {
+            EXPECT_EQ(outcome.status, 0);
+            EXPECT_EQ(outcome.out, kAllClearLine + "policy acx: pass\n");
+            continue;
+        }
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.out.rfind(kAllClearLine + "policy acx: " + c.missed + ": ", 0), 0u) << outcome.out;
+        EXPECT_TRUE(outcome.out.ends_with(" (fail)\n") && std::count(outcome.out.begin(), outcome.out.end(), '\n') == 2)
+            << outcome.out;
+    }
+}
+
 // The shipped policies of the delivery targets give the verdicts of
-// --target on every sample.
+// --target on every sample, and on a file made to pass ebu-r128 and one
+// made to pass streaming.
 TEST(PolicyRun, ShippedTargetsAgreeWithTarget)
 {
     TempDir dir;
-    for (const auto& sample : std::filesystem::directory_iterator(std::filesystem::path(SONDARA_TESTS_DIR) / "../samples")) {
+    dir.Write("ebu.wav", StereoSine(0.0708f));       // -23 LUFS
+    dir.Write("streaming.wav", StereoSine(0.1995f)); // -14 LUFS
+    std::vector<std::string> files = {"ebu.wav", "streaming.wav"};
+    for (const auto& sample : std::filesystem::directory_iterator(std::filesystem::path(SONDARA_TESTS_DIR) / "../samples"))
+        files.push_back(sample.path().string());
+    int passes = 0;
+    for (const std::string& file : files) {
         for (const char* name : {"ebu-r128", "atsc-a85", "streaming"}) {
-            SCOPED_TRACE(sample.path().string() + " " + name);
-            const CheckerOutcome target = RunChecker(dir, {"--json", "--target", name, sample.path().string()});
-            const CheckerOutcome policy = RunChecker(dir, {"--json", "--policy", name, sample.path().string()});
+            SCOPED_TRACE(file + " " + name);
+            const CheckerOutcome target = RunChecker(dir, {"--json", "--target", name, file});
+            const CheckerOutcome policy = RunChecker(dir, {"--json", "--policy", name, file});
             ASSERT_EQ(policy.err, "");
-            EXPECT_EQ(target.out.find("\"pass\": true") != std::string::npos,
-                      policy.out.find("\"outcome\": \"pass\", \"rules\"") != std::string::npos);
+            const bool passed = policy.out.find("\"outcome\": \"pass\", \"rules\"") != std::string::npos;
+            EXPECT_EQ(target.out.find("\"pass\": true") != std::string::npos, passed);
             EXPECT_EQ(policy.out.find("\"outcome\": \"fail\", \"rules\"") != std::string::npos, target.status == 1);
+            passes += passed;
         }
     }
+    EXPECT_EQ(passes, 3); // ebu.wav to ebu-r128 and atsc-a85 (-24 ±2), streaming.wav to streaming
 }
 #endif
