@@ -30,6 +30,7 @@ private:
     };
     template <typename Samples>
     void AddChannel(const Samples& samples, Channel& channel) const;
+    std::uint32_t AddGroups(const RawFrames& frames);
     void EndRun(Channel& channel) const;
 
     SampleFormat format;

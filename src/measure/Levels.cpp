@@ -50,18 +50,20 @@ bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem
         return RefuseLevels(problem, "loudness is measured at " + FormatCount(kLowestLoudnessRate) +
                                          " Hz and above, not at " + FormatCount(format.sampleRate) + " Hz");
 
-    // The meters of this measurement. The levels share their sums evenly
-    // with the helper thread, unless the loudness is measured too: then
-    // the K-weighting keeps this thread busy, and the helper finds most of
-    // the true peaks, the costliest work of all.
+    // The meters of this measurement, and the thread each works on. The
+    // levels and the silence stay on this thread; the clipping runs, the
+    // noise floor and the stereo pairs go whole to the helper, which then
+    // has about as much to do. With the loudness, the K-weighting keeps
+    // this thread busy too, and the helper finds most of the true peaks,
+    // the costliest work of all.
     std::vector<ChosenMeter> meters;
-    meters.push_back({std::make_unique<LevelMeter>(format), loudness ? HelperShare::None : HelperShare::Half});
+    meters.push_back({std::make_unique<LevelMeter>(format)});
     if (loudness)
         meters.push_back({std::make_unique<LoudnessAndPeakMeter>(format), HelperShare::ThreeQuarters});
     meters.push_back({std::make_unique<SilenceMeter>(format, settings)});
-    meters.push_back({std::make_unique<ClippingRunMeter>(format, settings)});
-    meters.push_back({std::make_unique<NoiseFloorMeter>(format)});
-    meters.push_back({std::make_unique<StereoPairMeter>(format)});
+    meters.push_back({std::make_unique<ClippingRunMeter>(format, settings), HelperShare::Whole});
+    meters.push_back({std::make_unique<NoiseFloorMeter>(format), HelperShare::Whole});
+    meters.push_back({std::make_unique<StereoPairMeter>(format), HelperShare::Whole});
 
     std::int64_t frames = 0;
     if (!RunMeasurePass(layout.GetPath(), place, format, meters, progress, frames, problem))

@@ -66,6 +66,7 @@ private:
     const SampleFormat& format;
     std::vector<ChosenMeter>& meters;
     std::vector<std::unique_ptr<Meter>> twins; // by meter; null for one that keeps all its work
+    std::vector<Meter*> helpers; // by meter: its twin, or itself when the helper measures it whole; else null
     bool helped = false;
     bool takesFloats = false;
     std::uint32_t blockFrames = 0;
@@ -112,13 +113,21 @@ bool PassRun::Open(const WideString& path, const AudioPlace& place, std::string&
     }
     // An even share pays only once the audio is longer than one request;
     // the costliest work is worth the helper on any audio that two take.
+    // A meter measured whole on the helper needs no twin, and is measured
+    // there on any audio that two requests take.
     twins.resize(meters.size());
+    helpers.resize(meters.size());
     for (std::size_t m = 0; m < meters.size(); ++m) {
         const HelperShare share = meters[m].share;
         const bool worthIt = share == HelperShare::ThreeQuarters || frameCount * stride > kReadBytes;
-        if (!oneRequest && share != HelperShare::None && worthIt)
+        if (!oneRequest && share == HelperShare::Whole) {
+            assert(meters[m].meter->Input() == MeterInput::Bytes);
+            helpers[m] = meters[m].meter.get();
+        } else if (!oneRequest && share != HelperShare::None && worthIt) {
             twins[m] = meters[m].meter->MakeTwin();
-        helped = helped || twins[m];
+            helpers[m] = twins[m].get();
+        }
+        helped = helped || helpers[m];
         takesFloats = takesFloats || meters[m].meter->Input() == MeterInput::Floats;
         assert(meters[m].meter->PrimingFrames() <= kMostPrimingFrames);
     }
@@ -131,8 +140,10 @@ bool PassRun::Open(const WideString& path, const AudioPlace& place, std::string&
 // priming stays whole.
 std::uint32_t PassRun::OwnFrames(const Piece& piece, std::size_t meter) const
 {
-    if (!twins[meter])
+    if (!helpers[meter])
         return piece.frames;
+    if (!twins[meter])
+        return 0;
     const std::uint32_t parts = meters[meter].share == HelperShare::Half ? 2 : 4;
     return piece.frames < parts * meters[meter].meter->PrimingFrames() ? piece.frames : piece.frames / parts;
 }
@@ -208,7 +219,7 @@ void PassRun::ReadAll()
 void PassRun::MeasureOwn(const Piece& piece)
 {
     for (std::size_t m = 0; m < meters.size(); ++m) {
-        if (meters[m].meter->Input() == MeterInput::Bytes)
+        if (meters[m].meter->Input() == MeterInput::Bytes && OwnFrames(piece, m) > 0)
             meters[m].meter->AddBytes({piece.bytes, OwnFrames(piece, m), format.stride});
     }
     if (!takesFloats)
@@ -237,13 +248,14 @@ void PassRun::MeasureOwn(const Piece& piece)
 
 // The helper's part of a piece: each twin's frames, decoded for each twin
 // from its priming on, so that a meter's blocks fall where they fall
-// whatever other meters run.
+// whatever other meters run; and every frame of the meters it measures
+// whole.
 void PassRun::MeasureForTwins(const Piece& piece)
 {
     for (std::size_t m = 0; m < meters.size(); ++m) {
-        if (!twins[m])
+        if (!helpers[m])
             continue;
-        Meter& twin = *twins[m];
+        Meter& twin = *helpers[m];
         const std::uint32_t own = OwnFrames(piece, m);
         if (twin.Input() == MeterInput::Bytes) {
             twin.AddBytes({piece.bytes + std::size_t{own} * format.stride, piece.frames - own, format.stride});

@@ -18,6 +18,7 @@ enum class HelperShare {
     None,          // every frame on the calling thread
     Half,          // the second half of each piece, once the audio is longer than one read
     ThreeQuarters, // the last three quarters: for the costliest work, beside meters that can't share theirs
+    Whole,         // every frame on the helper thread, in order: a meter of raw bytes whose work can't be split
 };
 
 // A meter as it is chosen for a pass.

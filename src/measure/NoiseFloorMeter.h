@@ -33,10 +33,12 @@ private:
     };
     template <typename Samples>
     void AddChannel(const Samples& samples, Channel& channel) const;
+    void AddCodes(const RawFrames& part);
     void EndStep(Channel& channel) const;
 
     SampleFormat format;
     std::uint32_t stepFrames = 1;
+    bool exactCodes = false; // packed 16-bit frames, summed as integers
     std::uint32_t stepDone = 0; // frames of the current step so far
     std::uint64_t steps = 0;    // whole steps so far
     std::vector<Channel> channels;

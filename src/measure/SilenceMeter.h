@@ -27,7 +27,8 @@ private:
         bool nonZero = false;
     };
     template <typename Samples>
-    void AddChannel(const Samples& samples, Channel& channel) const;
+    void AddChannel(const Samples& samples, Channel& channel, std::int64_t firstFrame) const;
+    std::uint32_t AddGroups(const RawFrames& frames);
 
     SampleFormat format;
     MeterSettings settings;

@@ -39,8 +39,11 @@ private:
     template <typename Samples>
     void AddPair(const Samples& left, const Samples& right, Pair& pair) const;
 
+    void AddCodes(const RawFrames& part);
+
     SampleFormat format;
     std::uint32_t blockFrames = 1;
+    bool exactCodes = false; // packed 16-bit frames in pairs, summed as integers
     std::uint32_t blockDone = 0;
     std::vector<Pair> pairs;
 };

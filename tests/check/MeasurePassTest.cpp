@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -76,6 +77,25 @@ private:
     }
 };
 
+// Takes the raw frames: the first sample of each holds its index. Checks
+// that it gets every frame once, in order, on a thread other than the
+// test's.
+class ByteRecordingMeter : public Meter {
+public:
+    MeterInput Input() const override { return MeterInput::Bytes; }
+    void AddBytes(const RawFrames& frames) override
+    {
+        for (std::uint32_t f = 0; f < frames.frames; ++f)
+            inOrder = inOrder && FloatAt<float>(frames.data + std::size_t{f} * frames.stride) == static_cast<float>(next++);
+        elsewhere = elsewhere || std::this_thread::get_id() != testThread;
+    }
+    void Finish(LevelReport&) override {}
+
+    std::int64_t next = 0;
+    bool inOrder = true, elsewhere = false;
+    std::thread::id testThread = std::this_thread::get_id();
+};
+
 } // namespace
 
 // Three channels of 32-bit floats: twelve bytes a frame, so that reads of
@@ -109,6 +129,9 @@ TEST(MeasurePass, EveryMeterGetsEveryFrameOnceAndEachPartItsPriming)
         recorders.push_back(meter.get());
         meters.push_back({std::move(meter), c.share});
     }
+    auto whole = std::make_unique<ByteRecordingMeter>();
+    ByteRecordingMeter& wholeOnHelper = *whole;
+    meters.push_back({std::move(whole), HelperShare::Whole});
     std::int64_t lastDone = 0, frames = 0;
     const auto progress = [&](std::int64_t done, std::int64_t total) {
         EXPECT_GT(done, lastDone);
@@ -118,6 +141,9 @@ TEST(MeasurePass, EveryMeterGetsEveryFrameOnceAndEachPartItsPriming)
     ASSERT_TRUE(RunMeasurePass(path, place, format, meters, progress, frames, problem)) << problem;
     EXPECT_EQ(frames, kFrames);
     EXPECT_EQ(lastDone, kFrames);
+    EXPECT_EQ(wholeOnHelper.next, kFrames);
+    EXPECT_TRUE(wholeOnHelper.inOrder);
+    EXPECT_TRUE(wholeOnHelper.elsewhere);
     for (std::size_t i = 0; i < recorders.size(); ++i) {
         SCOPED_TRACE(i);
         RecordingMeter& meter = *recorders[i];
