@@ -85,7 +85,7 @@ if [[ -f $folder/Sondara.exe ]]; then
     source scripts/wine-env.sh
     if sondara_wine_begin; then
         sondara_wine_japanese_locale
-        said="$(cd "$folder" && "$root/scripts/wine-start.sh" sondara-check.exe --version | tr -d '\r')"
+        said="$(cd "$folder" && "$root/scripts/wine-start.sh" sondara-check.exe --version | tr -d '\r' | head -n 1)"
         echo "sondara-check.exe --version: $said"
         [[ $said == "sondara-check $version" ]] || fail "sondara-check.exe --version says '$said'"
         checked="$(cd "$folder" && { "$root/scripts/wine-start.sh" sondara-check.exe --json "Z:${sample//\//\\}" || true; } | python3 -c '
@@ -108,7 +108,7 @@ fi
 deb="dist/sondara-check_${version}_amd64.deb"
 if [[ -f $deb ]]; then
     dpkg-deb -x "$deb" "$scratch/root"
-    said="$("$scratch/root/usr/bin/sondara-check" --version)"
+    said="$("$scratch/root/usr/bin/sondara-check" --version | head -n 1)"
     echo "deb: $said; control: $(dpkg-deb -f "$deb" Package Version Architecture | paste -sd ' ')"
     [[ $said == "sondara-check $version" ]] || fail "the .deb's sondara-check --version says '$said'"
     page="$(MANWIDTH=80 man -l "$scratch/root/usr/share/man/man1/sondara-check.1.gz" 2>&1 | col -b)"
@@ -129,7 +129,7 @@ fi
 tarball="dist/sondara-check-$version-linux-x86_64.tar.gz"
 if [[ -f $tarball ]]; then
     tar -xzf "$tarball" -C "$scratch"
-    said="$("$scratch/sondara-check-$version-linux-x86_64/sondara-check" --version)"
+    said="$("$scratch/sondara-check-$version-linux-x86_64/sondara-check" --version | head -n 1)"
     [[ $said == "sondara-check $version" ]] || fail "the tarball's sondara-check --version says '$said'"
 else
     fail "$tarball is missing"

@@ -4,6 +4,7 @@
 #include "base/Utf8.h"
 #include "cli/CheckOptions.h"
 #include "cli/ConsoleSink.h"
+#include "measure/VectorPath.h"
 #include "platform/Console.h"
 
 #include "platform/ProgramVersion.h"
@@ -124,7 +125,11 @@ std::optional<int> ReadFlags(const std::vector<std::u16string>& arguments, Flags
         } else if (!IsCheckOption(argument)) {
             return UsageError("sondara-check: unknown option " + WideToUtf8(argument));
         } else if (argument == u"--version") {
-            WriteWholeToStandardOutput(WithLineEnd("sondara-check " SONDARA_VERSION_DOTTED "\n", platform::kLineEnd));
+            // The second line names the inner loops of the loudness this
+            // processor runs (see VectorPath.h).
+            WriteWholeToStandardOutput(WithLineEnd("sondara-check " SONDARA_VERSION_DOTTED "\nvector path: " +
+                                                       std::string(VectorPathName(BestVectorPath())) + "\n",
+                                                   platform::kLineEnd));
             return 0;
         } else if (argument == u"--help") {
             WriteWholeToStandardOutput(WithLineEnd(HelpText(), platform::kLineEnd));

@@ -49,8 +49,8 @@ std::vector<double> LoudnessMeter::ChannelWeights(std::uint16_t channels, std::u
 // The two K-weighting filters are worked out for the sample rate from
 // their analogue prototypes: a high shelf of +4 dB above about 1.7 kHz and
 // a high pass at about 38 Hz.
-LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> channelWeights)
-    : weights(std::move(channelWeights)), filters(weights.size()), peaks(weights.size()),
+LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> channelWeights, VectorPath path)
+    : weights(std::move(channelWeights)), path(path), filters(weights.size()), peaks(weights.size()),
       stepFrames(std::max<std::uint32_t>(1, sampleRate / 10)), steps(30, 0.0),
       oversampling(sampleRate < 96000 ? 4 : sampleRate < 192000 ? 2 : 1)
 {
@@ -76,11 +76,11 @@ LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> chann
     // the phases between them are worked out, each summing to 1. Stored
     // tap by tap, the phases side by side (unused phases zero), so that the
     // inner loop works on all phases at once.
-    const int taps = kTapsPerPhase * oversampling + 1;
+    const int taps = kTruePeakTaps * oversampling + 1;
     for (int p = 1; p < oversampling; ++p) {
-        double row[kTapsPerPhase];
+        double row[kTruePeakTaps];
         double sum = 0;
-        for (int k = 0; k < kTapsPerPhase; ++k) {
+        for (int k = 0; k < kTruePeakTaps; ++k) {
             const int m = p + k * oversampling;
             const double x = (m - (taps - 1) / 2.0) / oversampling;
             const double sinc = std::sin(kPi * x) / (kPi * x);
@@ -88,91 +88,33 @@ LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> chann
             row[k] = sinc * window;
             sum += row[k];
         }
-        for (int k = 0; k < kTapsPerPhase; ++k)
+        for (int k = 0; k < kTruePeakTaps; ++k)
             interpolator[k][p - 1] = static_cast<float>(row[k] / sum);
     }
     for (PeakState& state : peaks)
-        state.line.assign(kTapsPerPhase - 1, 0.0f);
+        state.line.assign(kTruePeakTaps - 1, 0.0f);
 }
 
 // The highest magnitude of a run of one channel's samples and of the
 // values between them. The samples are laid in a line behind the last
-// kTapsPerPhase - 1 of the run before, so that the filter reads them side
-// by side; four neighbouring instants go through at once, one in each lane
-// of a vector of the compiler's own (both compilers of this program know
-// the form), each tap's phases weighing the same four samples. Two partial
-// sums per phase keep more chains of additions in flight. Taken four at a
-// time the instants need no sums across lanes, which cost more than the
-// filter itself did when the lanes were the phases.
+// kTruePeakTaps - 1 of the run before, so that the filter reads them side
+// by side.
 float LoudnessMeter::TruePeakOf(PeakState& state, const float* samples, std::size_t count, std::size_t stride) const
 {
-    using Lanes = float __attribute__((vector_size(16)));
-    using Mask = int __attribute__((vector_size(16)));
-    constexpr std::size_t kBehind = kTapsPerPhase - 1;
+    constexpr std::size_t kBehind = kTruePeakTaps - 1;
     std::vector<float>& line = state.line;
     if (line.size() < kBehind + count)
         line.resize(kBehind + count);
     for (std::size_t i = 0; i < count; ++i)
         line[kBehind + i] = samples[i * stride];
-    const float* x = line.data() + kBehind; // x[i - k]: the sample k before the i-th
-    // Vectors go in and out by reference: the 32-bit build has no vector
-    // registers to pass them in.
-    const auto load = [](Lanes& lanes, const float* from) { std::memcpy(&lanes, from, sizeof lanes); };
-    const auto keepLarger = [](Lanes& peak, const Lanes& value) {
-        const Mask larger = value > peak;
-        peak = reinterpret_cast<Lanes>((reinterpret_cast<Mask>(value) & larger) | (reinterpret_cast<Mask>(peak) & ~larger));
-    };
-    // Each tap's weight of each phase, in all four lanes.
-    Lanes weight[kTapsPerPhase][kPhases];
-    for (int k = 0; k < kTapsPerPhase; ++k)
-        for (int p = 0; p < kPhases; ++p)
-            weight[k][p] = Lanes{} + interpolator[k][p];
-    Lanes peaks{0, 0, 0, 0};
-    std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        const float* at = x + i;
-        // The phases by name, so that the sums stay in registers.
-        Lanes even0{}, even1{}, even2{}, odd0{}, odd1{}, odd2{};
-        for (int k = 0; k < kTapsPerPhase; k += 2) {
-            Lanes near, far;
-            load(near, at - k);
-            load(far, at - k - 1);
-            even0 += weight[k][0] * near;
-            even1 += weight[k][1] * near;
-            even2 += weight[k][2] * near;
-            odd0 += weight[k + 1][0] * far;
-            odd1 += weight[k + 1][1] * far;
-            odd2 += weight[k + 1][2] * far;
-        }
-        Lanes own;
-        load(own, at);
-        const Lanes phase0 = even0 + odd0, phase1 = even1 + odd1, phase2 = even2 + odd2;
-        keepLarger(peaks, own * own);
-        keepLarger(peaks, phase0 * phase0);
-        keepLarger(peaks, phase1 * phase1);
-        keepLarger(peaks, phase2 * phase2);
-    }
-    float peak = 0;
-    for (int lane = 0; lane < 4; ++lane)
-        peak = peak < peaks[lane] ? peaks[lane] : peak;
-    // The last few instants of a run, one at a time.
-    for (; i < count; ++i) {
-        const float* at = x + i;
-        peak = std::max(peak, at[0] * at[0]);
-        for (int p = 0; p < kPhases; ++p) {
-            float value = 0;
-            for (int k = 0; k < kTapsPerPhase; ++k)
-                value += interpolator[k][p] * at[-k];
-            peak = std::max(peak, value * value);
-        }
-    }
+    const float peak = HighestSquare(path, interpolator, line.data() + kBehind, count);
     std::memmove(line.data(), line.data() + count, kBehind * sizeof(float));
     return std::sqrt(peak);
 }
 
 void LoudnessMeter::PrimeTruePeaks(const float* frames, std::size_t frameCount)
 {
-    constexpr std::size_t kBehind = kTapsPerPhase - 1;
+    constexpr std::size_t kBehind = kTruePeakTaps - 1;
     static_assert(kBehind == kTruePeakHistory);
     const std::size_t count = peaks.size(), taken = std::min(frameCount, kBehind);
     for (std::size_t c = 0; c < count; ++c) {
@@ -189,63 +131,6 @@ void LoudnessMeter::MergeTruePeaks(const LoudnessMeter& other)
         peaks[c].truePeak = std::max(peaks[c].truePeak, other.peaks[c].truePeak);
 }
 
-// The K-weighting of a run of one channel's samples, adding their squares
-// to the channel's energy of the current step.
-void LoudnessMeter::Filter(FilterState& state, const float* samples, std::size_t count, std::size_t stride) const
-{
-    double z0 = state.z[0], z1 = state.z[1], z2 = state.z[2], z3 = state.z[3], energy = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const double x = samples[i * stride];
-        const double y1 = shelf.b0 * x + z0;
-        z0 = shelf.b1 * x - shelf.a1 * y1 + z1;
-        z1 = shelf.b2 * x - shelf.a2 * y1;
-        const double y2 = highPass.b0 * y1 + z2;
-        z2 = highPass.b1 * y1 - highPass.a1 * y2 + z3;
-        z3 = highPass.b2 * y1 - highPass.a2 * y2;
-        energy += y2 * y2;
-    }
-    state.z[0] = z0;
-    state.z[1] = z1;
-    state.z[2] = z2;
-    state.z[3] = z3;
-    state.stepEnergy += energy;
-}
-
-// The same for two neighbouring channels at once, one in each lane of a
-// vector of the compiler's own: each sample's filter waits on the one
-// before, so a channel alone leaves the processor mostly idle, and a second
-// channel's chain runs in the same instructions. Lane by lane the
-// arithmetic is Filter's, so the figures are the same to the last bit.
-void LoudnessMeter::FilterTwo(FilterState& first, FilterState& second, const float* samples, std::size_t count,
-                              std::size_t stride) const
-{
-    using Lanes = double __attribute__((vector_size(16)));
-    const Lanes sb0 = Lanes{} + shelf.b0, sb1 = Lanes{} + shelf.b1, sb2 = Lanes{} + shelf.b2,
-                sa1 = Lanes{} + shelf.a1, sa2 = Lanes{} + shelf.a2;
-    const Lanes hb0 = Lanes{} + highPass.b0, hb1 = Lanes{} + highPass.b1, hb2 = Lanes{} + highPass.b2,
-                ha1 = Lanes{} + highPass.a1, ha2 = Lanes{} + highPass.a2;
-    Lanes z0{first.z[0], second.z[0]}, z1{first.z[1], second.z[1]}, z2{first.z[2], second.z[2]},
-        z3{first.z[3], second.z[3]}, energy{0, 0};
-    for (std::size_t i = 0; i < count; ++i) {
-        const Lanes x{samples[i * stride], samples[i * stride + 1]};
-        const Lanes y1 = sb0 * x + z0;
-        z0 = sb1 * x - sa1 * y1 + z1;
-        z1 = sb2 * x - sa2 * y1;
-        const Lanes y2 = hb0 * y1 + z2;
-        z2 = hb1 * y1 - ha1 * y2 + z3;
-        z3 = hb2 * y1 - ha2 * y2;
-        energy += y2 * y2;
-    }
-    for (int lane = 0; lane < 2; ++lane) {
-        FilterState& state = lane == 0 ? first : second;
-        state.z[0] = z0[lane];
-        state.z[1] = z1[lane];
-        state.z[2] = z2[lane];
-        state.z[3] = z3[lane];
-        state.stepEnergy += energy[lane];
-    }
-}
-
 // Frames go through channel by channel (two at a time where they can), a
 // step of 100 ms at most at a time.
 void LoudnessMeter::AddLoudness(const float* frames, std::size_t frameCount)
@@ -255,9 +140,9 @@ void LoudnessMeter::AddLoudness(const float* frames, std::size_t frameCount)
         const std::size_t run = std::min<std::size_t>(frameCount, stepFrames - framesInStep);
         std::size_t c = 0;
         for (; c + 1 < count; c += 2)
-            FilterTwo(filters[c], filters[c + 1], frames + c, run, count);
+            KWeightTwo(path, shelf, highPass, filters[c], filters[c + 1], frames + c, run, count);
         if (c < count)
-            Filter(filters[c], frames + c, run, count);
+            KWeightOne(path, shelf, highPass, filters[c], frames + c, run, count);
         frames += run * count;
         frameCount -= run;
         framesInStep += static_cast<std::uint32_t>(run);

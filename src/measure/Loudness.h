@@ -1,5 +1,7 @@
 #pragma once
 
+#include "measure/VectorPath.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -13,8 +15,9 @@
 // 0.01 LU).
 class LoudnessMeter {
 public:
-    // weights: one per channel, as ChannelWeights gives them.
-    LoudnessMeter(std::uint32_t sampleRate, std::vector<double> weights);
+    // weights: one per channel, as ChannelWeights gives them; path: the
+    // inner loops' (see VectorPath.h).
+    LoudnessMeter(std::uint32_t sampleRate, std::vector<double> weights, VectorPath path = BestVectorPath());
 
     void Add(const float* frames, std::size_t frameCount)
     {
@@ -52,13 +55,6 @@ public:
     static std::vector<double> ChannelWeights(std::uint16_t channels, std::uint32_t channelMask);
 
 private:
-    struct Biquad {
-        double b0, b1, b2, a1, a2;
-    };
-    struct FilterState {
-        double z[4] = {}; // the two filters' states
-        double stepEnergy = 0;
-    };
     struct PeakState {
         std::vector<float> line; // the last samples, then a run's, for the true-peak filter
         double truePeak = 0;
@@ -78,19 +74,12 @@ private:
         int top = 0;                        // the bins above this one are empty
     };
 
-    // Taps of the true-peak filter for each phase between two samples, and
-    // those phases at most (the phase on the sample is the sample itself).
-    static constexpr int kTapsPerPhase = 12;
-    static constexpr int kPhases = 3;
-
     void EndOfStep();
-    void Filter(FilterState& state, const float* samples, std::size_t count, std::size_t stride) const;
-    void FilterTwo(FilterState& first, FilterState& second, const float* samples, std::size_t count,
-                   std::size_t stride) const;
     float TruePeakOf(PeakState& state, const float* samples, std::size_t count, std::size_t stride) const;
 
     std::vector<double> weights;
-    std::vector<FilterState> filters;
+    VectorPath path;
+    std::vector<KWeightingState> filters;
     std::vector<PeakState> peaks;
     Biquad shelf{}, highPass{};
     std::uint32_t stepFrames;       // 100 ms
@@ -100,5 +89,5 @@ private:
     double momentaryMax = -1e300, shortTermMax = -1e300;
     Histogram blocks, shortTerms;
     int oversampling;
-    float interpolator[kTapsPerPhase][kPhases] = {}; // the true-peak filter, tap by tap
+    TruePeakTaps interpolator = {}; // the true-peak filter, tap by tap
 };
