@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Times the levels of a 1 GiB 16-bit stereo WAV file: sondara-check --levels
 # against `sox FILE -n stats`, each from a cold page cache, in the same run;
-# then --levels beside `dd iflag=direct` (the speed of the disk itself: at
-# least 90% of it wanted), and --levels --loudness beside ffmpeg's
-# ebur128=peak=true (at most a tenth of its time wanted), with peak memory.
+# then --levels and --levels --loudness beside `dd iflag=direct` (the speed
+# of the disk itself: at least 90% and 75% of it wanted), peak memory (at
+# most 32 MiB wanted), and --loudness beside ffmpeg's ebur128=peak=true (at
+# most a tenth of its time wanted). The vector path of the loudness is the
+# second line of sondara-check --version.
 # sondara-check reads past the system's cache (aligned mode), so after it
 # the file's pages must still be out of the cache: fincore shows them
 # before and after each tool.
@@ -55,6 +57,7 @@ measure() { # label, output file, command...
 }
 
 printf '%s (%s bytes), cached at start: %s bytes\n' "$file" "$(stat -c %s "$file")" "$(cached "$file")"
+printf '%s\n' "$("$checker" --version | tr '\n' ';' | sed 's/;$//; s/;/, /')"
 evict "$file"
 printf '  cached after eviction: %s bytes\n' "$(cached "$file")"
 measure "sondara-check cold" "$out/levels-sondara.txt" "$checker" --levels "$file"
@@ -64,19 +67,29 @@ measure "sox stats warm" "$out/levels-sox-warm.txt" sox "$file" -n stats
 measure "sondara-check again" "$out/levels-sondara-again.txt" "$checker" --levels "$file"
 evict "$file"
 # The disk of a shared virtual machine gives the same read from 0.6 to 1 s:
-# dd and --levels take turns three times, and the best time of each counts.
+# dd, --levels and --levels --loudness take turns three times, and the best
+# time of each counts.
 best() { # name of the variable, then the time of this turn
   if [ -z "${!1:-}" ] || awk -v a="$2" -v b="${!1}" 'BEGIN { exit !(a < b) }'; then eval "$1=$2"; fi
+}
+most() { # the same for the highest peak memory of the turns
+  if [ -z "${!1:-}" ] || awk -v a="$2" -v b="${!1}" 'BEGIN { exit !(a > b) }'; then eval "$1=$2"; fi
 }
 for turn in 1 2 3; do
   measure "dd direct" "$out/levels-dd.txt" dd if="$file" of=/dev/null bs=4M iflag=direct
   best dd_best "$dd_direct"
   measure "sondara-check levels" "$out/levels-only.txt" "$checker" --levels "$file"
   best levels_best "$sondara_check_levels"
+  most levels_peak "$peak"
+  measure "sondara-check loudness" "$out/levels-loudness.txt" "$checker" --levels --loudness "$file"
+  best loudness_best "$sondara_check_loudness"
+  most loudness_peak "$peak"
 done
-dd_direct="$dd_best" sondara_check_levels="$levels_best"
-printf '  best of three: dd direct %s s, sondara-check levels %s s\n' "$dd_direct" "$sondara_check_levels"
-measure "sondara-check loudness" "$out/levels-loudness.txt" "$checker" --levels --loudness "$file"
+dd_direct="$dd_best" sondara_check_levels="$levels_best" sondara_check_loudness="$loudness_best"
+printf '  best of three: dd direct %s s, sondara-check levels %s s, with loudness %s s\n' \
+  "$dd_direct" "$sondara_check_levels" "$sondara_check_loudness"
+python3 -c 'import sys; d, l, o, lp, op = map(float, sys.argv[1:]); print(f"  --levels at {d / max(l, 0.01):.0%} of dd direct (90% wanted), --levels --loudness at {d / max(o, 0.01):.0%} (75% wanted); peak memory {lp / 1024:.1f} and {op / 1024:.1f} MiB (32 MiB at most)")' \
+  "$dd_direct" "$sondara_check_levels" "$sondara_check_loudness" "$levels_peak" "$loudness_peak"
 if command -v ffmpeg >/dev/null; then
   evict "$file"
   measure "ffmpeg ebur128" "$out/levels-ffmpeg.txt" ffmpeg -nostats -i "$file" -af ebur128=peak=true -f null -

@@ -50,17 +50,18 @@ bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem
         return RefuseLevels(problem, "loudness is measured at " + FormatCount(kLowestLoudnessRate) +
                                          " Hz and above, not at " + FormatCount(format.sampleRate) + " Hz");
 
-    // The meters of this measurement, and the thread each works on. The
-    // levels and the silence stay on this thread; the clipping runs, the
-    // noise floor and the stereo pairs go whole to the helper, which then
-    // has about as much to do. With the loudness, the K-weighting keeps
-    // this thread busy too, and the helper finds most of the true peaks,
-    // the costliest work of all.
+    // The meters of this measurement, and the thread each works on, so
+    // that the two have about as much to do with 16-bit stereo. The
+    // clipping runs, the noise floor and the stereo pairs go whole to the
+    // helper; the levels and the silence stay on this thread. With the
+    // loudness, the K-weighting keeps this thread busy: the helper finds
+    // most of the true peaks, the costliest work of all, measures the
+    // silence too, and shares the levels.
     std::vector<ChosenMeter> meters;
-    meters.push_back({std::make_unique<LevelMeter>(format)});
+    meters.push_back({std::make_unique<LevelMeter>(format), loudness ? HelperShare::Half : HelperShare::None});
     if (loudness)
         meters.push_back({std::make_unique<LoudnessAndPeakMeter>(format), HelperShare::ThreeQuarters});
-    meters.push_back({std::make_unique<SilenceMeter>(format, settings)});
+    meters.push_back({std::make_unique<SilenceMeter>(format, settings), loudness ? HelperShare::Whole : HelperShare::None});
     meters.push_back({std::make_unique<ClippingRunMeter>(format, settings), HelperShare::Whole});
     meters.push_back({std::make_unique<NoiseFloorMeter>(format), HelperShare::Whole});
     meters.push_back({std::make_unique<StereoPairMeter>(format), HelperShare::Whole});

@@ -1,11 +1,17 @@
 #include "measure/SampleFormat.h"
 
+#include "measure/CodeLanes.h"
 #include "wave/FormatChunk.h"
 #include "wave/FourCc.h"
 
 #include <cstdio>
+#include <type_traits>
 
 namespace {
+
+// A packed sample's width in bytes, as a type.
+template <std::size_t Bytes>
+using Width = std::integral_constant<std::size_t, Bytes>;
 
 constexpr char kOnlyPcm[] = ": levels are measured for PCM (8, 16, 24 and 32-bit) and float (32 and 64-bit) only";
 
@@ -83,36 +89,55 @@ void DecodeFloats(const SampleFormat& format, const std::uint8_t* data, std::uin
     for (std::uint32_t c = 0; c < runs; ++c) {
         const std::uint8_t* from = data + c * bytesPerSample;
         float* target = out + c;
-        const auto convert = [&](auto valueAt) {
+        // Packed samples lie a sample's width apart, a constant of each
+        // kind: then the loop is one the compiler makes vector
+        // instructions of.
+        const auto convert = [&](auto valueAt, auto width) {
+            if (packed) {
+                std::size_t i = 0;
+                // 16-bit codes in rows: the loads the compiler makes one
+                // vector of.
+                if constexpr (width() == 2) {
+                    for (; i + kCodeLanes <= length; i += kCodeLanes) {
+                        std::int16_t codes[kCodeLanes];
+                        LoadCodes(from + i * 2, codes);
+                        for (std::uint32_t l = 0; l < kCodeLanes; ++l)
+                            target[i + l] = static_cast<float>(codes[l]) / 32768.0f;
+                    }
+                }
+                for (; i < length; ++i)
+                    target[i] = valueAt(from + i * width());
+                return;
+            }
             for (std::size_t i = 0; i < length; ++i)
                 target[i * outStep] = valueAt(from + i * step);
         };
         switch (format.kind) {
         case SampleKind::Unsigned8:
-            convert([](const std::uint8_t* p) { return static_cast<float>(SampleAt<1>(p)) / 128.0f; });
+            convert([](const std::uint8_t* p) { return static_cast<float>(SampleAt<1>(p)) / 128.0f; }, Width<1>{});
             break;
         case SampleKind::Signed16:
-            convert([](const std::uint8_t* p) { return static_cast<float>(SampleAt<2>(p)) / 32768.0f; });
+            convert([](const std::uint8_t* p) { return static_cast<float>(SampleAt<2>(p)) / 32768.0f; }, Width<2>{});
             break;
         case SampleKind::Signed24:
-            convert([](const std::uint8_t* p) { return static_cast<float>(SampleAt<3>(p)) / 8388608.0f; });
+            convert([](const std::uint8_t* p) { return static_cast<float>(SampleAt<3>(p)) / 8388608.0f; }, Width<3>{});
             break;
         case SampleKind::Signed32:
             convert([](const std::uint8_t* p) {
                 return static_cast<float>(static_cast<double>(SampleAt<4>(p)) / 2147483648.0);
-            });
+            }, Width<4>{});
             break;
         case SampleKind::Float32:
             convert([](const std::uint8_t* p) {
                 bool kept;
                 return static_cast<float>(Measurable(FloatAt<float>(p), kept));
-            });
+            }, Width<4>{});
             break;
         case SampleKind::Float64:
             convert([](const std::uint8_t* p) {
                 bool kept;
                 return static_cast<float>(Measurable(FloatAt<double>(p), kept));
-            });
+            }, Width<8>{});
             break;
         }
     }
