@@ -50,6 +50,38 @@ std::string Rf64(std::uint64_t riffSize, std::uint64_t dataSize, const std::stri
         .Chunk("fmt ", FormatBody(1, 2, 44100, 16)).ChunkWithSize("data", 0xFFFFFFFF, audio).Bytes();
 }
 
+// Every metadata chunk that --info reads, each with something to warn of:
+// CP932 INFO text under a CSET, a version 2 bext with its coding history,
+// cue points with labels (one for no point), a loop past the audio, acid,
+// cart and an iXML of another rate.
+std::string MetadataWave()
+{
+    RiffBytes cue;
+    cue.U32(2).U32(1).U32(0).Id("data").U32(0).U32(0).U32(2).U32(2).U32(0).Id("data").U32(0).U32(0).U32(9);
+    RiffBytes smpl;
+    smpl.U32(0).U32(0).U32(22675).U32(60).U32(0).U32(0).U32(0).U32(1).U32(0);
+    smpl.U32(1).U32(0).U32(1).U32(4).U32(0).U32(0);
+    std::string bext(602, '\0');
+    bext.replace(0, 4, "take");
+    bext.replace(320, 18, "2024-05-0610:20:30");
+    bext[346] = 2;
+    const std::string adtl = RiffBytes().Chunk("labl", std::string("\1\0\0\0one\0", 8)).Chunk("note", std::string("\7\0\0\0x", 5)).Bytes();
+    const std::string cart = "0101" + std::string(60, 't') + std::string(700, '\0');
+    return Riff(RiffBytes()
+                    .Chunk("CSET", std::string("\xA4\x03\x51\0\x11\0\1\0", 8))
+                    .Raw(ListBytes("INFO", RiffBytes().Chunk("INAM", "\x93\xFA\x96\x7B").Bytes()))
+                    .Chunk("fmt ", FormatBody(1, 1, 44100, 16))
+                    .Chunk("bext", bext + "A=PCM\r\nA=PCM,T=x\r\n")
+                    .Chunk("cue ", cue.Bytes())
+                    .Raw(ListBytes("adtl", adtl))
+                    .Chunk("smpl", smpl.Bytes())
+                    .Chunk("acid", std::string("\3\0\0\0\x3C\0\0\0\0\0\0\0\4\0\0\0\4\0\4\0\0\0\xF0\x42", 24))
+                    .Chunk("cart", cart)
+                    .Chunk("iXML", "<BWFXML><FILE_SAMPLE_RATE>48000</FILE_SAMPLE_RATE></BWFXML>")
+                    .Chunk("data", std::string(8, '\0'))
+                    .Bytes());
+}
+
 std::vector<std::pair<std::string, std::string>> WaveSeeds()
 {
     const std::string fmt = RiffBytes().Chunk("fmt ", FormatBody(1, 2, 44100, 16)).Bytes();
@@ -69,6 +101,7 @@ std::vector<std::pair<std::string, std::string>> WaveSeeds()
         {"rf64-deferred", Rf64(92, 20, std::string(20, 'a'))},
         {"behind-riff", Riff(fmt) + RiffBytes().ChunkNoPad("odd ", "x").Raw(data).Bytes()},
         {"empty", ""},
+        {"metadata", MetadataWave()},
     };
 }
 

@@ -4,12 +4,15 @@
 // must point into the file, the walk that keeps only the registry must
 // give what the whole tree gives, and the RF64 layout's chunks must follow
 // one another from the ds64 chunk on, each beginning inside the file and
-// listed with a mark where it runs past its end. That the check gives the
+// listed with a mark where it runs past its end; the metadata view (whose
+// chunks' parsers the check's warnings meet too) must read every RIFF WAVE
+// file and no other, in text or JSON by the input's length. That the check gives the
 // same report twice is left to the corpus test: a second check cost a
 // quarter of every run, and each walk here opens the file once a data
 // chunk.
 #include "check/FileCheck.h"
 #include "cli/ChunkList.h"
+#include "cli/InfoPrinter.h"
 #include "support/ReportGrammar.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
@@ -36,6 +39,11 @@ public:
     std::size_t lines = 0;
     std::size_t pastFile = 0;
     bool rf64 = false; // listed as RF64, not as the RIFF chunks the reader found in it
+};
+
+class DiscardingSink : public TextSink {
+public:
+    void Put(std::string_view) override {}
 };
 
 void CheckRf64Layout(const WideString& path, std::int64_t size)
@@ -88,6 +96,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!finding.kind || (finding.offset && (*finding.offset < 0 || *finding.offset >= static_cast<std::int64_t>(size))))
             FailInvariant("a finding points outside the file");
     }
+
+    DiscardingSink discard;
+    const bool riffWave = size >= 12 && std::memcmp(data, "RIFF", 4) == 0 && std::memcmp(data + 8, "WAVE", 4) == 0;
+    if (PrintInfo(path, size % 2 == 0, discard) != riffWave)
+        FailInvariant("--info refuses a RIFF WAVE file, or reads another");
 
     // Only a file that begins as RF64 is read as one, so others cost no open.
     if (size >= 4 && std::memcmp(data, "RF64", 4) == 0)

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Checks the same files with the native sondara-check and with the Windows
 # one under Wine, and fails unless both print the very same JSON: the
-# reports, the chunk lists (--chunks), the levels (--levels) and the loudness
+# reports, the chunk lists (--chunks), the metadata (--info, under a Japanese
+# and an English code page), the levels (--levels), the loudness
 # (--loudness) and the verdicts of two shipped policies (--policy). The
 # files are the samples, the fuzzing corpora in the tree, and every file
 # that the native build's tests write.
@@ -204,6 +205,26 @@ for option in "" --chunks --levels --loudness "--policy archive-master" "--polic
         status=1
     fi
 done
+
+# The metadata view decodes text by its own rule, never by the machine's
+# code page: the Windows build under a Japanese and under an English code
+# page must both print what the native build prints, for every file, the
+# fuzzing seeds full of bytes that are not ASCII included.
+source scripts/wine-env.sh
+sondara_wine_japanese_locale
+plain_windows_run=("${windows_run[@]}")
+for locale in ja_JP.UTF-8 en_US.UTF-8; do
+    locale_path=()
+    [[ $locale == ja_JP.UTF-8 && -n $SONDARA_JAPANESE_LOCPATH ]] && locale_path=("LOCPATH=$SONDARA_JAPANESE_LOCPATH")
+    windows_run=(env LC_ALL="$locale" "${locale_path[@]}" "${plain_windows_run[@]}")
+    if compare "$work" --info "${files[@]}"; then
+        echo "compare-builds: ${#files[@]} files with --info, the same JSON from both builds, Wine in $locale" \
+             "($(wc -c <"$work/native--info.json") bytes)"
+    else
+        status=1
+    fi
+done
+windows_run=("${plain_windows_run[@]}")
 
 # compare_walk LABEL NATIVE-ARGUMENTS -- WINDOWS-ARGUMENTS: the JSON Lines of
 # a run that found its files itself must be the same from both builds. Both

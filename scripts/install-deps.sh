@@ -26,6 +26,8 @@ packages=(
     # Differential tests: sox and ffmpeg write and read WAV files of their
     # own, the real-world files that the checker's warnings are tried on.
     sox ffmpeg
+    # The cue points and sampler loops of --info against sndfile-info's.
+    sndfile-programs
     # The loudness's oracle in the tests (never linked by the product), and
     # pkg-config that finds it.
     libebur128-dev pkg-config

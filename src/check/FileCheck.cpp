@@ -1,6 +1,7 @@
 #include "check/FileCheck.h"
 
 #include "check/FileWarnings.h"
+#include "check/MetadataWarnings.h"
 #include "check/WaveCheck.h"
 
 #include <cstdlib>
@@ -72,7 +73,9 @@ void CheckFile(FileLayout& layout, FileCheck& result)
             return;
         }
         StreamGuard guard;
-        FindWarnings(layout.AcquireStream(guard), layout.GetFileSize(), warnings);
+        FileStream& stream = layout.AcquireStream(guard);
+        FindWarnings(stream, layout.GetFileSize(), warnings);
+        FindMetadataWarnings(stream, layout.GetFileSize(), warnings);
     }
 
     const std::u16string_view report = result.report.View();

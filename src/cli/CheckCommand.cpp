@@ -4,6 +4,7 @@
 #include "base/Utf8.h"
 #include "cli/CheckRun.h"
 #include "cli/ChunkList.h"
+#include "cli/InfoPrinter.h"
 #include "cli/CommandLine.h"
 #include "cli/ConsoleSink.h"
 #include "cli/FileSources.h"
@@ -112,6 +113,8 @@ int RunEachFile(RunMode mode, bool json, FileSources& sources, const LevelOption
             sink.Put("== " + WideToPathUtf8(source.path.View()) + "\n");
         if (mode == RunMode::Chunks)
             allWell = ListChunks(source.path, json, sink) && allWell;
+        else if (mode == RunMode::Info)
+            allWell = PrintInfo(source.path, json, sink) && allWell;
         else
             allWell = MeasureFile(source.path, json, levelOptions, sink) && allWell;
         if (flushEachFile)

@@ -24,6 +24,10 @@ constexpr CheckOption kOptions[] = {
      "list every chunk: offset, id, declared size, list type and\n"
      "INFO entries; marks a size that runs past an end",
      HelpListing::OwnLine},
+    {"--info", "",
+     "the metadata chunks: INFO (with the encoding of each text),\n"
+     "bext, cue points and their labels, smpl, acid, cart, iXML",
+     HelpListing::OwnLine},
     {"--levels", "",
      "per channel peak and RMS in dBFS, DC offset, samples at\n"
      "full scale, silence, clipping runs and noise floor, each\n"
@@ -64,7 +68,7 @@ constexpr CheckOption kOptions[] = {
 };
 
 constexpr char kUsage[] = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [--policy FILE] [-j N] FILE...\n"
-                          "       sondara-check [--json] [--chunks | --levels [--loudness] [--target NAME]] FILE...\n"
+                          "       sondara-check [--json] [--chunks | --info | --levels [--loudness] [--target NAME]] FILE...\n"
                           "       sondara-check [--json] --tidy OUT FILE\n";
 constexpr char kAbout[] = "Checks WAV files as the Sondara window does and prints a report for each,\n"
                           "followed by warnings of what the report leaves unsaid.\n"

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr char kOneMode[] = "sondara-check: --chunks, --levels and --tidy go one at a time";
+constexpr char kOneMode[] = "sondara-check: --chunks, --info, --levels and --tidy go one at a time";
 
 // The message, if any, and the usage on standard error; exit status 2.
 int UsageError(const std::string& message)
@@ -99,6 +99,7 @@ struct Flags {
     unsigned jobs = 0;
     bool nulSeparated = false;
     bool chunks = false;
+    bool info = false;
     bool levels = false;
     bool loudness = false;
     bool tidy = false;
@@ -151,6 +152,8 @@ std::optional<int> ReadFlags(const std::vector<std::u16string>& arguments, Flags
                 return UsageError("sondara-check: -j takes a number from 1 to 256");
         } else if (argument == u"--chunks") {
             flags.chunks = true;
+        } else if (argument == u"--info") {
+            flags.info = true;
         } else if (argument == u"--levels") {
             flags.levels = true;
         } else if (argument == u"--loudness") {
@@ -199,11 +202,11 @@ std::optional<int> DecideMode(Flags& flags, CommandLine& line)
 {
     const bool customTarget = flags.customGiven[0] || flags.customGiven[1] || flags.customGiven[2];
     const bool levels = flags.levels || flags.loudness || !flags.targetName.empty() || customTarget || flags.meterOptions;
-    if (int{flags.chunks} + int{levels} + int{flags.tidy} > 1)
+    if (int{flags.chunks} + int{flags.info} + int{levels} + int{flags.tidy} > 1)
         return UsageError(kOneMode);
     if (flags.formats > 1)
         return UsageError("sondara-check: --json, --jsonl and --csv go one at a time");
-    line.mode = flags.chunks ? RunMode::Chunks : levels ? RunMode::Levels : flags.tidy ? RunMode::Tidy : RunMode::Check;
+    line.mode = flags.chunks ? RunMode::Chunks : flags.info ? RunMode::Info : levels ? RunMode::Levels : flags.tidy ? RunMode::Tidy : RunMode::Check;
     LevelOptions& levelOptions = line.levelOptions;
     levelOptions.loudness = flags.loudness || !flags.targetName.empty() || customTarget;
     levelOptions.meters = flags.meters;

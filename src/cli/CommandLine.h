@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-enum class RunMode { Check, Chunks, Levels, Tidy };
+enum class RunMode { Check, Chunks, Info, Levels, Tidy };
 
 // What --levels measures beyond the levels: loudness, and a target; the
 // settings of the meters that always run; and whether a warning fails.

@@ -2,6 +2,7 @@
 
 #include "base/Utf8.h"
 #include "files/FileStream.h"
+#include "mend/KeptMarks.h"
 #include "mend/TidyPlan.h"
 #include "mend/TidyWalk.h"
 #include "platform/FileSystem.h"
@@ -100,5 +101,6 @@ bool MakeTidyCopy(FileLayout& input, const WideString& output, std::vector<std::
     }
     // The new name is on the disk only once its folder is.
     platform::FlushFolderOf(output.View());
+    SayMarksPastAudio(output, changes);
     return true;
 }

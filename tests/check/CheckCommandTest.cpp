@@ -20,7 +20,7 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
     // A name that a spreadsheet would take for a formula stays text in CSV.
     dir.Write("=HYPERLINK(\"x\").wav", SoundWave());
     const std::string usage = "usage: sondara-check [--json | --jsonl | --csv] [--strict] [--policy FILE] [-j N] FILE...\n"
-                              "       sondara-check [--json] [--chunks | --levels [--loudness] [--target NAME]] FILE...\n"
+                              "       sondara-check [--json] [--chunks | --info | --levels [--loudness] [--target NAME]] FILE...\n"
                               "       sondara-check [--json] --tidy OUT FILE\n";
     const std::string soundChunks = "RIFF at 0, 52 bytes, form WAVE\n  fmt  at 12, 16 bytes\n  data at 36, 16 bytes\n";
     const std::string silentChannel = "peak -inf dBFS, RMS -inf dBFS, DC offset 0.000000, 0 samples at full scale\n";
@@ -93,7 +93,7 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
          "\"findings\": [{\"code\": \"audio.silent\", \"severity\": \"warning\", "
          "\"message\": \"The whole file is below the silence threshold.\", \"text\": "
          "\"\\u97f3\\u58f0\\u5168\\u4f53\\u304c\\u7121\\u97f3\\u306e\\u3057\\u304d\\u3044\\u5024\\u3088\\u308a\\u5c0f\\u3055\\u3044\\u3067\\u3059\\u3002\"}]}\n]\n", ""},
-        {{"--levels", "--chunks", "sound.wav"}, 2, "", "sondara-check: --chunks, --levels and --tidy go one at a time\n" + usage},
+        {{"--levels", "--chunks", "sound.wav"}, 2, "", "sondara-check: --chunks, --info, --levels and --tidy go one at a time\n" + usage},
         {{"--tidy"}, 2, "", "sondara-check: --tidy needs the path of the copy\n" + usage},
         {{"--tidy", "copy.wav", "sound.wav", "-"}, 2, "", "sondara-check: --tidy copies one file at a time\n" + usage},
         // The copy never goes over a file, its input included.

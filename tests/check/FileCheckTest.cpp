@@ -43,6 +43,29 @@ std::string Describe(const std::string& code, std::int64_t offset, const std::st
     return line;
 }
 
+// A bext body of 602 bytes with these texts and version, loudness all 0.
+std::string BextBody(const std::string& description, const std::string& date, const std::string& time,
+                     std::uint16_t version = 1)
+{
+    std::string body(602, '\0');
+    body.replace(0, description.size(), description);
+    body.replace(320, date.size(), date);
+    body.replace(330, time.size(), time);
+    body[346] = static_cast<char>(version);
+    return body;
+}
+
+// A cue chunk's body of points at these frames, each its place's id.
+std::string CueBody(std::initializer_list<std::uint32_t> frames)
+{
+    RiffBytes body;
+    body.U32(static_cast<std::uint32_t>(frames.size()));
+    std::uint32_t id = 0;
+    for (std::uint32_t frame : frames)
+        body.U32(++id).U32(frame).Id("data").U32(0).U32(0).U32(frame);
+    return body.Bytes();
+}
+
 struct Expected {
     std::string code;
     std::int64_t offset = -1;
@@ -114,6 +137,32 @@ TEST(FileCheckFindings, EachKindAtTheChunkItIsAboutWithItsFigures)
         {"partial frame", Riff(kFmt + DataBytes(partial)), {{"data.partial-frame", 36, "data", 3527, 3524}}, true},
         {"partial frame, the format behind the data", Riff(DataBytes(partial) + kFmt),
          {{"data.partial-frame", 12, "data", 3527, 3524}}, true},
+        // The metadata: each chunk at 36, behind the format chunk, and the
+        // audio of 100 frames.
+        {"bext texts", Riff(kFmt + RiffBytes().Chunk("bext", BextBody("Caf\xE9", "06/05/2024", "10h20")).Bytes() + data),
+         {{"bext.text-not-ascii", 36, "bext"}, {"bext.date-form", 36, "bext"}, {"bext.time-form", 36, "bext"}}, true},
+        {"bext of version 2 behind the audio, its loudness 0",
+         Riff(kFmt + data + RiffBytes().Chunk("bext", BextBody("", "2024_05_06", "10.20.30", 2)).Bytes()),
+         {{"bext.loudness-unset", 444, "bext", 2}, {"bext.after-data", 444, "bext"}}, true},
+        {"INFO text of no encoding",
+         Riff(kFmt + RiffBytes().Chunk("LIST", RiffBytes().Id("INFO").Chunk("INAM", "\x81 ").Bytes()).Bytes() + data),
+         {{"info.text-undecodable", 48, "INAM"}}, true},
+        {"cue points", Riff(kFmt + RiffBytes().Chunk("cue ", CueBody({99, 100})).Bytes() + data),
+         {{"cue.past-end", 36, "cue ", 100, 100}}, true},
+        // Loops: ending at the frame count, reversed; three counted.
+        {"sampler loops",
+         Riff(kFmt + RiffBytes().Chunk("smpl", RiffBytes().U32(0).U32(0).U32(22675).U32(60).U32(0).U32(0).U32(0).U32(3).U32(0)
+                                                   .U32(1).U32(0).U32(0).U32(100).U32(0).U32(0)
+                                                   .U32(2).U32(0).U32(50).U32(40).U32(0).U32(0).Bytes()).Bytes() + data),
+         {{"smpl.loop-count", 36, "smpl", 3, 2}, {"smpl.loop-past-end", 36, "smpl", 100, 100},
+          {"smpl.loop-reversed", 36, "smpl", 50, 40}}, true},
+        {"a label of no cue point",
+         Riff(kFmt + RiffBytes().Chunk("cue ", CueBody({5})).Bytes() +
+              ListBytes("adtl", RiffBytes().Chunk("labl", std::string("\1\0\0\0a", 6)).Chunk("labl", std::string("\7\0\0\0b", 6)).Bytes()) + data),
+         {{"adtl.unknown-cue", 98, "labl", 7}}, true},
+        {"iXML of another rate",
+         Riff(kFmt + RiffBytes().Chunk("iXML", "<BWFXML><SPEED><FILE_SAMPLE_RATE>48000</FILE_SAMPLE_RATE></SPEED></BWFXML>").Bytes() + data),
+         {{"ixml.sample-rate", 36, "iXML", 48000, 44100}}, true},
         // A compressed format's block holds many frames, and its last one
         // may be cut short.
         {"blocks of a compressed format", Riff(FmtBytes(FormatBodyAligned(0x11, 1, 8000, 4, 256)) + DataBytes(std::string(300, '\0'))),

@@ -223,10 +223,11 @@ TEST(CheckerOutput, ListsAndOptionsInAnyForm)
         }
     }
     for (const std::vector<std::string>& arguments :
-         std::vector<std::vector<std::string>>{{"--loudness", "--chunks", "a.wav"}, {"--tidy", "c.wav", "--target", "streaming", "a.wav"}}) {
+         std::vector<std::vector<std::string>>{{"--loudness", "--chunks", "a.wav"}, {"--info", "--levels", "a.wav"},
+                                              {"--tidy", "c.wav", "--target", "streaming", "a.wav"}}) {
         const CheckerOutcome outcome = RunChecker(dir, arguments);
         EXPECT_EQ(outcome.status, 2);
-        EXPECT_TRUE(outcome.err.starts_with("sondara-check: --chunks, --levels and --tidy go one at a time\n"));
+        EXPECT_TRUE(outcome.err.starts_with("sondara-check: --chunks, --info, --levels and --tidy go one at a time\n"));
     }
 }
 
