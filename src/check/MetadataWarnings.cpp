@@ -121,7 +121,7 @@ void FindMetadataWarnings(FileStream& stream, std::int64_t fileSize, std::vector
         } else if (chunk.listType == "INFO") {
             for (const ListEntry& entry : ReadListEntries(chunk.body, chunk.offset + 12)) {
                 if (IsUndecodable(DecodeMetadataText(entry.body, scan.codePage)))
-                    Warn(warnings, "info.text-undecodable", entry.offset, entry.id);
+                    Warn(warnings, "info.text-undecodable", entry.offset, IdText(entry.id));
             }
         } else if (chunk.id == "cue ") {
             for (const CuePoint& point : ReadCuePoints(chunk.body)) {

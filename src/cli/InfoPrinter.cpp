@@ -14,7 +14,7 @@
 #include "wave/MetadataScan.h"
 #include "wave/SamplerFields.h"
 
-#include <cstdio>
+#include <cmath>
 
 namespace {
 
@@ -23,13 +23,6 @@ struct MetadataFacts {
     std::optional<std::uint16_t> codePage;
     std::vector<AdtlLabel> labels;  // of every adtl list
 };
-
-std::string Printed(const char* form, double value)
-{
-    char text[64];
-    std::snprintf(text, sizeof text, form, value);
-    return text;
-}
 
 // At least two digits, as a clock writes hours, minutes and seconds.
 std::string TwoDigits(std::uint64_t value)
@@ -42,7 +35,7 @@ void Place(InfoRecord& record, const std::string& name, std::uint64_t frames, st
 {
     record.Number(name, static_cast<std::int64_t>(frames));
     if (rate)
-        record.Raw(name + "Seconds", Printed("%.6f", double(frames) / rate), Printed("%.6f s", double(frames) / rate));
+        record.Raw(name + "Seconds", FormatFixed(double(frames) / rate, 6), FormatFixed(double(frames) / rate, 6) + " s");
 }
 
 void PrintBext(InfoRecord& record, BodySpan body, const MetadataFacts& facts)
@@ -79,8 +72,8 @@ void PrintBext(InfoRecord& record, BodySpan body, const MetadataFacts& facts)
             if (loudness[i].second == kBextLoudnessUnset)
                 record.Raw(loudness[i].first, "null", "unset");
             else
-                record.Raw(loudness[i].first, Printed("%.2f", loudness[i].second / 100.0),
-                           Printed("%.2f ", loudness[i].second / 100.0) + units[i]);
+                record.Raw(loudness[i].first, FormatFixed(loudness[i].second / 100.0, 2),
+                           FormatFixed(loudness[i].second / 100.0, 2) + " " + units[i]);
         }
     }
     std::vector<MetadataText> history;
@@ -121,7 +114,7 @@ void PrintAdtl(InfoRecord& record, const MetadataChunk& chunk, const MetadataFac
         record.Number("cue", label.cueId);
         if (label.id == "ltxt") {
             record.Number("length", label.length);
-            record.String("purpose", label.purpose);
+            record.String("purpose", IdText(label.purpose));
         }
         record.Text("text", DecodeMetadataText(label.text, facts.codePage));
         record.EndObject();
@@ -158,7 +151,11 @@ void PrintSampler(InfoRecord& record, BodySpan body, const MetadataFacts& facts)
 void PrintAcid(InfoRecord& record, BodySpan body)
 {
     const AcidFields acid = ReadAcidFields(body);
-    record.Raw("tempo", Printed("%.3f", acid.tempo), Printed("%.3f", acid.tempo));
+    // A tempo that is no number is said as none, as JSON has no NaN.
+    if (std::isfinite(acid.tempo))
+        record.Raw("tempo", FormatFixed(acid.tempo, 3), FormatFixed(acid.tempo, 3));
+    else
+        record.Raw("tempo", "null", "none");
     record.Number("beats", acid.beats);
     record.String("meter", std::to_string(acid.meterNumerator) + "/" + std::to_string(acid.meterDenominator));
     if (acid.rootNoteSet)
@@ -211,8 +208,8 @@ void PrintChunk(InfoRecord& record, const MetadataChunk& chunk, const MetadataFa
     if (chunk.listType == "INFO") {
         record.BeginList("entries");
         for (const ListEntry& entry : ReadListEntries(body, chunk.offset + 12)) {
-            record.BeginObject(entry.id + " at " + FormatCount(entry.offset));
-            record.JsonString("id", entry.id);
+            record.BeginObject(IdText(entry.id) + " at " + FormatCount(entry.offset));
+            record.JsonString("id", IdText(entry.id));
             record.JsonNumber("offset", entry.offset);
             record.Text("text", DecodeMetadataText(entry.body, facts.codePage));
             record.EndObject();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/TextFormat.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <span>
@@ -43,4 +45,14 @@ inline std::string BodyId(BodySpan body, std::size_t offset)
     for (std::size_t i = 0; i < 4; ++i)
         id[i] = offset + i < body.size() ? static_cast<char>(body[offset + i]) : ' ';
     return id;
+}
+
+// An id as read, each byte that is not printable ASCII escaped, as every
+// listing and message of the checker names chunks.
+inline std::string IdText(const std::string& id)
+{
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < 4 && i < id.size(); ++i)
+        value |= std::uint32_t{static_cast<std::uint8_t>(id[i])} << (8 * i);
+    return ChunkIdText(value);
 }
