@@ -10,8 +10,8 @@ bext that ffmpeg writes from its metadata keys, field by field; cue points
 and sampler loops of the test's own bytes, against sndfile-info's --cue and
 --instrument. Then no warning on the files ffmpeg writes with bext and
 INFO; the tidy copy of an unfinished recording
-saying which marks it keeps past its audio. A read error ends --info with
-status 1.
+saying which marks it keeps past its audio. A read error, a file that is
+not RIFF WAVE and a missing one end --info with status 1 and say so.
 """
 import json
 import os
@@ -184,15 +184,21 @@ def check_tidy_says_marks_past_the_audio(checker, work):
                 "smpl loop 3 ends at frame 100, past the 100 frames of audio kept"]))
 
 
-def check_read_error(checker, shim, work):
+def check_unreadable(checker, shim, work):
+    """A read that fails, a file that is not RIFF WAVE, and no file: each
+    said, in text and JSON, with exit status 1."""
     path = os.path.join(work, "broken-read.wav")
     with open(path, "wb") as out:
         out.write(wave(bext(b"x"), frames=2000))
+    with open(os.path.join(work, "text.wav"), "wb") as out:
+        out.write(b"RIFF, but then text")
     env = dict(os.environ, LD_PRELOAD=shim, SONDARA_FAULT_PATH="broken-read", SONDARA_FAULT_EIO_AFTER="60")
-    for arguments, marker in ((["--info"], b"(read error)"), (["--info", "--json"], b'"error": "read error"')):
-        result = run(checker, arguments + [path], env)
-        if result.returncode != 1 or marker not in result.stdout:
-            FAILURES.append(f"{arguments} on a read error: status {result.returncode}, {result.stdout!r}")
+    for name, problem in (("broken-read.wav", "read error"), ("text.wav", "not a RIFF WAVE file"),
+                          ("none.wav.missing", "no such file")):
+        for arguments, marker in ((["--info"], f"({problem})"), (["--info", "--json"], f'"error": "{problem}"')):
+            result = run(checker, arguments + [os.path.join(work, name)], env)
+            if result.returncode != 1 or marker.encode() not in result.stdout:
+                FAILURES.append(f"{arguments} {name}: status {result.returncode}, {result.stdout!r}")
 
 
 def main():
@@ -204,7 +210,7 @@ def main():
     check_cue_and_loops(checker, work)
     check_no_warnings_on_ffmpeg_files(checker, work)
     check_tidy_says_marks_past_the_audio(checker, work)
-    check_read_error(checker, shim, work)
+    check_unreadable(checker, shim, work)
     for failure in FAILURES:
         print(failure)
     return 1 if FAILURES else 0
