@@ -197,6 +197,7 @@ TEST(CheckCommandProgram, EachModeOpensItsInputOnce)
         {{"--levels", "take.wav"}, 2},
         {{"--levels", "--loudness", "take.wav"}, 2},
         {{"--chunks", "take.wav"}, 1},
+        {{"--info", "take.wav"}, 1},
         {{"--tidy", "copy.wav", "take.wav"}, 1},
         {{"--levels", "take64.wav"}, 2},
         {{"--tidy", "copy64.wav", "take64.wav"}, 1},
