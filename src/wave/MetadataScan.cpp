@@ -50,31 +50,33 @@ MetadataScanResult ScanMetadata(FileStream& stream, std::int64_t fileSize, Metad
         const std::string id = BodyId(head, 0);
         const std::uint32_t size = BodyU32(head, 4);
         const std::int64_t held = std::min<std::int64_t>(size, riffEnd - position - 8);
-        const bool list = id == "LIST" && held >= 4;
+        // Of the lists, only INFO and adtl are metadata: the type is read
+        // first, so that no other list's body is read.
+        std::uint8_t type[4] = {};
+        if (id == "LIST" && held >= 4 && !ReadAt(stream, position + 8, type, 4))
+            return MetadataScanResult::ReadFailed;
+        const std::string listType = BodyId(BodySpan(type, 4), 0);
+        const bool list = id == "LIST" && held >= 4 && (listType == "INFO" || listType == "adtl");
         const bool metadata = IsMetadataId(id) || list;
         if (metadata && scan.chunks.size() >= kMostMetadataChunks) {
             scan.cutShort = true;
         } else if (metadata || (id == "fmt " && scan.blockAlign == 0)) {
-            MetadataChunk chunk{position, id, "", size, {}, dataSeen};
+            MetadataChunk chunk{position, id, list ? listType : "", size, {}, dataSeen};
+            const std::int64_t start = position + 8 + (list ? 4 : 0);
+            const std::int64_t body = held - (list ? 4 : 0);
             const std::int64_t room = std::int64_t{kMostMetadataBytesInAll} - static_cast<std::int64_t>(scan.bodyBytes);
-            const std::int64_t kept = std::min<std::int64_t>({held, kMostMetadataBytes, std::max<std::int64_t>(room, 40)});
-            scan.cutShort = scan.cutShort || kept < std::min<std::int64_t>(held, kMostMetadataBytes);
+            const std::int64_t kept = std::min<std::int64_t>({body, kMostMetadataBytes, std::max<std::int64_t>(room, 40)});
+            scan.cutShort = scan.cutShort || kept < std::min<std::int64_t>(body, kMostMetadataBytes);
             scan.bodyBytes += static_cast<std::uint64_t>(kept);
             chunk.body.resize(static_cast<std::size_t>(kept));
-            if (!chunk.body.empty() && !ReadAt(stream, position + 8, chunk.body.data(), static_cast<std::uint32_t>(chunk.body.size())))
+            if (!chunk.body.empty() && !ReadAt(stream, start, chunk.body.data(), static_cast<std::uint32_t>(chunk.body.size())))
                 return MetadataScanResult::ReadFailed;
-            if (list) {
-                chunk.listType = BodyId(chunk.body, 0);
-                chunk.body.erase(chunk.body.begin(), chunk.body.begin() + 4);
-            }
             if (id == "fmt ") {
                 scan.sampleRate = BodyU32(chunk.body, 4);
                 scan.blockAlign = BodyU16(chunk.body, 12);
-            } else if (id == "CSET") {
-                if (!scan.codePage)
+            } else {
+                if (id == "CSET" && !scan.codePage)
                     scan.codePage = BodyU16(chunk.body, 0);
-                scan.chunks.push_back(std::move(chunk));
-            } else if (!list || chunk.listType == "INFO" || chunk.listType == "adtl") {
                 scan.chunks.push_back(std::move(chunk));
             }
         }
