@@ -4,9 +4,12 @@
 // than the file, counts no more samples apart than it measured, and has
 // finite figures, or none (-inf) only where there is silence; the meters
 // beyond the levels give figures inside what the file holds; its lines
-// print. A refusal says why.
+// print. A refusal says why. The MD5 of the audio, beside the levels and
+// alone, is one and the same, of no more bytes than the file holds, and a
+// stored MD5 chunk is read only when it is 16 bytes.
 #include "cli/LevelsPrinter.h"
 #include "measure/Levels.h"
+#include "wave/Md5Chunk.h"
 
 #include "FuzzInput.h"
 
@@ -28,6 +31,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     static const std::string input = ScratchPath(".wav");
     WriteScratch(input, data, size);
+
+    {
+        Md5ChunkFinder finder;
+        FileLayout alone(WideString::FromAscii(input), kLevelsReading, &finder);
+        AudioMd5 md5, beside;
+        std::string why;
+        const bool hashed = HashAudio(alone, md5, why);
+        if (hashed == why.empty() || (hashed && md5.Hashed() > static_cast<std::int64_t>(size)))
+            FailInvariant("an MD5 of more than the file, or a refusal without a reason");
+        const StoredMd5 stored = FindStoredMd5(alone, finder);
+        if (stored.read && stored.size != kMd5ChunkBytes)
+            FailInvariant("a stored MD5 read from a chunk of another size");
+        FileLayout again(WideString::FromAscii(input), kLevelsReading);
+        LevelReport levels;
+        if (MeasureLevels(again, levels, why, false, {}, {}, &beside) && beside.IsComputed() &&
+            (!hashed || beside.GetDigest() != md5.GetDigest()))
+            FailInvariant("the MD5 beside the levels is not the MD5 alone");
+    }
 
     FileLayout layout(WideString::FromAscii(input), kLevelsReading);
     LevelReport report;

@@ -10,6 +10,8 @@ set -euo pipefail
 packages=(
     # The native build and its tests.
     cmake ninja-build g++ googletest
+    # The MD5 of the audio (--md5) on Linux: OpenSSL's libcrypto.
+    libssl-dev
     # The reader of delivery policies (TOML), header-only: the same headers
     # serve the native and the Windows builds.
     libtomlplusplus-dev

@@ -44,6 +44,15 @@ constexpr FindingKind kKinds[] = {
     {"file.broken-link", Severity::Error, u"リンク先がありません。", "A link leads to nothing.",
      "Mend or remove the link."},
 
+    // What --md5 finds of a stored MD5 chunk; never a line of the report.
+    {"data.md5-mismatch", Severity::Error, u"音声データのMD5が保存されたMD5と一致しません。",
+     "The MD5 of the data chunk does not match the one stored in the MD5 chunk.",
+     "The audio changed after its MD5 was stored: restore it from a copy that verifies; if the change is known, "
+     "store a new MD5 with --tidy OUT --md5."},
+    {"data.md5-size", Severity::Error, u"MD5チャンクのサイズが16バイトではありません。",
+     "The MD5 chunk is not 16 bytes, so it holds no MD5 to compare.",
+     "Store a new MD5 with --tidy OUT --md5 from a copy that is known to be good."},
+
     {"container.rf64", Severity::Warning, u"RF64形式のファイルです。", "The file is RF64, not RIFF.",
      "RF64 holds recordings over 4 GiB; convert it to RIFF if it fits, or use a tool that reads RF64."},
     {"riff.size-placeholder", Severity::Warning, u"RIFFのサイズが仮の値のままです（録音が終わっていない可能性があります）。",

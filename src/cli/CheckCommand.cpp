@@ -10,12 +10,15 @@
 #include "cli/FileSources.h"
 #include "cli/LevelWarnings.h"
 #include "cli/LevelsPrinter.h"
+#include "cli/Md5Verdict.h"
 #include "cli/ProgressLine.h"
+#include "measure/AudioMd5.h"
 #include "measure/DeliveryTarget.h"
 #include "measure/Levels.h"
 #include "mend/TidyCopy.h"
 #include "platform/Console.h"
 #include "wave/FileLayout.h"
+#include "wave/Md5Chunk.h"
 
 #include <cmath>
 
@@ -33,38 +36,67 @@ std::string TargetMissJson(const TargetMiss& miss)
     return json + "}";
 }
 
-// One file's levels, and its target's verdict, to the sink; false when it
-// can't be measured, holds samples that are no number or misses the target.
+// What --md5 adds to a file's levels, or says alone: the verdict on its
+// MD5 beside the stored one, or why there is none. sound goes false with a
+// finding, or without an MD5.
+std::string Md5Part(bool json, const AudioMd5& md5, const StoredMd5& stored, bool& sound)
+{
+    if (!md5.IsComputed()) {
+        sound = false;
+        if (!json)
+            return "md5: not computed: " + md5.GetProblem() + "\n";
+        std::string object = "\"md5\": {\"error\": ";
+        AppendJsonString(object, Utf8ToWide(md5.GetProblem()));
+        return object + "}";
+    }
+    const Md5Verdict verdict = JudgeMd5(md5.GetDigest(), stored);
+    sound = sound && verdict.findings.empty();
+    return json ? FormatMd5Json(verdict) : FormatMd5Text(verdict);
+}
+
+// One file's levels, its target's verdict and its MD5, as asked, to the
+// sink; false when it can't be measured, holds samples that are no number,
+// misses the target or its MD5 has a finding.
 bool MeasureFile(const WideString& path, bool json, const LevelOptions& levelOptions, TextSink& sink)
 {
     LevelReport report;
     std::string problem;
     bool measured = false;
+    AudioMd5 md5;
+    StoredMd5 stored;
     {
-        FileLayout layout(path, kLevelsReading);
+        Md5ChunkFinder finder;
+        FileLayout layout(path, kLevelsReading, levelOptions.md5 ? &finder : nullptr);
         ProgressLine progress;
         const std::string name = WideToUtf8(path.View());
-        measured = MeasureLevels(layout, report, problem, levelOptions.loudness, [&](std::int64_t done, std::int64_t total) {
+        const MeasureProgress shown = [&](std::int64_t done, std::int64_t total) {
             if (total > 0)
                 progress.Update([&] { return "measuring " + name + ": " + std::to_string(done * 100 / total) + "%"; });
-        }, levelOptions.meters);
+        };
+        measured = levelOptions.levels ? MeasureLevels(layout, report, problem, levelOptions.loudness, shown,
+                                                       levelOptions.meters, levelOptions.md5 ? &md5 : nullptr)
+                                       : HashAudio(layout, md5, problem, shown);
+        if (measured && levelOptions.md5)
+            stored = FindStoredMd5(layout, finder);
     }
     // What the audio shows beyond its figures; with --strict, a warning
     // fails the file as it fails a check.
-    const std::vector<Finding> warnings = measured ? FindLevelWarnings(report) : std::vector<Finding>();
+    const bool levels = measured && levelOptions.levels;
+    const std::vector<Finding> warnings = levels ? FindLevelWarnings(report) : std::vector<Finding>();
     // Samples that are no number are left out of every figure, and the
     // file is not sound for having them.
-    bool sound = measured && CountNonFinite(report) == 0;
+    bool sound = measured && (!levels || CountNonFinite(report) == 0);
     std::vector<TargetMiss> misses;
-    if (measured && levelOptions.hasTarget) {
+    if (levels && levelOptions.hasTarget) {
         misses = FindTargetMisses(levelOptions.target, report.loudness);
         sound = sound && misses.empty();
     }
     sound = sound && !(levelOptions.strict && !warnings.empty());
+    const std::string md5Part = measured && levelOptions.md5 ? Md5Part(json, md5, stored, sound) : "";
     if (json) {
         std::string object = "{\"path\": ";
         AppendJsonString(object, path.View());
-        if (measured) {
+        if (levels) {
             object += ", " + FormatLevelsJson(report, warnings);
             if (levelOptions.hasTarget) {
                 object += ", \"target\": {\"name\": ";
@@ -74,22 +106,20 @@ bool MeasureFile(const WideString& path, bool json, const LevelOptions& levelOpt
                     object += (m ? ", " : "") + TargetMissJson(misses[m]);
                 object += "]}";
             }
-            object += "}";
-        } else {
+        } else if (!measured) {
             object += ", \"error\": ";
             AppendJsonString(object, Utf8ToWide(problem));
-            object += "}";
         }
-        sink.Put(object);
+        sink.Put(object + (md5Part.empty() ? "" : ", " + md5Part) + "}");
     } else {
-        std::string text = measured ? FormatLevelsText(report, warnings) : "(" + problem + ")\n";
-        if (measured && levelOptions.hasTarget) {
+        std::string text = levels ? FormatLevelsText(report, warnings) : measured ? "" : "(" + problem + ")\n";
+        if (levels && levelOptions.hasTarget) {
             if (misses.empty())
                 text += "target " + levelOptions.target.name + ": pass\n";
             for (const TargetMiss& miss : misses)
                 text += "target " + levelOptions.target.name + ": " + miss.text + "\n";
         }
-        sink.Put(text);
+        sink.Put(text + md5Part);
     }
     return sound;
 }
@@ -125,12 +155,12 @@ int RunEachFile(RunMode mode, bool json, FileSources& sources, const LevelOption
     return allWell ? 0 : 1;
 }
 
-int RunTidy(bool json, const WideString& output, const WideString& input)
+int RunTidy(bool json, const WideString& output, const WideString& input, bool storeMd5)
 {
     std::vector<std::string> changes;
     std::string problem;
     FileLayout layout(input, kTidyReading);
-    const bool written = MakeTidyCopy(layout, output, changes, problem);
+    const bool written = MakeTidyCopy(layout, output, changes, problem, storeMd5);
     ConsoleSink sink(json ? ConsoleSink::Bytes::Exact : ConsoleSink::Bytes::Text);
     if (json) {
         std::string object = "[\n  {\"path\": ";
@@ -182,7 +212,7 @@ int ConsoleMain(const std::vector<std::u16string>& arguments)
         return *status;
     const bool json = line.format == OutputFormat::Json;
     if (line.mode == RunMode::Tidy)
-        return RunTidy(json, line.tidyOutput, line.paths[0]);
+        return RunTidy(json, line.tidyOutput, line.paths[0], line.tidyMd5);
 
     FileSources sources(std::move(line.paths), SourceOptions{line.nulSeparated});
     const int status = line.mode == RunMode::Check ? RunCheckMode(line, sources)

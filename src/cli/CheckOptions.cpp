@@ -58,6 +58,12 @@ constexpr CheckOption kOptions[] = {
     {"--tolerance", "Y", "the tolerance of --target-lufs in LU (default 1)", HelpListing::BesideTheOneAbove},
     {"--max-true-peak", "Z", "the highest true peak of --target-lufs in dBTP (default -1)",
      HelpListing::BesideTheOneAbove},
+    {"--md5", "",
+     "the MD5 of the data chunk's bytes, beside the one an MD5\n"
+     "chunk stores (match, mismatch or none stored); alone, in\n"
+     "the same read as --levels, or with --tidy, which stores it\n"
+     "in the copy",
+     HelpListing::OwnLine},
     {"--tidy", "OUT",
      "write a mended copy of FILE to the new path OUT and say\n"
      "what changed; refused where anything would be lost",
@@ -78,7 +84,7 @@ constexpr char kExitStatus[] = "Exit status:\n"
                                "  0  every report is clear (warnings alone too, unless --strict)\n"
                                "  1  a report has a finding, a path can't be read, a policy fails, or\n"
                                "     with --strict a file has a warning or a policy warns; a file can't\n"
-                               "     be listed, measured or copied\n"
+                               "     be listed, measured, hashed or copied; an MD5 does not match\n"
                                "  2  bad usage\n"
                                "A folder, or standard input, that gives no file to check is said on\n"
                                "standard error, and makes the exit status 1.\n";

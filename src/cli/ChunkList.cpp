@@ -4,8 +4,10 @@
 #include "base/Utf8.h"
 #include "wave/ChunkObserver.h"
 #include "wave/FileLayout.h"
+#include "files/FileStream.h"
 #include "wave/InfoChunk.h"
 #include "wave/ListChunk.h"
+#include "wave/Md5Chunk.h"
 #include "wave/RootChunk.h"
 #include "wave/WaveDocument.h"
 
@@ -32,6 +34,22 @@ std::u16string_view Trimmed(const WideString& text)
     while (!view.empty() && view.back() == u'\0')
         view.remove_suffix(1);
     return view;
+}
+
+// The hash that an MD5 chunk of 16 bytes at position holds, read through a
+// stream of its own while the walk's reads the chunks around it; empty for
+// another chunk, or one that can't be read.
+std::string StoredHashAt(const WideString& path, std::uint32_t id, std::int64_t position, std::int64_t size)
+{
+    if (id != kIdMd5 || size != kMd5ChunkBytes)
+        return "";
+    FileStream stream;
+    StoredMd5 stored;
+    stored.position = position;
+    stored.size = size;
+    return stream.OpenPlain(path, platform::kFileAttributeNormal) && ReadStoredMd5(stream, stored)
+               ? Md5Hex(stored.digest)
+               : "";
 }
 
 void PutProblem(bool json, TextSink& sink, const std::string& problem)
@@ -74,8 +92,9 @@ private:
 class Lister : public ChunkObserver {
 public:
     Lister(bool json, TextSink& sink, std::int64_t fileSize, const WaveDocument& document,
-           std::vector<std::int64_t> droppedRiffs)
-        : json(json), sink(sink), fileSize(fileSize), document(document), droppedRiffs(std::move(droppedRiffs))
+           std::vector<std::int64_t> droppedRiffs, const WideString& path)
+        : json(json), sink(sink), fileSize(fileSize), document(document), droppedRiffs(std::move(droppedRiffs)),
+          path(path)
     {
         std::sort(this->droppedRiffs.begin(), this->droppedRiffs.end());
     }
@@ -159,6 +178,7 @@ private:
         if (const auto* root = dynamic_cast<const RootChunk*>(&chunk))
             form = root->GetFormType();
         const auto* info = listChild ? dynamic_cast<const InfoChunk*>(listChild) : nullptr;
+        const std::string hash = StoredHashAt(path, chunk.GetId(), chunk.GetPosition(), chunk.GetSize());
 
         std::string line;
         if (json) {
@@ -186,6 +206,7 @@ private:
                 }
                 line += "}";
             }
+            line += hash.empty() ? "" : ", \"md5\": \"" + hash + "\"";
             line += std::string(", \"pastFileEnd\": ") + (pastFile ? "true" : "false") +
                     ", \"pastParentEnd\": " + (pastParent ? "true" : "false") + "}";
         } else {
@@ -201,6 +222,7 @@ private:
                 for (std::int32_t i = 0; info->GetEntries().GetEntry(i, key, value); ++i)
                     line += (i ? ", " : ": ") + WideToUtf8(key.View()) + " \"" + WideToUtf8(Trimmed(value)) + "\"";
             }
+            line += hash.empty() ? "" : ", md5 " + hash;
             if (pastFile)
                 line += "; runs past the end of the file by " + FormatCount(end - fileSize) + " bytes";
             if (pastParent)
@@ -225,6 +247,7 @@ private:
     std::int64_t fileSize;
     const WaveDocument& document;
     std::vector<std::int64_t> droppedRiffs;
+    const WideString& path;
     bool first = true;
     bool allFit = true;
     bool metRiff = false;
@@ -251,6 +274,7 @@ bool ListRf64(const FileLayout& file, bool json, TextSink& sink)
         const bool pastParent = parentEnd >= 0 && end > parentEnd;
         allFit = allFit && !pastFile && !pastParent;
         const bool deferred = size32 == kRf64DefersSize && size != size32;
+        const std::string hash = StoredHashAt(file.GetPath(), id, position, size);
         std::string line;
         if (json) {
             line = first ? "\n    " : ",\n    ";
@@ -263,6 +287,8 @@ bool ListRf64(const FileLayout& file, bool json, TextSink& sink)
                 line += ", \"form\": ";
                 AppendJsonString(line, IdUnits(form));
             }
+            if (!hash.empty())
+                line += ", \"md5\": \"" + hash + "\"";
             line += std::string(", \"pastFileEnd\": ") + (pastFile ? "true" : "false") +
                     ", \"pastParentEnd\": " + (pastParent ? "true" : "false") + "}";
         } else {
@@ -272,6 +298,8 @@ bool ListRf64(const FileLayout& file, bool json, TextSink& sink)
                 line += " (ds64: " + FormatCount(size) + ")";
             if (form)
                 line += ", form " + ChunkIdText(form);
+            if (!hash.empty())
+                line += ", md5 " + hash;
             if (pastFile)
                 line += "; runs past the end of the file by " + FormatCount(end - layout.fileSize) + " bytes";
             if (pastParent)
@@ -318,7 +346,7 @@ bool ListChunks(const WideString& path, bool json, TextSink& sink)
     if (json)
         sink.Put(", \"fileSize\": " + std::to_string(fileSize) + ", \"chunks\": [");
     WaveDocument& document = layout.GetDocument();
-    Lister lister(json, sink, fileSize, document, std::move(finder.positions));
+    Lister lister(json, sink, fileSize, document, std::move(finder.positions), path);
     document.SetObserver(&lister);
     document.Walk();
     lister.Finish();

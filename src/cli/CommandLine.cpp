@@ -103,6 +103,7 @@ struct Flags {
     bool levels = false;
     bool loudness = false;
     bool tidy = false;
+    bool md5 = false;
     MeterSettings meters;
     bool meterOptions = false;
     WideString tidyOutput;
@@ -156,6 +157,8 @@ std::optional<int> ReadFlags(const std::vector<std::u16string>& arguments, Flags
             flags.info = true;
         } else if (argument == u"--levels") {
             flags.levels = true;
+        } else if (argument == u"--md5") {
+            flags.md5 = true;
         } else if (argument == u"--loudness") {
             flags.loudness = true;
         } else if (argument == u"--target") {
@@ -204,10 +207,20 @@ std::optional<int> DecideMode(Flags& flags, CommandLine& line)
     const bool levels = flags.levels || flags.loudness || !flags.targetName.empty() || customTarget || flags.meterOptions;
     if (int{flags.chunks} + int{flags.info} + int{levels} + int{flags.tidy} > 1)
         return UsageError(kOneMode);
+    if (flags.md5 && (flags.chunks || flags.info))
+        return UsageError("sondara-check: --md5 goes alone, with --levels or with --tidy");
     if (flags.formats > 1)
         return UsageError("sondara-check: --json, --jsonl and --csv go one at a time");
-    line.mode = flags.chunks ? RunMode::Chunks : flags.info ? RunMode::Info : levels ? RunMode::Levels : flags.tidy ? RunMode::Tidy : RunMode::Check;
+    const bool measured = levels || (flags.md5 && !flags.tidy);
+    line.mode = flags.chunks ? RunMode::Chunks
+                : flags.info ? RunMode::Info
+                : measured   ? RunMode::Levels
+                : flags.tidy ? RunMode::Tidy
+                             : RunMode::Check;
     LevelOptions& levelOptions = line.levelOptions;
+    levelOptions.md5 = flags.md5;
+    levelOptions.levels = levels;
+    line.tidyMd5 = flags.md5;
     levelOptions.loudness = flags.loudness || !flags.targetName.empty() || customTarget;
     levelOptions.meters = flags.meters;
     levelOptions.strict = flags.strict;

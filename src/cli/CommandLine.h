@@ -20,6 +20,10 @@ struct LevelOptions {
     DeliveryTarget target;
     MeterSettings meters;
     bool strict = false;
+    // --md5: the MD5 of the audio, in the same pass as the levels unless
+    // it is asked for alone.
+    bool md5 = false;
+    bool levels = true;
 };
 
 // The command line of sondara-check as read: the one mode it asks for, its
@@ -33,6 +37,7 @@ struct CommandLine {
     LevelOptions levelOptions;
     std::optional<Policy> policy; // the check's, with --policy
     WideString tidyOutput;
+    bool tidyMd5 = false; // --tidy with --md5: the copy gets an MD5 chunk
     std::vector<WideString> paths;
 };
 

@@ -25,6 +25,7 @@ bool FindRf64Audio(const FileLayout& file, AudioPlace& place, std::string& probl
     std::memcpy(place.format, layout.format, layout.formatBytes);
     place.formatBytes = layout.formatBytes;
     place.dataPosition = layout.dataPosition;
+    place.dataBytes = layout.dataSize;
     const std::uint16_t blockAlign = ReadLittleEndian16(layout.format + 12);
     const std::int64_t present = std::min(layout.dataSize, layout.fileSize - (layout.dataPosition + 8));
     place.frameCount = blockAlign ? std::max<std::int64_t>(0, present) / blockAlign : 0;
@@ -60,6 +61,8 @@ bool FindAudio(FileLayout& layout, AudioPlace& place, std::string& problem)
         if (stream.SeekTo(formatChunk->GetPosition() + 8 + 16) && stream.Read(place.format + 16, 24) == 24)
             place.formatBytes = 40;
     }
+    if (dataChunk)
+        place.dataBytes = std::max<std::int64_t>(0, dataChunk->GetSize());
     if (dataChunk && format.blockAlign > 0) {
         place.dataPosition = dataChunk->GetPosition();
         const std::int64_t present = layout.GetFileSize() - (place.dataPosition + 8);

@@ -12,6 +12,7 @@ struct AudioPlace {
     std::uint32_t formatBytes = 0;
     std::int64_t dataPosition = -1; // of the data chunk's header; -1 when there is none
     std::int64_t frameCount = 0;    // those both declared and present
+    std::int64_t dataBytes = 0;     // the data chunk's body as declared (RF64: by ds64), pad byte left out
 };
 
 // A RIFF file through the walk of its layout, an RF64 file through its

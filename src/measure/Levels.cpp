@@ -29,7 +29,7 @@ double ToDecibels(double fraction)
 }
 
 bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem, bool loudness,
-                   const MeasureProgress& progress, const MeterSettings& settings)
+                   const MeasureProgress& progress, const MeterSettings& settings, AudioMd5* md5)
 {
     report = LevelReport();
     if (!layout.IsExistingFile())
@@ -67,8 +67,11 @@ bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem
     meters.push_back({std::make_unique<StereoPairMeter>(format), HelperShare::Whole});
 
     std::int64_t frames = 0;
-    if (!RunMeasurePass(layout.GetPath(), place, format, meters, progress, frames, problem))
+    AudioMd5* hashed = md5 && md5->Begin(place, layout.GetFileSize()) ? md5 : nullptr;
+    if (!RunMeasurePass(layout.GetPath(), place, format, meters, progress, frames, problem, hashed))
         return false;
+    if (hashed)
+        hashed->Finish(layout, place);
     report.frames = frames;
     report.sampleRate = format.sampleRate;
     report.bits = format.bits;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "measure/AudioMd5.h"
 #include "measure/LevelReport.h"
 #include "measure/MeasurePass.h"
 #include "wave/FileLayout.h"
@@ -23,10 +24,11 @@ constexpr LayoutReading kLevelsReading{TreeForm::SlotsOnly, Rf64Reading::AfterWa
 // false: a measurement is of every frame or none. progress, when given,
 // hears of the frames measured after each read. Every measurement also
 // finds each channel's silence, clipping runs and noise floor and each
-// stereo pair's correlation, as settings asks.
+// stereo pair's correlation, as settings asks. md5, when given, hashes the
+// audio in the same pass.
 bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem, bool loudness = false,
                    const MeasureProgress& progress = {},
-                   const MeterSettings& settings = {});
+                   const MeterSettings& settings = {}, AudioMd5* md5 = nullptr);
 
 // The samples of all channels that no figure could take in: a measured
 // file with any is a finding.

@@ -45,7 +45,10 @@ struct Piece {
 // long file keeps both cores and the disk busy.
 class PassRun {
 public:
-    PassRun(const SampleFormat& format, std::vector<ChosenMeter>& meters) : format(format), meters(meters) {}
+    PassRun(const SampleFormat& format, std::vector<ChosenMeter>& meters, RawAudioSink* raw)
+        : format(format), meters(meters), raw(raw)
+    {
+    }
 
     bool Open(const WideString& path, const AudioPlace& place, std::string& problem);
     void Run(const MeasureProgress& progress);
@@ -54,6 +57,7 @@ public:
 private:
     void ReadAll();
     void HelpAll();
+    void PassAllRaw();
     void MeasureOwn(const Piece& piece);
     void MeasureForTwins(const Piece& piece);
     void WaitForPiece(std::size_t index);
@@ -65,6 +69,7 @@ private:
 
     const SampleFormat& format;
     std::vector<ChosenMeter>& meters;
+    RawAudioSink* raw;
     std::vector<std::unique_ptr<Meter>> twins; // by meter; null for one that keeps all its work
     std::vector<Meter*> helpers; // by meter: its twin, or itself when the helper measures it whole; else null
     bool helped = false;
@@ -78,7 +83,7 @@ private:
     Piece pieces[kRing];
     std::mutex lock;
     std::condition_variable changed;
-    std::size_t read = 0, summed = 0, metered = 0;
+    std::size_t read = 0, summed = 0, metered = 0, passedRaw = 0;
     bool readFailed = false;   // written by the reader, read once it has been joined
     std::int64_t measured = 0; // frames this thread has been through
     std::vector<float> ownFloats, helperFloats;
@@ -187,7 +192,9 @@ void PassRun::ReadAll()
     for (std::size_t i = 0;; ++i) {
         {
             std::unique_lock<std::mutex> hold(lock);
-            changed.wait(hold, [&] { return i < std::min(summed, helped ? metered : summed) + kRing; });
+            changed.wait(hold, [&] {
+                return i < std::min({summed, helped ? metered : summed, raw ? passedRaw : summed}) + kRing;
+            });
         }
         Piece& piece = pieces[i % kRing];
         std::uint8_t* request = piece.memory->Data() + kHeadBytes;
@@ -288,6 +295,21 @@ void PassRun::HelpAll()
     }
 }
 
+// The raw bytes of each piece to the sink: its whole frames, on a thread
+// of their own, or on this one when one request holds the audio.
+void PassRun::PassAllRaw()
+{
+    for (std::size_t i = 0;; ++i) {
+        WaitForPiece(i);
+        const Piece& piece = pieces[i % kRing];
+        raw->AddRaw(piece.bytes, std::size_t{piece.frames} * format.stride);
+        const bool last = piece.last;
+        Done(passedRaw, i);
+        if (last)
+            return;
+    }
+}
+
 void PassRun::Run(const MeasureProgress& progress)
 {
     std::thread reader;
@@ -298,6 +320,11 @@ void PassRun::Run(const MeasureProgress& progress)
     std::thread helper;
     if (helped)
         helper = std::thread([this] { HelpAll(); });
+    std::thread rawPasser;
+    if (raw && oneRequest)
+        PassAllRaw();
+    else if (raw)
+        rawPasser = std::thread([this] { PassAllRaw(); });
     for (std::size_t i = 0;; ++i) {
         WaitForPiece(i);
         const Piece& piece = pieces[i % kRing];
@@ -314,6 +341,8 @@ void PassRun::Run(const MeasureProgress& progress)
         reader.join();
     if (helper.joinable())
         helper.join();
+    if (rawPasser.joinable())
+        rawPasser.join();
 }
 
 bool PassRun::Finish(std::int64_t& frames, std::string& problem)
@@ -342,9 +371,9 @@ bool PassRun::Finish(std::int64_t& frames, std::string& problem)
 
 bool RunMeasurePass(const WideString& path, const AudioPlace& place, const SampleFormat& format,
                     std::vector<ChosenMeter>& meters, const MeasureProgress& progress, std::int64_t& frames,
-                    std::string& problem)
+                    std::string& problem, RawAudioSink* raw)
 {
-    PassRun run(format, meters);
+    PassRun run(format, meters, raw);
     if (!run.Open(path, place, problem))
         return false;
     run.Run(progress);

@@ -31,13 +31,23 @@ struct ChosenMeter {
 // thread that runs the pass.
 using MeasureProgress = std::function<void(std::int64_t framesDone, std::int64_t frameCount)>;
 
+// Takes the bytes of the audio's whole frames as the pass reads them, in
+// file order, on a thread of its own beside the meters: the hash of the
+// audio, which then costs no time of theirs. Made and read by the caller.
+class RawAudioSink {
+public:
+    virtual ~RawAudioSink() = default;
+    virtual void AddRaw(const std::uint8_t* bytes, std::size_t count) = 0;
+};
+
 // Reads the frames of the audio at path once, past the system's cache, and
 // hands them to every meter: raw, or decoded to floats once for all that take
 // floats. A thread reads the pieces ahead; twins of the meters that share
 // their work run on a helper thread; the calling thread measures the rest
 // and, once every frame is in, merges each twin into its meter. False with
 // the reason in problem when the audio can't be read, or ends before the
-// frames counted in place: a measurement is of every frame or none.
+// frames counted in place: a measurement is of every frame or none. raw,
+// when given, is handed every frame's bytes too.
 bool RunMeasurePass(const WideString& path, const AudioPlace& place, const SampleFormat& format,
                     std::vector<ChosenMeter>& meters, const MeasureProgress& progress, std::int64_t& frames,
-                    std::string& problem);
+                    std::string& problem, RawAudioSink* raw = nullptr);

@@ -1,6 +1,7 @@
 #include "mend/CopyWriter.h"
 
 #include "wave/FourCc.h"
+#include "wave/Md5Chunk.h"
 #include "wave/Rf64File.h"
 
 #include <algorithm>
@@ -57,7 +58,22 @@ bool CopyWriter::WriteChunk(std::uint32_t id, std::int64_t body, std::int64_t si
     std::uint8_t header[8];
     WriteLittleEndian32(header, id);
     WriteLittleEndian32(header + 4, IsRf64() && id == kIdData ? kRf64DefersSize : static_cast<std::uint32_t>(size));
-    return Put(header, 8) && CopyBytes(body, size) && (size % 2 == 0 || Put("", 1));
+    hashing = dataMd5 && id == kIdData && !dataHashed;
+    const bool copied = Put(header, 8) && CopyBytes(body, size);
+    dataHashed = dataHashed || hashing;
+    hashing = false;
+    return copied && (size % 2 == 0 || Put("", 1));
+}
+
+// False when no data chunk was copied, or the system failed the hash.
+bool CopyWriter::WriteMd5Chunk(platform::Md5Digest& digest)
+{
+    if (!dataHashed || (output == Output::Written && !dataMd5->Finish(digest)))
+        return false;
+    std::uint8_t header[8];
+    WriteLittleEndian32(header, kIdMd5);
+    WriteLittleEndian32(header + 4, static_cast<std::uint32_t>(kMd5ChunkBytes));
+    return Put(header, 8) && Put(digest.data(), kMd5ChunkBytes);
 }
 
 // count bytes of the input from from, as they stand.
@@ -73,6 +89,8 @@ bool CopyWriter::CopyBytes(std::int64_t from, std::int64_t count)
         const auto piece = static_cast<std::uint32_t>(std::min<std::int64_t>(count, buffer.size()));
         if (input.Read(buffer.data(), piece) != piece || !Put(buffer.data(), piece))
             return false;
+        if (hashing)
+            dataMd5->Add(buffer.data(), piece);
         count -= piece;
     }
     return true;

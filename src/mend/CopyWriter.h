@@ -1,6 +1,7 @@
 #pragma once
 
 #include "files/FileStream.h"
+#include "platform/Md5.h"
 
 #include <cstdint>
 #include <optional>
@@ -26,6 +27,11 @@ public:
     bool StartRf64(const std::uint8_t* formType, std::optional<std::uint32_t> inputDs64Size);
     bool WriteChunk(std::uint32_t id, std::int64_t body, std::int64_t size);
     bool CopyBytes(std::int64_t from, std::int64_t count);
+    // The MD5 of the first data chunk's body as it is copied, when asked
+    // for before it is; its digest, once it was copied, goes in an MD5
+    // chunk of 16 bytes. A dry writer only counts the chunk.
+    void HashData() { dataMd5.emplace(); }
+    bool WriteMd5Chunk(platform::Md5Digest& digest);
     bool FinishRiff(std::uint32_t riffSize);
     bool FinishRf64(std::int64_t riffSize, std::uint32_t blockAlign);
 
@@ -40,4 +46,7 @@ private:
     std::int64_t written = 0;
     std::int64_t ds64At = -1;   // where the ds64 sizes stand in an RF64 copy
     std::int64_t dataBytes = 0; // the audio written
+    std::optional<platform::Md5> dataMd5;
+    bool hashing = false;     // while the first data chunk is copied
+    bool dataHashed = false;
 };

@@ -65,7 +65,7 @@ bool WriteCopy(FileStream& source, FileStream& target, const TidyPlan& plan, std
 } // namespace
 
 bool MakeTidyCopy(FileLayout& input, const WideString& output, std::vector<std::string>& changes,
-                  std::string& problem)
+                  std::string& problem, bool storeMd5)
 {
     changes.clear();
     if (!input.IsExistingFile()) {
@@ -80,6 +80,7 @@ bool MakeTidyCopy(FileLayout& input, const WideString& output, std::vector<std::
     TidyPlan plan;
     if (!ReadTidyPlan(input, plan, problem))
         return false;
+    plan.storeMd5 = storeMd5;
 
     FileStream target;
     const WideString temporary = TemporaryFor(output);

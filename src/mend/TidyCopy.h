@@ -25,5 +25,7 @@ constexpr LayoutReading kTidyReading{TreeForm::SlotsOnly, Rf64Reading::InPlaceOf
 // the end of the audio can't be told for certain; nothing is left behind
 // then. changes receives what the copy does differently from the input,
 // one line each. The input is read through its layout's one open of it.
+// With storeMd5 the copy ends in an MD5 chunk of its own audio, in place
+// of any MD5 chunk of the input.
 bool MakeTidyCopy(FileLayout& input, const WideString& output, std::vector<std::string>& changes,
-                  std::string& problem);
+                  std::string& problem, bool storeMd5 = false);

@@ -13,6 +13,7 @@ class FileLayout;
 struct TidyPlan {
     std::uint32_t blockAlign = 0;     // 0 when no format tells it
     const Rf64Layout* rf64 = nullptr; // of an RF64 input only: its file layout's
+    bool storeMd5 = false;            // the copy ends in an MD5 chunk of its audio, in place of any there
 };
 
 // The RIFF header: id, size and form type.

@@ -3,6 +3,7 @@
 #include "base/TextFormat.h"
 #include "mend/AudioEnd.h"
 #include "wave/FourCc.h"
+#include "wave/Md5Chunk.h"
 
 #include <algorithm>
 #include <cstring>
@@ -25,6 +26,8 @@ TidyWalk::TidyWalk(FileStream& input, FileStream& target, std::int64_t fileSize,
     : input(input), fileSize(fileSize), plan(plan), changes(changes), problem(problem), run(run),
       writer(input, target, run == Run::Dry ? CopyWriter::Output::Dry : CopyWriter::Output::Written)
 {
+    if (plan.storeMd5)
+        writer.HashData();
 }
 
 // The whole pass; false with the reason in problem when the copy is
@@ -35,7 +38,7 @@ bool TidyWalk::Copy()
         return false;
     if (!WriteHead())
         return Failed();
-    return CopyChunks() && FinishSizes();
+    return CopyChunks() && StoreMd5() && FinishSizes();
 }
 
 bool TidyWalk::ReadHead()
@@ -116,8 +119,10 @@ bool TidyWalk::CopyChunks()
                               " present");
             size = present;
         }
-        if (!WriteChunk(id, position + 8, size))
+        // An MD5 chunk of the input gives way to the copy's own.
+        if (!(plan.storeMd5 && id == kIdMd5) && !WriteChunk(id, position + 8, size))
             return false;
+        md5Replaced = md5Replaced || (plan.storeMd5 && id == kIdMd5);
         // No size is below 0 nor past the end of the file here, so each
         // chunk moves the walk on; should one ever not, the copy is refused
         // rather than written for ever.
@@ -179,6 +184,21 @@ bool TidyWalk::WriteChunk(std::uint32_t id, std::int64_t body, std::int64_t size
     if (size > 0xFFFFFFFFLL && !(writer.IsRf64() && id == kIdData) && run != Run::Dry)
         return Refuse(ChunkName(id) + " of " + FormatCount(size) + " bytes can't be written");
     return writer.WriteChunk(id, body, size) || Failed();
+}
+
+// The MD5 of the copy's audio in a chunk of its own behind the others, and
+// a line in changes that says so.
+bool TidyWalk::StoreMd5()
+{
+    if (!plan.storeMd5)
+        return true;
+    platform::Md5Digest digest{};
+    if (!writer.WriteMd5Chunk(digest))
+        return Refuse("there is no data chunk whose MD5 the copy could store");
+    if (run != Run::Dry)
+        changes.push_back("MD5 of the audio stored" + std::string(md5Replaced ? " in place of the one there" : "") +
+                          ": " + Md5Hex(digest));
+    return true;
 }
 
 // The sizes known only now: the RIFF size, or ds64's sizes; each said in

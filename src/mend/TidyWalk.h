@@ -33,6 +33,7 @@ private:
     bool CopyChunks();
     bool CopyPlaceholderData(std::int64_t position, std::int64_t declared);
     bool WriteChunk(std::uint32_t id, std::int64_t body, std::int64_t size);
+    bool StoreMd5();
     bool FinishSizes();
 
     bool Failed();
@@ -52,4 +53,5 @@ private:
     std::uint32_t riffSize = 0;    // the size field as it stands
     std::int64_t declaredRiff = 0; // ds64's in an RF64 file
     std::int64_t firstChunk = kRiffHeaderBytes;
+    bool md5Replaced = false; // the input's MD5 chunk was left out for the copy's own
 };

@@ -1,6 +1,7 @@
 // The measuring pass apart from the figures of its meters: it hands each
 // meter every frame once, in order where it must, and primes each part
 // with the frames just before it, over reads on its threads.
+#include "measure/AudioMd5.h"
 #include "measure/AudioPlace.h"
 #include "measure/Levels.h"
 #include "measure/MeasurePass.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <thread>
@@ -96,13 +98,21 @@ public:
     std::thread::id testThread = std::this_thread::get_id();
 };
 
+// The raw bytes of the pass, as they came.
+class RawRecorder : public RawAudioSink {
+public:
+    void AddRaw(const std::uint8_t* bytes, std::size_t count) override { raw.append(reinterpret_cast<const char*>(bytes), count); }
+    std::string raw;
+};
+
 } // namespace
 
 // Three channels of 32-bit floats: twelve bytes a frame, so that reads of
 // 4 MiB end inside frames, over more than four reads. A meter that shares
 // three quarters of each piece, one that shares half, one that shares
 // nothing: each gets every frame once, itself or through its twin, and
-// each part follows the frames it was primed with.
+// each part follows the frames it was primed with. The raw bytes of every
+// frame go to their own sink too, once and in order.
 TEST(MeasurePass, EveryMeterGetsEveryFrameOnceAndEachPartItsPriming)
 {
     constexpr std::uint32_t kFrames = 17 * 1024 * 1024 / 12 + 5;
@@ -138,7 +148,10 @@ TEST(MeasurePass, EveryMeterGetsEveryFrameOnceAndEachPartItsPriming)
         EXPECT_EQ(total, kFrames);
         lastDone = done;
     };
-    ASSERT_TRUE(RunMeasurePass(path, place, format, meters, progress, frames, problem)) << problem;
+    RawRecorder raw;
+    ASSERT_TRUE(RunMeasurePass(path, place, format, meters, progress, frames, problem, &raw)) << problem;
+    ASSERT_EQ(raw.raw.size(), samples.size() * sizeof(float));
+    EXPECT_EQ(std::memcmp(raw.raw.data(), samples.data(), raw.raw.size()), 0);
     EXPECT_EQ(frames, kFrames);
     EXPECT_EQ(lastDone, kFrames);
     EXPECT_EQ(wholeOnHelper.next, kFrames);
@@ -156,5 +169,39 @@ TEST(MeasurePass, EveryMeterGetsEveryFrameOnceAndEachPartItsPriming)
             next = last;
         }
         EXPECT_EQ(next, kFrames);
+    }
+}
+
+// The MD5 of the audio in the levels' pass, fed on its own thread with
+// whole frames and then the few bytes of a last partial one, is the MD5 of
+// every byte of the data chunk: the same as the hash alone, which reads the
+// body as bytes, and as the bytes hashed here. One read's length and
+// several.
+TEST(MeasurePass, Md5BesideTheLevelsIsTheMd5OfEveryDataByte)
+{
+    TempDir dir;
+    for (const std::size_t bytes : {std::size_t{6 * 100 + 5}, std::size_t{9 * 1024 * 1024 + 5}}) {
+        SCOPED_TRACE(bytes);
+        std::string audio(bytes, '\0');
+        std::uint32_t seed = 7;
+        for (char& byte : audio) {
+            seed = seed * 1664525u + 1013904223u;
+            byte = static_cast<char>(seed >> 24);
+        }
+        const WideString path = dir.Write("odd.wav", Wave(FormatBody(1, 2, 48000, 24), audio));
+        platform::Md5 here;
+        platform::Md5Digest expected{};
+        ASSERT_TRUE(here.Add(reinterpret_cast<const std::uint8_t*>(audio.data()), audio.size()) && here.Finish(expected));
+
+        AudioMd5 besideLevels, alone;
+        LevelReport report;
+        std::string problem;
+        FileLayout layout(path, kLevelsReading);
+        ASSERT_TRUE(MeasureLevels(layout, report, problem, false, {}, {}, &besideLevels)) << problem;
+        ASSERT_TRUE(besideLevels.IsComputed()) << besideLevels.GetProblem();
+        EXPECT_EQ(besideLevels.GetDigest(), expected);
+        FileLayout again(path, kLevelsReading);
+        ASSERT_TRUE(HashAudio(again, alone, problem)) << problem;
+        EXPECT_EQ(alone.GetDigest(), expected);
     }
 }

@@ -189,6 +189,13 @@ TEST(MeasureTrustProgram, ReadFailuresRefuseAndShortReadsMeasureTheSame)
     const CheckerOutcome cut = RunChecker(dir, arguments, "", FaultSettings("long.wav", {"SONDARA_FAULT_SHORT_READS=4096"}));
     EXPECT_EQ(cut.status, 0);
     EXPECT_EQ(cut.out, whole.out);
+    // Nor is it the MD5 of a shorter file: no hash, alone or beside the levels.
+    const CheckerOutcome hashFailed = RunChecker(dir, {"--md5", "long.wav"}, "", secondReadFails);
+    EXPECT_EQ(hashFailed.status, 1);
+    EXPECT_EQ(hashFailed.out, "(the audio could not be read after byte 4,194,260 of 7,680,000)\n");
+    const CheckerOutcome bothFailed = RunChecker(dir, {"--json", "--levels", "--md5", "long.wav"}, "", secondReadFails);
+    EXPECT_EQ(bothFailed.status, 1);
+    EXPECT_EQ(bothFailed.out, failedJson.out);
 }
 
 // What the command line makes of samples that are no level and of a rate
