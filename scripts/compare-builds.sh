@@ -3,9 +3,10 @@
 # one under Wine, and fails unless both print the very same JSON: the
 # reports, the chunk lists (--chunks), the metadata (--info, under a Japanese
 # and an English code page), the levels (--levels), the loudness
-# (--loudness) and the verdicts of two shipped policies (--policy). The
-# files are the samples, the fuzzing corpora in the tree, and every file
-# that the native build's tests write.
+# (--loudness), the MD5 of the audio (--md5: libcrypto's beside BCrypt's)
+# and the verdicts of two shipped policies (--policy). The files are the
+# samples, the fuzzing corpora in the tree, and every file that the native
+# build's tests write.
 #
 # Each run of either build must also stand on its own: exit 0 when no report
 # has a finding, 1 when one has (anything else, a crash included, is a
@@ -203,7 +204,7 @@ mapfile -t listed < <(printf '%s\n' "${files[@]}" | grep -v '^fuzz/seeds/' |
 # policies beside their program.
 mapfile -t policed < <(printf '%s\n' "${files[@]}" | grep -E '^samples/|/PolicyRun\.')
 status=0
-for option in "" --chunks --levels --loudness "--policy archive-master" "--policy acx"; do
+for option in "" --chunks --levels --loudness --md5 "--policy archive-master" "--policy acx"; do
     case "$option" in
         --chunks) compared=("${listed[@]}") ;;
         "--policy acx") compared=("${policed[@]}") ;;
