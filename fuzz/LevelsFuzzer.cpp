@@ -8,6 +8,7 @@
 // alone, is one and the same, of no more bytes than the file holds, and a
 // stored MD5 chunk is read only when it is 16 bytes.
 #include "cli/LevelsPrinter.h"
+#include "measure/AudioMd5.h"
 #include "measure/Levels.h"
 #include "wave/Md5Chunk.h"
 

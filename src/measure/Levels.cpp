@@ -1,6 +1,7 @@
 #include "measure/Levels.h"
 
 #include "base/TextFormat.h"
+#include "measure/AudioMd5.h"
 #include "measure/AudioPlace.h"
 #include "measure/ClippingRunMeter.h"
 #include "measure/LevelMeter.h"

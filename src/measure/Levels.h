@@ -1,12 +1,13 @@
 #pragma once
 
-#include "measure/AudioMd5.h"
 #include "measure/LevelReport.h"
 #include "measure/MeasurePass.h"
 #include "wave/FileLayout.h"
 
 #include <cstdint>
 #include <string>
+
+class AudioMd5;
 
 // What the levels read of a file before its audio: the registry alone, and
 // an RF64 file's layout where the walk found no RIFF.

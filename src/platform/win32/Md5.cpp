@@ -10,8 +10,8 @@
 namespace platform {
 
 // The system's cryptography API (CNG). The algorithm provider is opened
-// for each hash: a file's hash is one of many thousand reads, and the
-// provider holds no state worth keeping between files.
+// for each hash: that costs little beside hashing a file's audio, and no
+// provider is shared between threads.
 struct Md5::State {
     BCRYPT_ALG_HANDLE algorithm = nullptr;
     BCRYPT_HASH_HANDLE hash = nullptr;
