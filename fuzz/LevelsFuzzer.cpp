@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         AudioMd5 md5, beside;
         std::string why;
         const bool hashed = HashAudio(alone, md5, why);
-        if (hashed == why.empty() || (hashed && md5.Hashed() > static_cast<std::int64_t>(size)))
+        if (hashed != why.empty() || (hashed && md5.Hashed() > static_cast<std::int64_t>(size)))
             FailInvariant("an MD5 of more than the file, or a refusal without a reason");
         const StoredMd5 stored = FindStoredMd5(alone, finder);
         if (stored.read && stored.size != kMd5ChunkBytes)

@@ -92,7 +92,9 @@ bool IdScan::FindNext(FileStream& stream, std::uint32_t& id)
             id = ReadLittleEndian32(bytes + found * 4);
             return stream.SeekTo(start + (std::int64_t{found} + 1) * 4);
         }
-        if (got < wanted)
+        // A block that held no whole word ends where the file does: a block
+        // shorter than a word is the last few bytes of a file's last page.
+        if (got < wanted || words == 0)
             return false;
         // A word that the end of the block cut is read whole with the next.
         if (got % 4 != 0 && !stream.SeekTo(start + std::int64_t{words} * 4))
