@@ -265,7 +265,7 @@ bool PrintInfo(const WideString& path, bool json, TextSink& sink)
     StreamGuard guard;
     const MetadataScanResult result = ScanMetadata(layout.AcquireStream(guard), layout.GetFileSize(), scan);
     if (result == MetadataScanResult::NotRiff)
-        return problem("not a RIFF WAVE file");
+        return problem(scan.problem.empty() ? "not a RIFF WAVE file" : scan.problem);
     if (result == MetadataScanResult::ReadFailed)
         return problem("read error");
 

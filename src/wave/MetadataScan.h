@@ -41,12 +41,14 @@ struct MetadataScan {
     std::optional<std::uint16_t> codePage;
     // Metadata chunks beyond the limits were left out.
     bool cutShort = false;
+    // Why an RF64 file's chunks can't be told (its ds64 sizes), when so.
+    std::string problem;
     std::uint64_t bodyBytes = 0;
 };
 
 enum class MetadataScanResult { Scanned, NotRiff, ReadFailed };
 
-// Walks the top-level chunks of the RIFF chunk of the file that stream has
+// Walks the top-level chunks of the RIFF or RF64 chunk of the file that stream has
 // open, fileSize bytes long, wherever the stream stands. ReadFailed when a
 // read the file's size promised came short.
 MetadataScanResult ScanMetadata(FileStream& stream, std::int64_t fileSize, MetadataScan& scan);

@@ -40,6 +40,30 @@ def wave(*chunks, frames=100, rate=44100):
     return b"RIFF" + struct.pack("<I", len(body)) + body
 
 
+def as_rf64(riff):
+    """The same chunks in an RF64 file: a ds64 chunk first, the RIFF and
+    data sizes deferring to it."""
+    position, chunks = 12, b""
+    while position < len(riff):
+        fourcc, size = riff[position:position + 4], struct.unpack_from("<I", riff, position + 4)[0]
+        whole = riff[position:position + 8 + size + size % 2]
+        if fourcc == b"data":
+            data_size = size
+            whole = b"data" + struct.pack("<I", 0xFFFFFFFF) + whole[8:]
+        chunks += whole
+        position += len(whole)
+    ds64 = chunk(b"ds64", struct.pack("<QQQI", 4 + 36 + len(chunks), data_size, data_size // 2, 0))
+    return b"RF64" + struct.pack("<I", 0xFFFFFFFF) + b"WAVE" + ds64 + chunks
+
+
+def without_offsets(value):
+    if isinstance(value, dict):
+        return {k: without_offsets(v) for k, v in value.items() if k not in ("offset", "position")}
+    if isinstance(value, list):
+        return [without_offsets(v) for v in value]
+    return value
+
+
 def info_list(*entries):
     return chunk(b"LIST", b"INFO" + b"".join(chunk(fourcc, text + b"\0") for fourcc, text in entries))
 
@@ -156,6 +180,20 @@ def check_cue_and_loops(checker, work):
     base = re.search(r"Base note\s*:\s*(\d+)", out)
     ends = re.findall(r"Start :\s*(\d+)\s+End :\s*(\d+)", out)
     expect("smpl against sndfile-info", ours, (int(base.group(1)) if base else None, [tuple(map(int, e)) for e in ends]))
+    # The same chunks in an RF64 file read the same, and a loop past its
+    # audio is a warning there too.
+    rf64 = os.path.join(work, "cue-smpl-rf64.wav")
+    with open(rf64, "wb") as out:
+        out.write(as_rf64(wave(cue((1, 10), (2, 70)), adtl((b"labl", 1, b"Verse"), (b"note", 2, b"Chorus")),
+                               smpl([(1, 10, 100)], unity=64))))
+    riff = [c for c in info_of(checker, path)]
+    for c in riff:
+        if c["id"] == "smpl":
+            c["loops"][0].update(end=100, endSeconds=round(100 / 44100, 6))
+    expect("RF64 --info", without_offsets(info_of(checker, rf64)), without_offsets(riff))
+    checked = json.loads(run(checker, ["--json", rf64]).stdout)[0]
+    expect("RF64 warnings", sorted(f["code"] for f in checked["findings"] if f["code"].startswith("smpl.")),
+           ["smpl.loop-past-end"])
 
 
 def check_no_warnings_on_ffmpeg_files(checker, work):
