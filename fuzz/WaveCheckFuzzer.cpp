@@ -13,6 +13,8 @@
 #include "check/FileCheck.h"
 #include "cli/ChunkList.h"
 #include "cli/InfoPrinter.h"
+#include "measure/FormatFacts.h"
+#include "measure/Levels.h"
 #include "support/ReportGrammar.h"
 #include "wave/DataChunk.h"
 #include "wave/FormatChunk.h"
@@ -86,9 +88,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     WriteScratch(input, data, size);
 
     const WideString path = WideString::FromAscii(input);
-    FileLayout layout(path, kCheckReading);
+    // The layout the checker reads: its RF64 layout too, for the facts.
+    FileLayout layout(path, kLevelsReading);
     FileCheck check;
     CheckFile(layout, check);
+    const FormatFacts facts = ReadFormatFacts(layout);
+    if (facts.frames && (*facts.frames < 0 || *facts.frames * *facts.blockAlign > static_cast<std::int64_t>(size)))
+        FailInvariant("the header facts count frames the file doesn't hold");
+    if (facts.seconds && !(*facts.seconds >= 0))
+        FailInvariant("the header facts give a duration below 0");
     std::string why;
     if (!IsWellFormedReport(check.report, check.hasError, why))
         FailInvariant(why.c_str());

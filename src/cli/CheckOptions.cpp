@@ -5,7 +5,7 @@
 namespace {
 
 constexpr CheckOption kOptions[] = {
-    {"--json", "", "one JSON array: path, report, hasError and findings", HelpListing::OwnLine},
+    {"--json", "", "one JSON array: path, report, hasError, findings and\nthe header facts", HelpListing::OwnLine},
     {"--jsonl", "", "one JSON object a line, and a summary line at the end", HelpListing::OwnLine},
     {"--csv", "", "one row a finding (UTF-8 with a byte order mark)", HelpListing::OwnLine},
     {"--strict", "", "warnings, and a policy's warns, count as findings for the\nexit status", HelpListing::OwnLine},

@@ -11,6 +11,8 @@ constexpr char16_t kAllClear[] = u"チェック完了しました。";
 constexpr char kWarningMark[] = "注意：";
 // The members of a JSON object in the place of a report that there is none of.
 constexpr char kNoReport[] = "\"report\": null, \"hasError\": true, ";
+// ... and in the place of the header facts of a path that was never read.
+constexpr char kNoFormat[] = ", \"format\": null";
 
 void AppendNumber(std::string& out, const char* name, const std::optional<std::int64_t>& number)
 {
@@ -42,8 +44,9 @@ class TextPrinter : public CheckPrinter {
 public:
     TextPrinter(TextSink& sink, bool headed) : sink(sink), headed(headed) {}
 
-    void File(const FileCheck& check, const PolicyVerdict* verdict) override
+    void File(const FileCheck& check, const FormatFacts& facts, const PolicyVerdict* verdict) override
     {
+        static_cast<void>(facts); // a person reads the facts with --levels
         Head(check.path);
         if (check.unreadable) {
             sink.Put(WideToUtf8(UnreadableFinding("file.unreadable").text.View()) + "\n");
@@ -85,7 +88,7 @@ public:
     explicit JsonPrinter(TextSink& sink) : sink(sink) {}
 
     void Begin() override { sink.Put("["); }
-    void File(const FileCheck& check, const PolicyVerdict* verdict) override
+    void File(const FileCheck& check, const FormatFacts& facts, const PolicyVerdict* verdict) override
     {
         if (check.unreadable) {
             Unreadable(check.path, "file.unreadable");
@@ -97,7 +100,7 @@ public:
             object += ", \"report\": ";
             AppendJsonString(object, check.report.View());
             object += std::string(", \"hasError\": ") + (check.hasError ? "true" : "false");
-            object += ", " + FindingsJson(check.findings);
+            object += ", " + FindingsJson(check.findings) + ", \"format\": " + FormatFactsJson(facts);
             object += (verdict ? ", " + FormatPolicyJson(*verdict) : std::string()) + "}";
         }
         sink.Put(object);
@@ -108,7 +111,7 @@ public:
     {
         std::string object = Separator() + "{\"path\": ";
         AppendJsonString(object, path.View());
-        object += ", " + std::string(kNoReport) + FindingsJson({UnreadableFinding(code)}) + "}";
+        object += ", " + std::string(kNoReport) + FindingsJson({UnreadableFinding(code)}) + kNoFormat + "}";
         sink.Put(object);
     }
     void End(const RunSummary&) override { sink.Put(any ? "\n]\n" : "]\n"); }
@@ -131,7 +134,7 @@ class JsonLinesPrinter : public CheckPrinter {
 public:
     explicit JsonLinesPrinter(TextSink& sink) : sink(sink) {}
 
-    void File(const FileCheck& check, const PolicyVerdict* verdict) override
+    void File(const FileCheck& check, const FormatFacts& facts, const PolicyVerdict* verdict) override
     {
         if (check.unreadable) {
             Unreadable(check.path, "file.unreadable");
@@ -142,13 +145,13 @@ public:
         object += ", \"report\": ";
         AppendJsonString(object, check.report.View());
         object += std::string(", \"hasError\": ") + (check.hasError ? "true" : "false");
-        sink.Put(object + ", " + FindingsJson(check.findings) + (verdict ? ", " + FormatPolicyJson(*verdict) : "") + "}\n");
+        sink.Put(object + ", " + FindingsJson(check.findings) + ", \"format\": " + FormatFactsJson(facts) + (verdict ? ", " + FormatPolicyJson(*verdict) : "") + "}\n");
     }
     void Unreadable(const WideString& path, const std::string& code) override
     {
         std::string object = "{\"type\": \"unreadable\", \"path\": ";
         AppendJsonString(object, path.View());
-        sink.Put(object + ", " + kNoReport + FindingsJson({UnreadableFinding(code)}) + "}\n");
+        sink.Put(object + ", " + kNoReport + FindingsJson({UnreadableFinding(code)}) + kNoFormat + "}\n");
     }
     void End(const RunSummary& summary) override
     {
@@ -173,9 +176,10 @@ public:
     void Begin() override
     {
         sink.Put("\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\","
-                 "\"message\",\"text\"\r\n");
+                 "\"message\",\"text\",\"container\",\"formatTag\",\"subFormat\",\"sampleRate\",\"channels\",\"bits\","
+                 "\"blockAlign\",\"frames\",\"seconds\"\r\n");
     }
-    void File(const FileCheck& check, const PolicyVerdict* verdict) override
+    void File(const FileCheck& check, const FormatFacts& facts, const PolicyVerdict* verdict) override
     {
         if (check.unreadable) {
             Unreadable(check.path, "file.unreadable");
@@ -185,34 +189,45 @@ public:
             Finding sound;
             sound.message = "The file is sound.";
             sound.text = WideString(kAllClear);
-            Row(check.path, "ok", "file.sound", sound);
+            Row(check.path, "ok", "file.sound", sound, facts);
         }
         for (const Finding& finding : check.findings)
-            Row(check.path, SeverityName(finding.kind->severity), finding.kind->code, finding);
+            Row(check.path, SeverityName(finding.kind->severity), finding.kind->code, finding, facts);
         // A row for each rule, its outcome in the severity's column.
         for (const RuleVerdict& rule : verdict ? verdict->rules : std::vector<RuleVerdict>{}) {
             Finding outcome;
             outcome.message = FormatRuleSentence(rule);
-            Row(check.path, RuleOutcomeName(rule.outcome), "policy." + rule.rule->name, outcome);
+            Row(check.path, RuleOutcomeName(rule.outcome), "policy." + rule.rule->name, outcome, facts);
         }
     }
     void Unreadable(const WideString& path, const std::string& code) override
     {
-        Row(path, "error", code, UnreadableFinding(code));
+        Row(path, "error", code, UnreadableFinding(code), FormatFacts());
     }
     void End(const RunSummary&) override {}
 
 private:
-    static std::string Number(const std::optional<std::int64_t>& number)
+    template <typename T>
+    static std::string Number(const std::optional<T>& number)
     {
         return number ? std::to_string(*number) : "";
     }
-    void Row(const WideString& path, const std::string& severity, const std::string& code, const Finding& finding)
+    // Every row of a file repeats its header facts, so that a filter on
+    // rows keeps them.
+    static std::string FactFields(const FormatFacts& facts)
+    {
+        return CsvField(ContainerName(facts.container)) + "," + Number(facts.formatTag) + "," +
+               CsvField(facts.subFormat.value_or("")) + "," + Number(facts.sampleRate) + "," + Number(facts.channels) +
+               "," + Number(facts.bits) + "," + Number(facts.blockAlign) + "," + Number(facts.frames) + "," +
+               (facts.seconds ? FormatFixed(*facts.seconds, 6) : "");
+    }
+    void Row(const WideString& path, const std::string& severity, const std::string& code, const Finding& finding,
+             const FormatFacts& facts)
     {
         sink.Put(CsvField(WideToPathUtf8(path.View())) + "," + CsvField(severity) + "," + CsvField(code) + "," +
                  Number(finding.offset) + "," + CsvField(finding.chunk) + "," + Number(finding.value) + "," +
                  Number(finding.declared) + "," + Number(finding.actual) + "," + CsvField(finding.message) + "," +
-                 CsvField(WideToUtf8(finding.text.View())) + "\r\n");
+                 CsvField(WideToUtf8(finding.text.View())) + "," + FactFields(facts) + "\r\n");
     }
 
     TextSink& sink;
@@ -253,6 +268,19 @@ std::unique_ptr<CheckPrinter> MakeCheckPrinter(OutputFormat format, TextSink& si
 std::string WarningLine(const Finding& warning)
 {
     return kWarningMark + WideToUtf8(warning.text.View()) + "\n";
+}
+
+std::string FormatFactsJson(const FormatFacts& facts)
+{
+    auto number = [](const auto& value) { return value ? std::to_string(*value) : std::string("null"); };
+    std::string json = "{\"container\": ";
+    json += facts.container == FileContainer::Neither ? "null" : "\"" + std::string(ContainerName(facts.container)) + "\"";
+    json += ", \"formatTag\": " + number(facts.formatTag);
+    json += ", \"subFormat\": " + (facts.subFormat ? "\"" + *facts.subFormat + "\"" : std::string("null"));
+    json += ", \"sampleRate\": " + number(facts.sampleRate) + ", \"channels\": " + number(facts.channels);
+    json += ", \"bits\": " + number(facts.bits) + ", \"blockAlign\": " + number(facts.blockAlign);
+    json += ", \"frames\": " + number(facts.frames);
+    return json + ", \"seconds\": " + (facts.seconds ? FormatFixed(*facts.seconds, 6) : std::string("null")) + "}";
 }
 
 void AppendFindingJson(std::string& out, const Finding& finding)

@@ -2,6 +2,7 @@
 
 #include "check/FileCheck.h"
 #include "cli/TextSink.h"
+#include "measure/FormatFacts.h"
 #include "policy/PolicyJudge.h"
 
 #include <cstdint>
@@ -31,8 +32,9 @@ class CheckPrinter {
 public:
     virtual ~CheckPrinter() = default;
     virtual void Begin() {}
-    // verdict: the policy's on the file, when the run has one.
-    virtual void File(const FileCheck& check, const PolicyVerdict* verdict) = 0;
+    // facts: what the file's header says of its audio; verdict: the
+    // policy's on the file, when the run has one.
+    virtual void File(const FileCheck& check, const FormatFacts& facts, const PolicyVerdict* verdict) = 0;
     virtual void Unreadable(const WideString& path, const std::string& reason) = 0;
     virtual void End(const RunSummary& summary) = 0;
 };
@@ -42,6 +44,8 @@ std::unique_ptr<CheckPrinter> MakeCheckPrinter(OutputFormat format, TextSink& si
 
 // A warning as a line of text, marked as such: "注意：" and its text, LF.
 std::string WarningLine(const Finding& warning);
+// The header facts as a JSON object, null where the header can't tell.
+std::string FormatFactsJson(const FormatFacts& facts);
 // One finding as a JSON object, ASCII only.
 void AppendFindingJson(std::string& out, const Finding& finding);
 // The summary as a line of text, ending in LF.

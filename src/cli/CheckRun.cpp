@@ -19,6 +19,7 @@ namespace {
 struct CheckedPath {
     SourcePath source;
     FileCheck check;
+    FormatFacts format;
     FileFacts facts; // with a policy only
 };
 
@@ -100,10 +101,11 @@ private:
             }
             if (got) {
                 if (checked.source.unreadable.empty()) {
-                    // A policy reads the file's audio place, an RF64 file's
-                    // included, from the same layout.
-                    FileLayout layout(checked.source.path, policy ? kLevelsReading : kCheckReading);
+                    // The header facts and a policy read the file's audio
+                    // place, an RF64 file's included, from the same layout.
+                    FileLayout layout(checked.source.path, kLevelsReading);
                     CheckFile(layout, checked.check);
+                    checked.format = ReadFormatFacts(layout);
                     if (policy && !checked.check.unreadable)
                         GatherFacts(layout, policy->Depth(), checked.facts);
                 }
@@ -168,7 +170,7 @@ int RunChecks(FileSources& sources, const CheckRunOptions& options, TextSink& si
                 std::optional<PolicyVerdict> verdict;
                 if (judge && !checked.check.unreadable)
                     verdict = judge->Judge(checked.check, checked.facts);
-                printer->File(checked.check, verdict ? &*verdict : nullptr);
+                printer->File(checked.check, checked.format, verdict ? &*verdict : nullptr);
                 failed = failed || checked.check.unreadable || checked.check.hasError ||
                          (options.strict && checked.check.HasWarnings());
                 if (verdict)

@@ -56,18 +56,21 @@ TEST(CheckCommandProgram, OptionsStreamsAndExitStatus)
         {{"-"}, 1, "== sound.wav\n" + clear + "== missing.wav\n" + noFile + summaryOf2, "", "sound.wav\r\n\nmissing.wav"},
         {{"sound.wav", "missing.wav"}, 1, "== sound.wav\n" + clear + "== missing.wav\n" + noFile + summaryOf2, ""},
         {{"--json", "sound.wav"}, 0,
-         "[\n  {\"path\": \"sound.wav\", \"report\": \"" + clearJson + "\", \"hasError\": false, \"findings\": []}\n]\n", ""},
+         "[\n  {\"path\": \"sound.wav\", \"report\": \"" + clearJson + "\", \"hasError\": false, \"findings\": [], " + kSoundWaveFactsJson + "}\n]\n", ""},
         {{"--json", "--csv", "sound.wav"}, 2, "", "sondara-check: --json, --jsonl and --csv go one at a time\n" + usage},
         {{"-j", "0", "sound.wav"}, 2, "", "sondara-check: -j takes a number from 1 to 256\n" + usage},
         {{"--chunks", "--csv", "sound.wav"}, 2, "", "sondara-check: --jsonl and --csv go with the check only\n" + usage},
         {{"--csv", "=HYPERLINK(\"x\").wav"}, 0,
-         "\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\",\"message\",\"text\"\r\n"
-         "\"'=HYPERLINK(\"\"x\"\").wav\",\"ok\",\"file.sound\",,\"\",,,,\"The file is sound.\",\"チェック完了しました。\"\r\n", ""},
+         kCsvHeading + "\"'=HYPERLINK(\"\"x\"\").wav\",\"ok\",\"file.sound\",,\"\",,,,\"The file is sound.\",\"チェック完了しました。\"" +
+             kSoundWaveFactsCsv + "\r\n", ""},
         // After "--" everything is a path, options and help included.
         {{"--", "--help"}, 1, noFile, ""},
         {{"--json", "--", "--json", "-x"}, 1,
-         "[\n  {\"path\": \"--json\", \"report\": \"" + clearJson + "\", \"hasError\": false, \"findings\": []},\n"
-         "  {\"path\": \"-x\", \"report\": \"" + notRiffJson + "\", \"hasError\": true, \"findings\": [" + notRiffFinding + "]}\n]\n", ""},
+         "[\n  {\"path\": \"--json\", \"report\": \"" + clearJson + "\", \"hasError\": false, \"findings\": [], " +
+             kSoundWaveFactsJson + "},\n  {\"path\": \"-x\", \"report\": \"" + notRiffJson +
+             "\", \"hasError\": true, \"findings\": [" + notRiffFinding + "], \"format\": {\"container\": null, "
+             "\"formatTag\": null, \"subFormat\": null, \"sampleRate\": null, \"channels\": null, \"bits\": null, "
+             "\"blockAlign\": null, \"frames\": null, \"seconds\": null}}\n]\n", ""},
         {{"--", "-x", "sound.wav"}, 1, "== -x\n" + notRiff + "== sound.wav\n" + clear + summaryOf2, ""},
         // The chunk list and the levels: a file that can't be listed or
         // measured says why in its place, and makes the status 1.
@@ -172,11 +175,10 @@ TEST(CheckCommandProgram, FoldersInOrderWithLoopsBrokenLinksAndTheirFormats)
     // CSV: a byte order mark, a header, a row a finding, a row for a sound file.
     const CheckerOutcome csv = RunChecker(dir, {"--csv", "deliveries/b.WAV", "deliveries/c.wav"});
     EXPECT_EQ(csv.out,
-              "\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\",\"message\",\"text\"\r\n"
-              "\"deliveries/b.WAV\",\"ok\",\"file.sound\",,\"\",,,,\"The file is sound.\",\"チェック完了しました。\"\r\n"
-              "\"deliveries/c.wav\",\"warning\",\"riff.trailing-bytes\",0,\"RIFF\",,52,54,"
-              "\"There are bytes after the RIFF chunk. (declared 52, actual 54, at offset 0)\","
-              "\"RIFFチャンクの後ろに余分なデータがあります。 [宣言 52, 実際 54, 位置 0]\"\r\n");
+              kCsvHeading + "\"deliveries/b.WAV\",\"ok\",\"file.sound\",,\"\",,,,\"The file is sound.\",\"チェック完了しました。\"" +
+                  kSoundWaveFactsCsv + "\r\n\"deliveries/c.wav\",\"warning\",\"riff.trailing-bytes\",0,\"RIFF\",,52,54,"
+                  "\"There are bytes after the RIFF chunk. (declared 52, actual 54, at offset 0)\","
+                  "\"RIFFチャンクの後ろに余分なデータがあります。 [宣言 52, 実際 54, 位置 0]\"" + kSoundWaveFactsCsv + "\r\n");
 }
 // Each mode reads what its input is once, through one open, and hands that
 // to all that read the file; only the measuring pass opens it once more, to

@@ -159,10 +159,11 @@ TEST(CheckerOutput, EveryJsonObjectHasItsMembersAndNothingToCheckSaysSo)
          at = links.out.find("{\"path\": ", at + 1), ++objects) {
         const std::string object = links.out.substr(at, links.out.find('\n', at) - at);
         SCOPED_TRACE(object);
-        for (const char* member : {"\"report\": ", "\"hasError\": ", "\"findings\": ["})
+        for (const char* member : {"\"report\": ", "\"hasError\": ", "\"findings\": [", "\"format\": "})
             EXPECT_NE(object.find(member), std::string::npos);
     }
     EXPECT_EQ(objects, 3u);
+    EXPECT_NE(links.out.find("], \"format\": null}"), std::string::npos); // the broken link's, never read
     EXPECT_NE(links.out.find("{\"path\": \"links/broken.wav\", \"report\": null, \"hasError\": true, \"findings\": "
                              "[{\"code\": \"file.broken-link\""),
               std::string::npos);
@@ -179,6 +180,52 @@ TEST(CheckerOutput, EveryJsonObjectHasItsMembersAndNothingToCheckSaysSo)
         {{"--levels", "empty"}, 1, "", "sondara-check: no .wav file in empty\n"},
         {{"links/sound.wav", "empty"}, 1, "チェック完了しました。\n", "sondara-check: no .wav file in empty\n"},
     });
+}
+
+// The header facts of every checked file, from its header alone: what the
+// header can't tell is null, and no frame is counted that the file lacks.
+TEST(CheckerOutput, HeaderFactsSayOnlyWhatTheHeaderTells)
+{
+    TempDir dir;
+    const std::string whole = SoundWave(100);
+    const std::string nothing = "\"formatTag\": null, \"subFormat\": null, \"sampleRate\": null, \"channels\": null, "
+                                "\"bits\": null, \"blockAlign\": null, \"frames\": null, \"seconds\": null}";
+    const struct {
+        std::string name;
+        std::string bytes;
+        std::string facts;
+    } cases[] = {
+        {"cut.wav", whole.substr(0, 44 + 101),
+         "{\"container\": \"riff\", \"formatTag\": 1, \"subFormat\": null, \"sampleRate\": 44100, \"channels\": 2, "
+         "\"bits\": 16, \"blockAlign\": 4, \"frames\": 25, \"seconds\": 0.000567}"},
+        {"rate0.wav", Wave(FormatBody(1, 1, 0, 16), std::string(8, '\0')),
+         "{\"container\": \"riff\", \"formatTag\": 1, \"subFormat\": null, \"sampleRate\": 0, \"channels\": 1, "
+         "\"bits\": 16, \"blockAlign\": 2, \"frames\": 4, \"seconds\": null}"},
+        {"nofmt.wav", Riff(DataBytes("abcd")), "{\"container\": \"riff\", " + nothing},
+        {"text.wav", "not a wave file", "{\"container\": null, " + nothing},
+    };
+    std::vector<std::string> arguments = {"--jsonl"};
+    for (const auto& c : cases) {
+        dir.Write(c.name, c.bytes);
+        arguments.push_back(c.name);
+    }
+    arguments.push_back("gone.wav");
+    const CheckerOutcome run = RunChecker(dir, arguments);
+    std::istringstream lines(run.out);
+    std::string line;
+    for (const std::string& facts : {cases[0].facts, cases[1].facts, cases[2].facts, cases[3].facts,
+                                     "{\"container\": null, " + nothing}) {
+        ASSERT_TRUE(std::getline(lines, line));
+        EXPECT_NE(line.find("\"format\": " + facts), std::string::npos) << line;
+    }
+
+    // CSV: every row of a file ends in its facts.
+    const CheckerOutcome csv = RunChecker(dir, {"--csv", "cut.wav", "gone.wav"});
+    EXPECT_NE(csv.out.find("\"blockAlign\",\"frames\",\"seconds\"\r\n\"cut.wav\""), std::string::npos);
+    EXPECT_NE(csv.out.find(",\"riff\",1,\"\",44100,2,16,4,25,0.000567\r\n"), std::string::npos);
+    EXPECT_NE(csv.out.find("\"file.missing\",,\"\",,,,\"The file does not exist.\",\"ファイルがありません。\",\"\",,\"\",,,,,,\r\n"),
+              std::string::npos)
+        << csv.out;
 }
 
 TEST(CheckerOutput, ListsAndOptionsInAnyForm)

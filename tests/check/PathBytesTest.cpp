@@ -33,7 +33,7 @@ TEST(PathBytesProgram, NameOfOtherBytesIsFoundOpenedAndPrintedAsItStands)
     dir.MakeDir("archive");
     WriteRaw(dir, kLatin1Name, SoundWave());
     const std::string json =
-        "[\n  {\"path\": \"archive/caf\\udce9.wav\", \"report\": \"" + kClearJson + "\", \"hasError\": false, \"findings\": []}\n]\n";
+        "[\n  {\"path\": \"archive/caf\\udce9.wav\", \"report\": \"" + kClearJson + "\", \"hasError\": false, \"findings\": [], " + kSoundWaveFactsJson + "}\n]\n";
     ExpectRuns(dir, {
         {{"archive"}, 0, kClear},
         {{kLatin1Name}, 0, kClear},
@@ -44,14 +44,14 @@ TEST(PathBytesProgram, NameOfOtherBytesIsFoundOpenedAndPrintedAsItStands)
         {{"--json", "-"}, 0, json, "", kLatin1Name},
         {{"--jsonl", "archive"}, 0,
          "{\"type\": \"file\", \"path\": \"archive/caf\\udce9.wav\", \"report\": \"" + kClearJson +
-             "\", \"hasError\": false, \"findings\": []}\n"
+             "\", \"hasError\": false, \"findings\": [], " + kSoundWaveFactsJson + "}\n"
              "{\"type\": \"summary\", \"files\": 1, \"sound\": 1, \"withFindings\": 0, \"withWarnings\": 0, \"unreadable\": 0}\n"},
         {{"--chunks", kLatin1Name}, 0, "RIFF at 0, 52 bytes, form WAVE\n  fmt  at 12, 16 bytes\n  data at 36, 16 bytes\n"},
         // Text and CSV print a path's own bytes, so that a script can open
         // what they name.
         {{"--csv", kLatin1Name}, 0,
-         "\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\",\"message\",\"text\"\r\n\"" +
-             kLatin1Name + "\",\"ok\",\"file.sound\",,\"\",,,,\"The file is sound.\",\"チェック完了しました。\"\r\n"},
+         kCsvHeading + "\"" + kLatin1Name + "\",\"ok\",\"file.sound\",,\"\",,,,\"The file is sound.\",\"チェック完了しました。\"" +
+             kSoundWaveFactsCsv + "\r\n"},
         {{"--tidy", "text\xE9.wav", kLatin1Name}, 0, "nothing to mend; written to text\xE9.wav\n"},
     });
 

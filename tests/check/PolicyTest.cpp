@@ -135,7 +135,9 @@ TEST(PolicyRun, OutcomesAndExitStatus)
              "3 files: 3 sound, 0 with findings, 0 with warnings, 0 unreadable\n"},
         {{"--jsonl", "--policy", "peak.toml", "loud.wav"}, 0,
          "{\"type\": \"file\", \"path\": \"loud.wav\", \"report\": "
-             "\"\\u30c1\\u30a7\\u30c3\\u30af\\u5b8c\\u4e86\\u3057\\u307e\\u3057\\u305f\\u3002\\r\\n\", \"hasError\": false, \"findings\": [], \"policy\": {\"name\": \"peak\", \"outcome\": \"warn\", "
+             "\"\\u30c1\\u30a7\\u30c3\\u30af\\u5b8c\\u4e86\\u3057\\u307e\\u3057\\u305f\\u3002\\r\\n\", \"hasError\": false, \"findings\": [], \"format\": {\"container\": \"riff\", \"formatTag\": 1, "
+             "\"subFormat\": null, \"sampleRate\": 44100, \"channels\": 2, \"bits\": 16, \"blockAlign\": 4, "
+             "\"frames\": 4410, \"seconds\": 0.100000}, \"policy\": {\"name\": \"peak\", \"outcome\": \"warn\", "
              "\"rules\": [{\"rule\": \"peak\", \"measure\": \"peak\", \"value\": -1.0, \"unit\": \"dBFS\", \"limit\": "
              "\"at most -3.0\", \"outcome\": \"warn\"}]}}\n"
              "{\"type\": \"summary\", \"files\": 1, \"sound\": 1, \"withFindings\": 0, \"withWarnings\": 0, "

@@ -10,7 +10,10 @@ and fails unless each file has exactly the warnings that are true of it, as
 its own bytes tell: placeholder sizes for piped output with the figures of
 the file, RF64 for RF64, and an extensible format that is not PCM where the
 format chunk says so. Every other kind is a well-formed file and must give
-no warning at all.
+no warning at all. The header facts of each file must be those ffprobe
+reads: format tag (an extensible format's through its sub-format), rate,
+channels, bits and frames (none for a compressed format, whose blocks are
+not frames).
 """
 import json
 import os
@@ -100,6 +103,27 @@ def true_warnings(path):
     return warnings
 
 
+def facts_disagreement(path, facts):
+    """Where the checker's header facts differ from ffprobe's, or None; None
+    too for the few kinds ffprobe can't read (6-channel IMA ADPCM)."""
+    probe = subprocess.run(["ffprobe", "-v", "error", "-show_streams", "-of", "json", path],
+                           capture_output=True, check=False)
+    if probe.returncode != 0:
+        return None
+    stream = json.loads(probe.stdout)["streams"][0]
+    tag = facts["formatTag"]
+    if tag == 0xFFFE:
+        tag = int(facts["subFormat"][:8], 16)
+    compressed = stream["codec_name"].startswith(("adpcm", "gsm"))
+    mine = (tag, facts["sampleRate"], facts["channels"], facts["bits"], facts["frames"])
+    theirs = (int(stream["codec_tag"], 16), int(stream["sample_rate"]), stream["channels"],
+              stream.get("bits_per_sample"), None if compressed else stream.get("duration_ts"))
+    seconds = None if mine[4] is None else round(mine[4] / mine[1], 6)
+    if mine != theirs or facts["seconds"] != seconds:
+        return f"facts {mine}, {facts['seconds']} s; ffprobe {theirs}"
+    return None
+
+
 def main():
     if len(sys.argv) != 3:
         sys.exit(__doc__)
@@ -111,9 +135,11 @@ def main():
     if result.returncode not in (0, 1):
         sys.exit(f"real_world: the checker exited with {result.returncode}: {result.stderr.decode()}")
     seen = {}
+    facts = {}
     for line in result.stdout.decode().splitlines():
         entry = json.loads(line)
         if entry["type"] == "file":
+            facts[os.path.basename(entry["path"])] = entry["format"]
             seen[os.path.basename(entry["path"])] = [
                 (f["code"], f.get("declared"), f.get("actual"), f.get("offset"))
                 for f in entry["findings"] if f["severity"] == "warning"]
@@ -123,13 +149,16 @@ def main():
         expected = true_warnings(os.path.join(work, name))
         if seen.get(name) != expected:
             failures.append(f"{name}: warned {seen.get(name)}, true of it {expected}")
+        disagreement = facts_disagreement(os.path.join(work, name), facts.get(name))
+        if disagreement:
+            failures.append(f"{name}: {disagreement}")
         for code, *_ in expected:
             fired.setdefault(code, []).append(name)
     if len(names) < 48:
         failures.append(f"only {len(names)} kinds of file made")
     if failures:
-        sys.exit("real_world: warnings that aren't what is true of the file:\n  " + "\n  ".join(failures))
-    print(f"{len(names)} kinds of file, each with exactly its true warnings:")
+        sys.exit("real_world: warnings or facts that aren't what is true of the file:\n  " + "\n  ".join(failures))
+    print(f"{len(names)} kinds of file, each with exactly its true warnings and ffprobe's header facts:")
     for code, files in sorted(fired.items()):
         print(f"  {code}: {', '.join(files)}")
 

@@ -60,3 +60,13 @@ int WaitForChecker(pid_t child);
 
 // The paths of the JSON objects of an output, in their order.
 std::vector<std::string> JsonPaths(const std::string& out);
+
+// The CSV heading, byte order mark first.
+inline const std::string kCsvHeading =
+    "\xEF\xBB\xBF\"path\",\"severity\",\"code\",\"offset\",\"chunk\",\"value\",\"declared\",\"actual\",\"message\",\"text\","
+    "\"container\",\"formatTag\",\"subFormat\",\"sampleRate\",\"channels\",\"bits\",\"blockAlign\",\"frames\",\"seconds\"\r\n";
+// The header facts of SoundWave(), as JSON and CSV give them.
+inline const std::string kSoundWaveFactsJson =
+    "\"format\": {\"container\": \"riff\", \"formatTag\": 1, \"subFormat\": null, \"sampleRate\": 44100, \"channels\": 2, "
+    "\"bits\": 16, \"blockAlign\": 4, \"frames\": 4, \"seconds\": 0.000091}";
+inline const std::string kSoundWaveFactsCsv = ",\"riff\",1,\"\",44100,2,16,4,4,0.000091";
