@@ -35,6 +35,15 @@ bool FileStream::OpenPlain(const WideString& newPath, std::uint32_t flags)
     return true;
 }
 
+bool FileStream::OpenMemory(const MemoryBytes& bytes, const WideString& name)
+{
+    Close();
+    memory = bytes;
+    inMemory = true;
+    path = name;
+    return true;
+}
+
 bool FileStream::CreateNew(const WideString& newPath, bool aligned)
 {
     Close();
@@ -84,6 +93,8 @@ void FileStream::Close()
         EndAlignedWrite();
     path.Clear();
     readAhead.reset();
+    memory = {};
+    inMemory = false;
     position = 0;
     sectorSize = 0;
     writable = false;
@@ -93,6 +104,8 @@ void FileStream::Close()
 // when the stream is closed.
 std::uint32_t FileStream::ReadFromSystem(void* destination, std::uint32_t count)
 {
+    if (inMemory)
+        return ReadMemory(static_cast<std::uint8_t*>(destination), count);
     if (!handle || count == 0)
         return 0;
     if (sectorSize > 0)
@@ -101,6 +114,19 @@ std::uint32_t FileStream::ReadFromSystem(void* destination, std::uint32_t count)
         return ReadBuffered(static_cast<std::uint8_t*>(destination), count);
     std::int64_t got = platform::ReadFromFile(handle, destination, count);
     return got < 0 ? 0 : static_cast<std::uint32_t>(got);
+}
+
+// What memory holds from the position on, as a file gives it: fewer bytes
+// at its end, none behind it.
+std::uint32_t FileStream::ReadMemory(std::uint8_t* destination, std::uint32_t count)
+{
+    const std::int64_t size = static_cast<std::int64_t>(memory.size);
+    if (position >= size || count == 0)
+        return 0;
+    const std::uint32_t piece = static_cast<std::uint32_t>(std::min<std::int64_t>(count, size - position));
+    std::memcpy(destination, memory.data + position, piece);
+    position += piece;
+    return piece;
 }
 
 std::uint32_t FileStream::ReadBuffered(std::uint8_t* destination, std::uint32_t count)
@@ -176,7 +202,7 @@ std::uint32_t FileStream::Write(const void* source, std::uint32_t count)
 // not.
 bool FileStream::Seek(std::int64_t offset, platform::SeekOrigin origin)
 {
-    if (!handle)
+    if (!handle && !inMemory)
         return false;
     if (sectorSize > 0) {
         switch (origin) {
@@ -187,7 +213,7 @@ bool FileStream::Seek(std::int64_t offset, platform::SeekOrigin origin)
         }
         return false;
     }
-    if (!readAhead) {
+    if (!readAhead && !inMemory) {
         std::int64_t reached = 0;
         return platform::SeekFile(handle, offset, origin, reached);
     }
@@ -216,6 +242,8 @@ std::int64_t FileStream::GetSize()
     // What is being written in aligned mode ends at the logical position.
     if (handle && sectorSize > 0 && writable)
         return position;
+    if (inMemory)
+        return static_cast<std::int64_t>(memory.size);
     std::int64_t size = 0;
     if (!handle || !platform::QueryFileSize(handle, size))
         return 0;
@@ -229,7 +257,7 @@ std::int64_t FileStream::GetSize()
 bool FileStream::ReadText(WideString& destination, std::uint32_t count)
 {
     destination.Clear();
-    if (!handle || count == 0)
+    if (!IsOpen() || count == 0)
         return false;
     constexpr std::uint32_t kPiece = 1 << 16;
     std::string bytes;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/WideString.h"
+#include "files/MemoryBytes.h"
 #include "files/TransferMemory.h"
 #include "platform/File.h"
 
@@ -21,6 +22,10 @@
 // page-aligned buffer of 1024 sectors and covers whole sectors, while the
 // stream keeps a logical byte position of its own. Callers see the same
 // operations with byte positions and counts.
+//
+// Memory mode reads a file that the caller holds in memory, under a name
+// of its own: reads, seeks, Tell and GetSize as they are on the same bytes
+// on disk, writes refused.
 class FileStream {
 public:
     FileStream();
@@ -30,6 +35,8 @@ public:
 
     bool OpenPlain(const WideString& path, std::uint32_t flags);
     bool OpenAligned(const WideString& path, std::uint32_t flags);
+    // Reads bytes, which stay the caller's; name is what GetPath gives.
+    bool OpenMemory(const MemoryBytes& bytes, const WideString& name);
     // Makes a new file for writing and reading; false when one exists at
     // path. With aligned set, the stream writes in aligned mode, and Close
     // sets the end of the file to the logical position.
@@ -42,7 +49,7 @@ public:
     // Waits until what was written is on the disk; false when it can't be
     // told that it is.
     bool Flush();
-    bool IsOpen() const { return handle != nullptr; }
+    bool IsOpen() const { return handle != nullptr || inMemory; }
     bool IsAligned() const { return sectorSize > 0; }
 
     // A walk reads a few bytes at a time, millions of times over; a read
@@ -64,7 +71,7 @@ public:
     bool SeekTo(std::int64_t target) { return Seek(target, platform::SeekOrigin::Begin); }
     // The current position, 0 on error. Read-ahead and aligned mode keep it
     // themselves.
-    std::int64_t Tell() { return handle && (readAhead || sectorSize > 0) ? position : TellFromSystem(); }
+    std::int64_t Tell() { return (handle && (readAhead || sectorSize > 0)) || inMemory ? position : TellFromSystem(); }
     std::int64_t GetSize();
     bool ReadText(WideString& destination, std::uint32_t count);
     const WideString& GetPath() const { return path; }
@@ -81,6 +88,7 @@ private:
     };
 
     std::uint32_t ReadFromSystem(void* destination, std::uint32_t count);
+    std::uint32_t ReadMemory(std::uint8_t* destination, std::uint32_t count);
     std::uint32_t ReadBuffered(std::uint8_t* destination, std::uint32_t count);
     std::int64_t TellFromSystem();
     bool MoveSystemPointerTo(std::int64_t target);
@@ -100,7 +108,10 @@ private:
     WideString path;
     std::unique_ptr<ReadAheadBuffer> readAhead;
     std::unique_ptr<TransferMemory> transferBuffer;
-    // The logical position while read-ahead or aligned mode is on.
+    // Memory mode's bytes.
+    MemoryBytes memory;
+    bool inMemory = false;
+    // The logical position while read-ahead, aligned or memory mode is on.
     std::int64_t position = 0;
     // Bytes per sector in aligned mode; 0 in plain mode.
     std::int32_t sectorSize = 0;

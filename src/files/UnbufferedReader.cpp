@@ -2,6 +2,9 @@
 
 #include "files/PathParts.h"
 
+#include <algorithm>
+#include <cstring>
+
 UnbufferedReader::~UnbufferedReader()
 {
     if (handle)
@@ -19,6 +22,17 @@ bool UnbufferedReader::Open(const WideString& path)
     return handle != nullptr && platform::QueryFileSize(handle, fileSize);
 }
 
+bool UnbufferedReader::OpenMemory(const MemoryBytes& bytes)
+{
+    if (handle || inMemory)
+        return false;
+    memory = bytes;
+    inMemory = true;
+    sectorSize = 512;
+    fileSize = static_cast<std::int64_t>(bytes.size);
+    return true;
+}
+
 // One request of count bytes at position, both whole sectors, into
 // TransferMemory: the bytes that came, fewer only at the end of the file
 // (the length it had when opened, or less should it have shrunk since), or
@@ -28,6 +42,14 @@ bool UnbufferedReader::Open(const WideString& path)
 // for its position rather than bring nothing.
 std::int64_t UnbufferedReader::ReadAt(std::int64_t position, std::uint8_t* destination, std::uint32_t count)
 {
+    if (inMemory) {
+        if (position < 0)
+            return -1;
+        const std::int64_t got = std::clamp<std::int64_t>(fileSize - position, 0, count);
+        if (got > 0)
+            std::memcpy(destination, memory.data + position, static_cast<std::size_t>(got));
+        return got;
+    }
     std::int64_t reached = 0;
     if (!handle || !platform::SeekFile(handle, position, platform::SeekOrigin::Begin, reached))
         return -1;

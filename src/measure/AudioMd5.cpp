@@ -74,7 +74,8 @@ bool HashAudio(FileLayout& layout, AudioMd5& md5, std::string& problem, const Me
     std::int64_t frames = 0;
     // The pass counts frames; here they are bytes, and said so.
     if (md5.Begin(place, layout.GetFileSize()) && place.dataBytes > 0 &&
-        !RunMeasurePass(layout.GetPath(), place, bytes, noMeters, progress, frames, problem, &md5)) {
+        !RunMeasurePass(layout.GetPath(), place, bytes, noMeters, progress, frames, problem, &md5,
+                        layout.GetMemory())) {
         problem = "the audio could not be read after byte " + FormatCount(md5.Hashed()) + " of " +
                   FormatCount(place.dataBytes);
         return false;

@@ -69,7 +69,7 @@ bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem
 
     std::int64_t frames = 0;
     AudioMd5* hashed = md5 && md5->Begin(place, layout.GetFileSize()) ? md5 : nullptr;
-    if (!RunMeasurePass(layout.GetPath(), place, format, meters, progress, frames, problem, hashed))
+    if (!RunMeasurePass(layout.GetPath(), place, format, meters, progress, frames, problem, hashed, layout.GetMemory()))
         return false;
     if (hashed)
         hashed->Finish(layout, place);

@@ -50,7 +50,7 @@ public:
     {
     }
 
-    bool Open(const WideString& path, const AudioPlace& place, std::string& problem);
+    bool Open(const WideString& path, const MemoryBytes* memory, const AudioPlace& place, std::string& problem);
     void Run(const MeasureProgress& progress);
     bool Finish(std::int64_t& frames, std::string& problem);
 
@@ -91,9 +91,9 @@ private:
 
 // The audio is read through an open of its own, not the stream of the walk
 // that found it: that one reads through the system's cache, this one past it.
-bool PassRun::Open(const WideString& path, const AudioPlace& place, std::string& problem)
+bool PassRun::Open(const WideString& path, const MemoryBytes* memory, const AudioPlace& place, std::string& problem)
 {
-    if (!audio.Open(path) || kHeadBytes % audio.GetSectorSize() != 0) {
+    if (!(memory ? audio.OpenMemory(*memory) : audio.Open(path)) || kHeadBytes % audio.GetSectorSize() != 0) {
         problem = "the audio can't be read";
         return false;
     }
@@ -371,10 +371,10 @@ bool PassRun::Finish(std::int64_t& frames, std::string& problem)
 
 bool RunMeasurePass(const WideString& path, const AudioPlace& place, const SampleFormat& format,
                     std::vector<ChosenMeter>& meters, const MeasureProgress& progress, std::int64_t& frames,
-                    std::string& problem, RawAudioSink* raw)
+                    std::string& problem, RawAudioSink* raw, const MemoryBytes* memory)
 {
     PassRun run(format, meters, raw);
-    if (!run.Open(path, place, problem))
+    if (!run.Open(path, memory, place, problem))
         return false;
     run.Run(progress);
     return run.Finish(frames, problem);

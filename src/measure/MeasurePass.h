@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/WideString.h"
+#include "files/MemoryBytes.h"
 #include "measure/AudioPlace.h"
 #include "measure/Meter.h"
 #include "measure/SampleFormat.h"
@@ -47,7 +48,8 @@ public:
 // and, once every frame is in, merges each twin into its meter. False with
 // the reason in problem when the audio can't be read, or ends before the
 // frames counted in place: a measurement is of every frame or none. raw,
-// when given, is handed every frame's bytes too.
+// when given, is handed every frame's bytes too. memory, when given, holds
+// the file's bytes, and the pieces are read from it rather than from path.
 bool RunMeasurePass(const WideString& path, const AudioPlace& place, const SampleFormat& format,
                     std::vector<ChosenMeter>& meters, const MeasureProgress& progress, std::int64_t& frames,
-                    std::string& problem, RawAudioSink* raw = nullptr);
+                    std::string& problem, RawAudioSink* raw = nullptr, const MemoryBytes* memory = nullptr);

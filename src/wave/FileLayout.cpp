@@ -8,12 +8,23 @@
 FileLayout::FileLayout(const WideString& path, const LayoutReading& reading, ChunkObserver* observer)
     : path(path), existing(::IsExistingFile(path))
 {
-    if (!existing)
-        return;
+    if (existing)
+        Read(reading, observer);
+}
+
+FileLayout::FileLayout(const MemoryBytes& bytes, const WideString& name, const LayoutReading& reading,
+                       ChunkObserver* observer)
+    : path(name), memory(bytes), inMemory(true), existing(true)
+{
+    Read(reading, observer);
+}
+
+void FileLayout::Read(const LayoutReading& reading, ChunkObserver* observer)
+{
     document.SetTreeForm(reading.form);
     document.SetFrameStreams(false);
     document.SetObserver(observer);
-    open = document.OpenFile(path);
+    open = inMemory ? document.OpenMemory(memory, path) : document.OpenFile(path);
     if (!open)
         return;
     bool rf64 = false;

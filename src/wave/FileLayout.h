@@ -34,13 +34,18 @@ struct LayoutReading {
 // whether it is a file at all, its size, its container, its chunks walked
 // into a document, and an RF64 file's layout. The file is opened once, by
 // the document, and stays open for the readers until the layout goes; they
-// read it through AcquireStream. The document opens no frame streams: the
+// read it through AcquireStream. A file held in memory is read the same way
+// under a name of its own. The document opens no frame streams: the
 // readers of a layout ask the data chunk for its frame count only. Made on
 // the thread of the reader that uses it.
 class FileLayout {
 public:
     // observer, when given, is told of every chunk of the walk.
     FileLayout(const WideString& path, const LayoutReading& reading, ChunkObserver* observer = nullptr);
+    // The file's bytes, which stay the caller's until the layout goes; name
+    // is its path for the readers and their reports.
+    FileLayout(const MemoryBytes& bytes, const WideString& name, const LayoutReading& reading,
+               ChunkObserver* observer = nullptr);
     FileLayout(const FileLayout&) = delete;
     FileLayout& operator=(const FileLayout&) = delete;
 
@@ -52,6 +57,8 @@ public:
     // 0 when it can't be opened.
     std::int64_t GetFileSize() const { return fileSize; }
     FileContainer GetContainer() const { return container; }
+    // The bytes of a file held in memory; null for a file on disk.
+    const MemoryBytes* GetMemory() const { return inMemory ? &memory : nullptr; }
 
     // The document, walked in the form asked for unless the RF64 layout
     // was read in place of the walk; walkedWell is what the walk gave, as
@@ -68,9 +75,12 @@ public:
     const std::string& GetRf64Problem() const { return rf64Problem; }
 
 private:
+    void Read(const LayoutReading& reading, ChunkObserver* observer);
     void ReadRf64();
 
     WideString path;
+    MemoryBytes memory;
+    bool inMemory = false;
     bool existing = false;
     bool open = false;
     std::int64_t fileSize = 0;

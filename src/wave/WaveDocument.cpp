@@ -69,22 +69,32 @@ bool WaveDocument::Open(const WideString& path)
     return OpenFile(path) && WalkTopLevel();
 }
 
-bool WaveDocument::OpenFile(const WideString& path)
+// Before a new open, under the lock the caller holds.
+void WaveDocument::CloseForOpen()
 {
-    {
-        platform::LockGuard guard(lock);
-        chunks.ClearFromBack();
-        stream.Close();
-    }
-    platform::LockGuard guard(lock);
+    chunks.ClearFromBack();
+    stream.Close();
     nestingDepth = 0;
     walkAbandoned = false;
+}
+
+bool WaveDocument::OpenFile(const WideString& path)
+{
+    platform::LockGuard guard(lock);
+    CloseForOpen();
     if (!(alignedIo ? stream.OpenAligned(path, kOpenFlags) : stream.OpenPlain(path, kOpenFlags)))
         return false;
     // Without memory for it the walk is slower, with the same results. An
     // aligned stream reads by sectors and has none.
     stream.EnableReadAhead(BufferBytesFor(stream.GetSize(), kReadAheadBytes));
     return true;
+}
+
+bool WaveDocument::OpenMemory(const MemoryBytes& bytes, const WideString& name)
+{
+    platform::LockGuard guard(lock);
+    CloseForOpen();
+    return stream.OpenMemory(bytes, name);
 }
 
 // False when no file is open, as Open is.

@@ -72,6 +72,9 @@ public:
     // and walks nothing; Walk walks the open file from its start as a
     // document new to it would, the container kind unknown again.
     bool OpenFile(const WideString& path);
+    // OpenFile over a file's bytes held in memory, which stay the caller's
+    // until the document goes; name stands for the path.
+    bool OpenMemory(const MemoryBytes& bytes, const WideString& name);
     bool Walk();
     // Aligned mode for the next Open: the document's stream and the data
     // chunk's streams bypass the system's cache.
@@ -123,6 +126,7 @@ public:
 private:
     template <typename ChunkClass>
     bool Register(ChunkClass*& registrySlot, ChunkClass* chunk, bool add);
+    void CloseForOpen();
     bool WalkTopLevel();
     bool ReadTopLevelId(std::uint32_t& id, bool& result);
     bool HoldsRegistrySlot(const Chunk& chunk) const;

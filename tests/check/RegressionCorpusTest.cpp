@@ -1,7 +1,11 @@
 #include "base/Utf8.h"
+#include "check/FileCheck.h"
 #include "check/WaveCheck.h"
+#include "cli/CheckPrinter.h"
+#include "cli/LevelsPrinter.h"
 #include "layouttext/CsvTokeniser.h"
 #include "layouttext/LayoutDocument.h"
+#include "measure/Levels.h"
 #include "policy/Policy.h"
 #include "support/ReportGrammar.h"
 
@@ -65,6 +69,47 @@ TEST(RegressionCorpus, WaveFilesGiveWellFormedReports)
         EXPECT_EQ(firstError, secondError);
         std::string why;
         EXPECT_TRUE(IsWellFormedReport(first, firstError, why)) << why;
+    }
+}
+
+// The same inputs, and those of the levels, read from memory under their
+// own names: the check, its warnings and the levels are those of the file.
+TEST(RegressionCorpus, BytesInMemoryGiveWhatTheirFileGives)
+{
+    std::vector<fs::path> files = CorpusFiles("regressions/wave");
+    for (const char* folder : {"seeds/wave", "regressions/levels", "seeds/levels"}) {
+        const std::vector<fs::path> more = CorpusFiles(folder);
+        files.insert(files.end(), more.begin(), more.end());
+    }
+    const auto findingsJson = [](const FileCheck& check) {
+        std::string json;
+        for (const Finding& finding : check.findings)
+            AppendFindingJson(json, finding);
+        return json;
+    };
+    for (const fs::path& file : files) {
+        SCOPED_TRACE(file.filename().string());
+        std::ifstream in(file, std::ios::binary);
+        const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        const MemoryBytes memory{reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()};
+        const WideString path(file.u16string());
+        FileLayout onDisk(path, kCheckReading), held(memory, path, kCheckReading);
+        FileCheck fromDisk, fromMemory;
+        CheckFile(onDisk, fromDisk);
+        CheckFile(held, fromMemory);
+        EXPECT_EQ(fromMemory.report, fromDisk.report);
+        EXPECT_EQ(fromMemory.hasError, fromDisk.hasError);
+        EXPECT_EQ(findingsJson(fromMemory), findingsJson(fromDisk));
+
+        FileLayout diskLevels(path, kLevelsReading), heldLevels(memory, path, kLevelsReading);
+        LevelReport diskReport, heldReport;
+        std::string diskProblem, heldProblem;
+        const bool measured = MeasureLevels(diskLevels, diskReport, diskProblem, true);
+        EXPECT_EQ(MeasureLevels(heldLevels, heldReport, heldProblem, true), measured);
+        EXPECT_EQ(heldProblem, diskProblem);
+        if (measured) {
+            EXPECT_EQ(FormatLevelsJson(heldReport), FormatLevelsJson(diskReport));
+        }
     }
 }
 

@@ -161,3 +161,48 @@ TEST(FileStream, BehindTheEndTellsWhereAndReadsNothing)
     EXPECT_FALSE(stream.ReadText(text, 0));
 }
 
+
+// Memory mode answers every read, seek, Tell and size as the same bytes on
+// disk do, across the end and past it, and for no bytes at all; it writes
+// nothing.
+TEST(FileStream, MemoryModeReadsAsTheFileOfItsBytes)
+{
+    TempDir dir;
+    struct Step {
+        std::int64_t offset;
+        platform::SeekOrigin origin;
+        std::uint32_t count;
+    };
+    const Step steps[] = {
+        {0, platform::SeekOrigin::Begin, 2},     {1, platform::SeekOrigin::Current, 4000},
+        {-3, platform::SeekOrigin::End, 10},     {5, platform::SeekOrigin::End, 1},
+        {-1, platform::SeekOrigin::Current, 1},  {-9000, platform::SeekOrigin::Current, 1},
+        {4096, platform::SeekOrigin::Begin, 2},  {1LL << 40, platform::SeekOrigin::Begin, 1},
+    };
+    for (std::size_t size : {0u, 1u, 3u, 4097u}) {
+        SCOPED_TRACE(size);
+        const std::string bytes = Pattern(size);
+        FileStream file, memory;
+        ASSERT_TRUE(file.OpenPlain(dir.Write("m" + std::to_string(size), bytes), platform::kFileAttributeNormal));
+        ASSERT_TRUE(memory.OpenMemory({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()},
+                                      WideString(u"held.wav")));
+        EXPECT_TRUE(memory.IsOpen());
+        EXPECT_EQ(memory.GetPath().View(), u"held.wav");
+        EXPECT_EQ(memory.GetSize(), file.GetSize());
+        for (const Step& step : steps) {
+            SCOPED_TRACE(step.offset);
+            EXPECT_EQ(memory.Seek(step.offset, step.origin), file.Seek(step.offset, step.origin));
+            EXPECT_EQ(memory.Tell(), file.Tell());
+            std::string a(step.count, '\0'), b(step.count, '\0');
+            const std::uint32_t got = memory.Read(a.data(), step.count);
+            EXPECT_EQ(got, file.Read(b.data(), step.count));
+            EXPECT_EQ(a, b);
+            EXPECT_EQ(memory.Tell(), file.Tell());
+        }
+        EXPECT_EQ(memory.Write("x", 1), 0u);
+        EXPECT_FALSE(memory.Flush());
+        memory.Close();
+        EXPECT_FALSE(memory.IsOpen());
+        EXPECT_EQ(memory.GetSize(), 0);
+    }
+}
