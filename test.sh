@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, then configures, builds and tests every preset:
 # native and native-asan with ctest, native-tsan with the worker's tests
-# under ThreadSanitizer, windows with ctest under Wine and a
+# under ThreadSanitizer, the Python package's wheel in a new venv with
+# pytest, windows with ctest under Wine and a
 # comparison of its reports with the native ones, windows32 compiled only
 # (no 32-bit Wine can run it), and fuzz with a short run of every target,
 # those two beside the Wine tests; then the download files of ./release.sh,
@@ -160,6 +161,9 @@ for preset in native native-asan native-tsan; do
         step "$preset test" run_ctest "$preset" || true
     fi
 done
+# The Python package's wheel, in a new venv, against the native checker.
+step "python package" tests/python/run.sh build/native/sondara-check build/python-tests \
+    build/native/tests/check/libfault-shim.so || true
 
 rm -f build/beside-wine.state
 if configure_and_build windows; then

@@ -44,6 +44,10 @@ packages=(
     # setsid and flock for the Wine session; part of every Debian system,
     # listed so that a trimmed one gets them too.
     util-linux
+    # The Python package: the extension's bindings and headers, the wheel's
+    # build tools, and a venv with pip in it where pytest tries the wheel.
+    pybind11-dev python3-dev python3-build python3-wheel python3-setuptools
+    python3-venv python3-pip-whl python3-pytest
 )
 
 is_installed()
