@@ -5,6 +5,7 @@
 #include "cli/CheckPrinter.h"
 #include "cli/LevelWarnings.h"
 #include "cli/LevelsPrinter.h"
+#include "measure/FormatFacts.h"
 #include "measure/Levels.h"
 #include "platform/posix/Utf8Path.h"
 
@@ -56,7 +57,8 @@ SourceOutcome Guarded(Work work)
 SourceOutcome CheckSourceAsJson(const CheckSource& source)
 {
     return Guarded([&] {
-        const std::unique_ptr<FileLayout> layout = OpenLayout(source, kCheckReading);
+        // Read as the checker reads it, for the header facts.
+        const std::unique_ptr<FileLayout> layout = OpenLayout(source, kLevelsReading);
         FileCheck check;
         CheckFile(*layout, check);
         SourceOutcome outcome{StateOf(*layout), {}};
@@ -65,7 +67,7 @@ SourceOutcome CheckSourceAsJson(const CheckSource& source)
         StringSink sink;
         const std::unique_ptr<CheckPrinter> printer = MakeCheckPrinter(OutputFormat::Json, sink, false);
         printer->Begin();
-        printer->File(check, nullptr);
+        printer->File(check, ReadFormatFacts(*layout), nullptr);
         printer->End(RunSummary());
         outcome.text = std::move(sink.text);
         return outcome;

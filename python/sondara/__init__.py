@@ -23,11 +23,12 @@ import threading
 from typing import Any, Deque, Iterable, Iterator, Optional, Tuple, Union
 
 from . import _sondara
-from ._results import Finding, Levels, Result
+from ._results import Finding, FormatFacts, Levels, Result
 
 __all__ = [
     "CheckIterator",
     "Finding",
+    "FormatFacts",
     "Levels",
     "LevelsError",
     "Result",

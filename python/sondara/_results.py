@@ -43,18 +43,70 @@ class Finding:
 
 
 @dataclass(frozen=True)
+class FormatFacts:
+    """What a file's header says of its audio, as the JSON's ``format``:
+    read from the header alone, ``None`` where the header can't tell.
+
+    ``container`` is ``"riff"``, ``"rf64"`` or ``None``; ``sub_format`` an
+    extensible format's sub-format GUID; ``frames`` the whole frames both
+    declared and present (``None`` for a compressed format).
+    """
+
+    container: Optional[str]
+    format_tag: Optional[int]
+    sub_format: Optional[str]
+    sample_rate: Optional[int]
+    channels: Optional[int]
+    bits: Optional[int]
+    block_align: Optional[int]
+    frames: Optional[int]
+    seconds: Optional[float]
+
+    @classmethod
+    def from_dict(cls, data: Dict[str, Any]) -> "FormatFacts":
+        """The facts of the JSON's ``format`` object."""
+        return cls(
+            container=data["container"],
+            format_tag=data["formatTag"],
+            sub_format=data["subFormat"],
+            sample_rate=data["sampleRate"],
+            channels=data["channels"],
+            bits=data["bits"],
+            block_align=data["blockAlign"],
+            frames=data["frames"],
+            seconds=data["seconds"],
+        )
+
+    def to_dict(self) -> Dict[str, Any]:
+        """The JSON's ``format`` object, key for key."""
+        return {
+            "container": self.container,
+            "formatTag": self.format_tag,
+            "subFormat": self.sub_format,
+            "sampleRate": self.sample_rate,
+            "channels": self.channels,
+            "bits": self.bits,
+            "blockAlign": self.block_align,
+            "frames": self.frames,
+            "seconds": self.seconds,
+        }
+
+
+@dataclass(frozen=True)
 class Result:
     """The check of one file or buffer, as ``sondara-check --json`` gives it.
 
     ``report`` is the Japanese report, lines ending in CR LF; ``has_error``
     is true when it has a finding; ``findings`` holds its lines and then the
-    warnings. ``to_dict()`` is the checker's JSON object of the file.
+    warnings; ``format`` the header's facts. ``to_dict()`` is the checker's
+    JSON object of the file.
     """
 
     path: str
     report: str
     has_error: bool
     findings: List[Finding]
+    format: FormatFacts
     _json: Dict[str, Any] = field(repr=False, compare=False)
 
     @classmethod
@@ -65,6 +117,7 @@ class Result:
             report=data["report"],
             has_error=data["hasError"],
             findings=[Finding.from_dict(item) for item in data["findings"]],
+            format=FormatFacts.from_dict(data["format"]),
             _json=data,
         )
 

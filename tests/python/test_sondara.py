@@ -54,6 +54,7 @@ def test_path_bytes_and_checker_agree_on_every_input():
         assert by_path.path == str(path)
         assert by_path.report == reference["report"]
         assert [f.code for f in by_path.findings] == [f["code"] for f in reference["findings"]]
+        assert by_path.format.to_dict() == reference["format"]
         warned = any(f["severity"] == "warning" for f in reference["findings"])
         assert by_path.verdict == ("error" if reference["hasError"] else "warning" if warned else "ok")
     # The single file of the checker's example.
@@ -72,7 +73,11 @@ def test_truncated_empty_and_typed_fields(tmp_path):
     from_bytes = sondara.check(b"").to_dict()
     assert from_bytes["path"] == "<bytes>"
     assert json.loads(checker_json("--json", empty)) == [dict(from_bytes, path=str(empty))]
-    assert sondara.check(SAMPLE).verdict == "ok"
+    sound = sondara.check(SAMPLE)
+    assert sound.verdict == "ok"
+    assert (sound.format.container, sound.format.format_tag, sound.format.sample_rate, sound.format.channels,
+            sound.format.bits, sound.format.frames) == ("riff", 1, 44100, 2, 16, 4410)
+    assert (truncated.format.bits, truncated.format.frames, truncated.format.seconds) == (0, None, None)
 
 
 def test_sources_without_a_result_raise_the_documented_exceptions(tmp_path):
