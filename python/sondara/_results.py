@@ -3,8 +3,14 @@
 from __future__ import annotations
 
 import copy
-from dataclasses import dataclass, field
+from dataclasses import dataclass, field, fields
 from typing import Any, Dict, List, Optional
+
+
+def _json_key(name: str) -> str:
+    """The checker's JSON name of a field: sample_rate is sampleRate."""
+    head, *rest = name.split("_")
+    return head + "".join(word.title() for word in rest)
 
 
 @dataclass(frozen=True)
@@ -29,17 +35,7 @@ class Finding:
     @classmethod
     def from_dict(cls, data: Dict[str, Any]) -> "Finding":
         """The finding of one JSON object of ``findings``."""
-        return cls(
-            code=data["code"],
-            severity=data["severity"],
-            message=data["message"],
-            text=data["text"],
-            value=data.get("value"),
-            offset=data.get("offset"),
-            chunk=data.get("chunk"),
-            declared=data.get("declared"),
-            actual=data.get("actual"),
-        )
+        return cls(**{item.name: data.get(item.name) for item in fields(cls)})
 
 
 @dataclass(frozen=True)
@@ -65,31 +61,11 @@ class FormatFacts:
     @classmethod
     def from_dict(cls, data: Dict[str, Any]) -> "FormatFacts":
         """The facts of the JSON's ``format`` object."""
-        return cls(
-            container=data["container"],
-            format_tag=data["formatTag"],
-            sub_format=data["subFormat"],
-            sample_rate=data["sampleRate"],
-            channels=data["channels"],
-            bits=data["bits"],
-            block_align=data["blockAlign"],
-            frames=data["frames"],
-            seconds=data["seconds"],
-        )
+        return cls(**{item.name: data[_json_key(item.name)] for item in fields(cls)})
 
     def to_dict(self) -> Dict[str, Any]:
         """The JSON's ``format`` object, key for key."""
-        return {
-            "container": self.container,
-            "formatTag": self.format_tag,
-            "subFormat": self.sub_format,
-            "sampleRate": self.sample_rate,
-            "channels": self.channels,
-            "bits": self.bits,
-            "blockAlign": self.block_align,
-            "frames": self.frames,
-            "seconds": self.seconds,
-        }
+        return {_json_key(item.name): getattr(self, item.name) for item in fields(self)}
 
 
 @dataclass(frozen=True)
