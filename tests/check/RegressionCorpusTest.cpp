@@ -5,6 +5,7 @@
 #include "cli/LevelsPrinter.h"
 #include "layouttext/CsvTokeniser.h"
 #include "layouttext/LayoutDocument.h"
+#include "measure/AudioMd5.h"
 #include "measure/Levels.h"
 #include "policy/Policy.h"
 #include "support/ReportGrammar.h"
@@ -92,8 +93,9 @@ TEST(RegressionCorpus, BytesInMemoryGiveWhatTheirFileGives)
         std::ifstream in(file, std::ios::binary);
         const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
         const MemoryBytes memory{reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()};
-        const WideString path(file.u16string());
-        FileLayout onDisk(path, kCheckReading), held(memory, path, kCheckReading);
+        // The bytes go by a name that no file has: nothing is read from disk.
+        const WideString path(file.u16string()), name(u"held:" + file.filename().u16string());
+        FileLayout onDisk(path, kCheckReading), held(memory, name, kCheckReading);
         FileCheck fromDisk, fromMemory;
         CheckFile(onDisk, fromDisk);
         CheckFile(held, fromMemory);
@@ -101,12 +103,15 @@ TEST(RegressionCorpus, BytesInMemoryGiveWhatTheirFileGives)
         EXPECT_EQ(fromMemory.hasError, fromDisk.hasError);
         EXPECT_EQ(findingsJson(fromMemory), findingsJson(fromDisk));
 
-        FileLayout diskLevels(path, kLevelsReading), heldLevels(memory, path, kLevelsReading);
+        FileLayout diskLevels(path, kLevelsReading), heldLevels(memory, name, kLevelsReading);
         LevelReport diskReport, heldReport;
         std::string diskProblem, heldProblem;
-        const bool measured = MeasureLevels(diskLevels, diskReport, diskProblem, true);
-        EXPECT_EQ(MeasureLevels(heldLevels, heldReport, heldProblem, true), measured);
+        AudioMd5 diskMd5, heldMd5;
+        const bool measured = MeasureLevels(diskLevels, diskReport, diskProblem, true, {}, {}, &diskMd5);
+        EXPECT_EQ(MeasureLevels(heldLevels, heldReport, heldProblem, true, {}, {}, &heldMd5), measured);
         EXPECT_EQ(heldProblem, diskProblem);
+        EXPECT_EQ(heldMd5.IsComputed(), diskMd5.IsComputed());
+        EXPECT_TRUE(heldMd5.GetDigest() == diskMd5.GetDigest());
         if (measured) {
             EXPECT_EQ(FormatLevelsJson(heldReport), FormatLevelsJson(diskReport));
         }
