@@ -5,8 +5,9 @@
 // finite figures, or none (-inf) only where there is silence; the meters
 // beyond the levels give figures inside what the file holds; its lines
 // print. A refusal says why. The MD5 of the audio, beside the levels and
-// alone, is one and the same, of no more bytes than the file holds, and a
-// stored MD5 chunk is read only when it is 16 bytes.
+// alone, is one and the same, of no more bytes than the file holds (the
+// one beside the levels read from the bytes in memory, the other from the
+// file), and a stored MD5 chunk is read only when it is 16 bytes.
 #include "cli/LevelsPrinter.h"
 #include "measure/AudioMd5.h"
 #include "measure/Levels.h"
@@ -44,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const StoredMd5 stored = FindStoredMd5(alone, finder);
         if (stored.read && stored.size != kMd5ChunkBytes)
             FailInvariant("a stored MD5 read from a chunk of another size");
-        FileLayout again(WideString::FromAscii(input), kLevelsReading);
+        FileLayout again(MemoryBytes{data, size}, WideString(u"held"), kLevelsReading);
         LevelReport levels;
         if (MeasureLevels(again, levels, why, false, {}, {}, &beside) && beside.IsComputed() &&
             (!hashed || beside.GetDigest() != md5.GetDigest()))

@@ -6,11 +6,13 @@
 // one another from the ds64 chunk on, each beginning inside the file and
 // listed with a mark where it runs past its end; the metadata view (whose
 // chunks' parsers the check's warnings meet too) must read every RIFF WAVE
-// file and no other, in text or JSON by the input's length. That the check gives the
+// file and no other, in text or JSON by the input's length; the same bytes
+// held in memory must give the same check and facts. That the check gives the
 // same report twice is left to the corpus test: a second check cost a
 // quarter of every run, and each walk here opens the file once a data
 // chunk.
 #include "check/FileCheck.h"
+#include "cli/CheckPrinter.h"
 #include "cli/ChunkList.h"
 #include "cli/InfoPrinter.h"
 #include "measure/FormatFacts.h"
@@ -104,6 +106,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!finding.kind || (finding.offset && (*finding.offset < 0 || *finding.offset >= static_cast<std::int64_t>(size))))
             FailInvariant("a finding points outside the file");
     }
+
+    // The same bytes held in memory, under a name that no file has.
+    FileLayout held(MemoryBytes{data, size}, WideString(u"held"), kLevelsReading);
+    FileCheck heldCheck;
+    CheckFile(held, heldCheck);
+    std::string fileFindings, heldFindings;
+    for (const Finding& finding : check.findings)
+        AppendFindingJson(fileFindings, finding);
+    for (const Finding& finding : heldCheck.findings)
+        AppendFindingJson(heldFindings, finding);
+    if (!(heldCheck.report == check.report) || heldFindings != fileFindings ||
+        FormatFactsJson(ReadFormatFacts(held)) != FormatFactsJson(facts))
+        FailInvariant("the bytes in memory give another check than their file");
 
     DiscardingSink discard;
     // An RF64 file is shown when its ds64 sizes can be told.
