@@ -3,9 +3,11 @@ itself: the same JSON for every sample and fuzzing input, by path and by
 bytes; the documented exceptions; check_many's order, window and faults;
 the levels."""
 
+import errno
 import json
 import os
 import random
+import socket
 import subprocess
 import sys
 from pathlib import Path
@@ -88,6 +90,16 @@ def test_sources_without_a_result_raise_the_documented_exceptions(tmp_path):
             with pytest.raises(error) as raised:
                 call(source)
             assert raised.value.filename == str(source)
+    # A file that can't be opened (root opens any regular file): the
+    # system's own error, where the checker says file.unreadable.
+    unopenable = tmp_path / "socket.wav"
+    with socket.socket(socket.AF_UNIX) as listener:
+        listener.bind(str(unopenable))
+        assert json.loads(checker_json("--json", unopenable))[0]["findings"][0]["code"] == "file.unreadable"
+        for call in (sondara.check, sondara.levels):
+            with pytest.raises(OSError) as raised:
+                call(unopenable)
+            assert raised.value.errno == errno.ENXIO and raised.value.filename == str(unopenable)
     strided = memoryview(SAMPLE.read_bytes())[::2]
     for wrong in (12, None, ["a.wav"], strided, "a\0b"):
         with pytest.raises((TypeError, ValueError)):
