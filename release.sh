@@ -7,6 +7,8 @@
 #   Sondara-VERSION-windows-x86_64.zip  the same, 64-bit
 #   sondara-check_VERSION_amd64.deb     the Linux checker with its man page
 #   sondara-check-VERSION-linux-x86_64.tar.gz   the same, to unpack anywhere
+#   sondara-VERSION-cpXY-cpXY-linux_x86_64.whl  the Python package, for
+#                                       the machine's (Debian's) Python
 #   SHA256SUMS                          over all of them
 # The version is the project's (CMakeLists.txt). Every file's time is the
 # commit's, and owners, order and compression are fixed: two runs from the
@@ -100,6 +102,9 @@ find "$stage/$tarball" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH"
 tar --create --sort=name --owner=0 --group=0 --numeric-owner --mtime="@$SOURCE_DATE_EPOCH" \
     --mode='u+rw,go+r-w' --directory="$stage" "$tarball" | gzip -9n >"$dist/$tarball.tar.gz"
 
-(cd "$dist" && sha256sum -- *.zip *.deb *.tar.gz >SHA256SUMS)
+# The wheel, built with the same SOURCE_DATE_EPOCH.
+scripts/build-wheel.sh "$dist" >/dev/null
+
+(cd "$dist" && sha256sum -- *.zip *.deb *.tar.gz *.whl >SHA256SUMS)
 echo "release.sh: Sondara $version in $dist/:"
 (cd "$dist" && ls -l)

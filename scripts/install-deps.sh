@@ -48,6 +48,9 @@ packages=(
     # build tools, and a venv with pip in it where pytest tries the wheel.
     pybind11-dev python3-dev python3-build python3-wheel python3-setuptools
     python3-venv python3-pip-whl python3-pytest
+    # Its recipes, run by the suite (a manifest with pandas, the same on a
+    # Dask cluster), and its benchmark's partner, soundfile.
+    python3-pandas python3-dask python3-distributed python3-soundfile
 )
 
 is_installed()

@@ -10,7 +10,8 @@
 # version, and every Windows program is marked for ASLR and DEP. The .deb
 # passes lintian with no error and no note of hardening, and is unpacked into
 # a scratch root, whose sondara-check tells its version and whose man page
-# man reads; the tarball's checker tells its version too.
+# man reads; the tarball's checker tells its version too, and the wheel
+# installs into a new venv and checks the sample as the native checker does.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 root="$PWD"
@@ -133,6 +134,20 @@ if [[ -f $tarball ]]; then
     [[ $said == "sondara-check $version" ]] || fail "the tarball's sondara-check --version says '$said'"
 else
     fail "$tarball is missing"
+fi
+# The wheel, into a new venv, offline, with nothing else: it checks the
+# sample as the native checker does, at the project's version.
+wheels=(dist/sondara-"$version"-*-linux_x86_64.whl)
+if [[ -f ${wheels[0]} ]]; then
+    /usr/bin/python3 -m venv "$scratch/venv"
+    "$scratch/venv/bin/python" -m pip install --no-index --quiet "${wheels[0]}"
+    said="$(cd "$scratch" && venv/bin/python -c 'import sondara, sys
+print(sondara.__version__)
+print(sondara.check(sys.argv[1]).report.replace("\r\n", "\n").rstrip("\n"))' "$sample")"
+    echo "wheel: $(basename "${wheels[0]}"), sondara ${said%%$'\n'*}"
+    [[ $said == "$version"$'\n'"$expected" ]] || fail "the wheel's sondara says '$said'"
+else
+    fail "the wheel is missing from dist/"
 fi
 (cd dist && sha256sum --check --quiet SHA256SUMS) || fail "dist/SHA256SUMS does not match the files"
 

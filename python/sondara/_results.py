@@ -35,7 +35,7 @@ class Finding:
     @classmethod
     def from_dict(cls, data: Dict[str, Any]) -> "Finding":
         """The finding of one JSON object of ``findings``."""
-        return cls(**{item.name: data.get(item.name) for item in fields(cls)})
+        return cls(**{name: data.get(name) for name in _FINDING_FIELDS})
 
 
 @dataclass(frozen=True)
@@ -61,11 +61,17 @@ class FormatFacts:
     @classmethod
     def from_dict(cls, data: Dict[str, Any]) -> "FormatFacts":
         """The facts of the JSON's ``format`` object."""
-        return cls(**{item.name: data[_json_key(item.name)] for item in fields(cls)})
+        return cls(**{name: data[key] for name, key in _FORMAT_KEYS})
 
     def to_dict(self) -> Dict[str, Any]:
         """The JSON's ``format`` object, key for key."""
-        return {_json_key(item.name): getattr(self, item.name) for item in fields(self)}
+        return {key: getattr(self, name) for name, key in _FORMAT_KEYS}
+
+
+# The fields and their JSON names, worked out once: a manifest of many files
+# makes a Finding and a FormatFacts for each.
+_FINDING_FIELDS = tuple(item.name for item in fields(Finding))
+_FORMAT_KEYS = tuple((item.name, _json_key(item.name)) for item in fields(FormatFacts))
 
 
 @dataclass(frozen=True)

@@ -27,12 +27,4 @@ debian=$(/usr/bin/python3 -c 'import os, pytest; print(os.path.dirname(os.path.d
 
 cd "$work"
 export SONDARA_CHECK="$checker" SONDARA_SOURCE="$root" SONDARA_FAULT_SHIM="$shim"
-"$work/venv/bin/python" - "$debian" "$here" <<'PYTHON'
-import sys
-
-debian, suite = sys.argv[1], sys.argv[2]
-sys.path.append(debian)
-import pytest
-
-sys.exit(pytest.main(["-q", "-p", "no:cacheprovider", "--rootdir", suite, suite]))
-PYTHON
+"$work/venv/bin/python" "$here/pytest_in_venv.py" "$debian" "$here"
