@@ -15,7 +15,7 @@
 
 namespace {
 
-class StringSink : public TextSink {
+class OutcomeSink : public TextSink {
 public:
     void Put(std::string_view piece) override { text += piece; }
     std::string text;
@@ -64,7 +64,7 @@ SourceOutcome CheckSourceAsJson(const CheckSource& source)
         SourceOutcome outcome{StateOf(*layout), {}};
         if (outcome.state != SourceState::Done || check.unreadable)
             return SourceOutcome{outcome.state == SourceState::Done ? SourceState::Unreadable : outcome.state, {}};
-        StringSink sink;
+        OutcomeSink sink;
         const std::unique_ptr<CheckPrinter> printer = MakeCheckPrinter(OutputFormat::Json, sink, false);
         printer->Begin();
         printer->File(check, ReadFormatFacts(*layout), nullptr);

@@ -2,6 +2,9 @@
 // of a folder several at a time, and the levels' read, sum and loudness
 // threads over a file longer than three of their reads.
 #include "cli/CheckRun.h"
+#ifdef SONDARA_PACKAGE_QUEUE
+#include "CheckQueue.h"
+#endif
 #include "cli/ConsoleSink.h"
 #include "measure/Levels.h"
 #include "support/RiffBytes.h"
@@ -76,3 +79,51 @@ TEST(CheckerThreads, LevelsOfAFileLongerThanThreeReads)
         EXPECT_EQ(report.hasLoudness, loudness);
     }
 }
+
+#ifdef SONDARA_PACKAGE_QUEUE
+// The Python package's queue: sources checked on threads of its own come
+// out in the order they went in, each as one check alone gives it, bytes
+// in memory and paths alike; a queue that goes with sources still waiting
+// drops them.
+TEST(CheckerThreads, PackageQueueGivesOutcomesInTheOrderOfItsSources)
+{
+    TempDir dir;
+    std::vector<std::string> held(90);
+    std::vector<CheckSource> sources(held.size());
+    for (std::size_t i = 0; i < held.size(); ++i) {
+        held[i] = i % 4 == 1 ? "not riff" : SoundWave(static_cast<std::uint32_t>(8 + i));
+        const std::string name = std::to_string(i) + ".wav";
+        if (i % 3 == 0) {
+            sources[i].inMemory = true;
+            sources[i].bytes = {reinterpret_cast<const std::uint8_t*>(held[i].data()), held[i].size()};
+            sources[i].path = WideString::FromAscii(name);
+        } else {
+            if (i % 3 == 1)
+                dir.Write(name, held[i]); // else a path with no file
+            sources[i].path = dir.PathOf(name);
+        }
+    }
+    {
+        CheckQueue queue(3);
+        std::size_t taken = 0;
+        for (std::size_t put = 0; put < sources.size() || taken < put;) {
+            if (put < sources.size() && queue.Pending() < 8) {
+                queue.Put(sources[put++]);
+                continue;
+            }
+            SourceOutcome outcome;
+            ASSERT_TRUE(queue.Take(outcome));
+            const SourceOutcome alone = CheckSourceAsJson(sources[taken]);
+            EXPECT_EQ(outcome.state, alone.state) << taken;
+            EXPECT_EQ(outcome.text, alone.text) << taken;
+            EXPECT_EQ(outcome.state, taken % 3 == 2 ? SourceState::Missing : SourceState::Done) << taken;
+            ++taken;
+        }
+        SourceOutcome none;
+        EXPECT_FALSE(queue.Take(none));
+    }
+    CheckQueue leaving(2);
+    for (const CheckSource& source : sources)
+        leaving.Put(source);
+}
+#endif
