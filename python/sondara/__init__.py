@@ -36,6 +36,7 @@ __all__ = [
     "check",
     "check_many",
     "levels",
+    "loudness",
     "__version__",
 ]
 
@@ -150,6 +151,14 @@ def levels(source: Source, loudness: bool = False, *, name: Optional[str] = None
     if state != _DONE:
         raise _error_for(state, text, shown)
     return Levels.from_dict(json.loads(text)[0])
+
+
+def loudness(source: Source, *, name: Optional[str] = None) -> Levels:
+    """The levels with the loudness and each channel's true peak, as
+    ``sondara-check --levels --loudness --json`` gives them: the same as
+    ``levels(source, loudness=True)``, whose ``loudness`` member then holds
+    the integrated loudness, the loudness range and the maxima."""
+    return levels(source, True, name=name)
 
 
 class CheckIterator(Iterator[Union[Result, Exception]]):

@@ -181,6 +181,7 @@ def test_levels_are_the_checkers(tmp_path):
         held = sondara.levels(SAMPLE.read_bytes(), loudness)
         assert held.to_dict() == dict(expected, path="<bytes>")
         assert (held.loudness is not None) == loudness
+    assert sondara.loudness(SAMPLE).to_dict() == expected
     measured = sondara.levels(SAMPLE)
     assert (measured.frames, measured.sample_rate, measured.bits, len(measured.channels)) == (4410, 44100, 16, 2)
     truncated = SOURCE / "samples" / "truncated.wav"
