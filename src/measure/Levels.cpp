@@ -53,13 +53,14 @@ bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem
 
     // The meters of this measurement, and the thread each works on, so
     // that the two have about as much to do with 16-bit stereo. The
-    // clipping runs, the noise floor and the stereo pairs go whole to the
-    // helper; the levels and the silence stay on this thread. With the
+    // levels, the clipping runs, the noise floor and the stereo pairs go
+    // whole to the helper; the silence, whose runs of sound and silence
+    // cost the most, stays on this thread. With the
     // loudness, the K-weighting keeps this thread busy: the helper finds
     // most of the true peaks, the costliest work of all, measures the
     // silence too, and shares the levels.
     std::vector<ChosenMeter> meters;
-    meters.push_back({std::make_unique<LevelMeter>(format), loudness ? HelperShare::Half : HelperShare::None});
+    meters.push_back({std::make_unique<LevelMeter>(format), loudness ? HelperShare::Half : HelperShare::Whole});
     if (loudness)
         meters.push_back({std::make_unique<LoudnessAndPeakMeter>(format), HelperShare::ThreeQuarters});
     meters.push_back({std::make_unique<SilenceMeter>(format, settings), loudness ? HelperShare::Whole : HelperShare::None});
