@@ -12,35 +12,52 @@ constexpr std::uint32_t kSpanRows = kSpanSamples / kRowCodes;
 using Codes = std::int16_t __attribute__((vector_size(32)));
 using Magnitudes = std::uint16_t __attribute__((vector_size(32)));
 
-// The spans of spans from data whose magnitudes all lie between low and
-// low + width, lane by lane. Inlined into each path's function, so that
-// each is compiled for its processors; vectors come in by reference, as
-// the 32-bit build has no vector registers to pass them in.
-[[gnu::always_inline]] inline std::size_t SpansInRangesIn(const std::uint8_t* data, std::size_t spans,
-                                                          const Magnitudes& low, const Magnitudes& width)
+// Sets all bits of outside's lanes where a row's magnitude lies outside low
+// to low + width. Unsigned, a magnitude below low wraps past the width too.
+// Vectors go in and out by reference, as the 32-bit build has no vector
+// registers to pass them in.
+[[gnu::always_inline]] inline void MarkOutside(const std::uint8_t* row, const Magnitudes& low, const Magnitudes& width,
+                                               Magnitudes& outside)
 {
-    for (std::size_t span = 0; span < spans; ++span) {
-        Magnitudes outside{};
-        for (std::uint32_t row = 0; row < kSpanRows; ++row) {
-            Codes codes;
-            std::memcpy(&codes, data + (span * kSpanRows + row) * sizeof codes, sizeof codes);
-            const Codes sign = codes >> 15;
-            const auto magnitude = reinterpret_cast<Magnitudes>((codes ^ sign) - sign);
-            // Unsigned, a magnitude below low wraps past the width too.
-            outside |= reinterpret_cast<Magnitudes>(magnitude - low > width);
-        }
-        std::uint64_t words[sizeof outside / 8];
-        std::memcpy(words, &outside, sizeof outside);
-        if ((words[0] | words[1] | words[2] | words[3]) != 0)
-            return span;
-    }
-    return spans;
+    Codes codes;
+    std::memcpy(&codes, row, sizeof codes);
+    const Codes sign = codes >> 15;
+    const auto magnitude = reinterpret_cast<Magnitudes>((codes ^ sign) - sign);
+    outside |= reinterpret_cast<Magnitudes>(magnitude - low > width);
 }
 
-[[gnu::target("avx2")]] std::size_t SpansInRangesWide(const std::uint8_t* data, std::size_t spans,
-                                                      const Magnitudes& low, const Magnitudes& width)
+// The first sample outside its range in spans spans from data, or the
+// samples of the spans when none is: a span at a time, and row by row in
+// the span that holds one. Inlined into each path's function, so that each
+// is compiled for its processors.
+[[gnu::always_inline]] inline std::size_t FirstOutsideIn(const std::uint8_t* data, std::size_t spans,
+                                                         const Magnitudes& low, const Magnitudes& width)
 {
-    return SpansInRangesIn(data, spans, low, width);
+    for (std::size_t span = 0; span < spans; ++span) {
+        const std::uint8_t* first = data + span * kSpanSamples * sizeof(std::int16_t);
+        Magnitudes outside{};
+        for (std::uint32_t row = 0; row < kSpanRows; ++row)
+            MarkOutside(first + row * sizeof(Codes), low, width, outside);
+        std::uint64_t words[sizeof outside / 8];
+        std::memcpy(words, &outside, sizeof outside);
+        if ((words[0] | words[1] | words[2] | words[3]) == 0)
+            continue;
+        for (std::uint32_t row = 0; row < kSpanRows; ++row) {
+            Magnitudes lanes{};
+            MarkOutside(first + row * sizeof(Codes), low, width, lanes);
+            for (std::uint32_t l = 0; l < kRowCodes; ++l) {
+                if (lanes[l] != 0)
+                    return span * kSpanSamples + row * kRowCodes + l;
+            }
+        }
+    }
+    return spans * kSpanSamples;
+}
+
+[[gnu::target("avx2")]] std::size_t FirstOutsideWide(const std::uint8_t* data, std::size_t spans, const Magnitudes& low,
+                                                     const Magnitudes& width)
+{
+    return FirstOutsideIn(data, spans, low, width);
 }
 
 } // namespace
@@ -54,8 +71,16 @@ std::uint32_t FramesInRanges(VectorPath path, const std::uint8_t* data, std::uin
         low[l] = ranges.low[l % channels];
         width[l] = static_cast<std::uint16_t>(ranges.high[l % channels] - ranges.low[l % channels]);
     }
-    const std::size_t spans = std::size_t{frames} * channels / kSpanSamples;
-    const std::size_t passed = path == VectorPath::Wide ? SpansInRangesWide(data, spans, low, width)
-                                                        : SpansInRangesIn(data, spans, low, width);
-    return static_cast<std::uint32_t>(passed * kSpanSamples / channels);
+    const std::size_t samples = std::size_t{frames} * channels, spans = samples / kSpanSamples;
+    std::size_t i = path == VectorPath::Wide ? FirstOutsideWide(data, spans, low, width) : FirstOutsideIn(data, spans, low, width);
+    // The samples past the spans, one at a time.
+    if (i == spans * kSpanSamples) {
+        for (; i < samples; ++i) {
+            const std::int32_t code = SampleAt<2>(data + 2 * i);
+            const auto magnitude = static_cast<std::uint16_t>(code < 0 ? -code : code);
+            if (static_cast<std::uint16_t>(magnitude - low[i % kRowCodes]) > width[i % kRowCodes])
+                break;
+        }
+    }
+    return static_cast<std::uint32_t>(i / channels);
 }
