@@ -1,5 +1,6 @@
 #include "measure/CodeSpans.h"
 
+#include <cassert>
 #include <cstring>
 
 namespace {
@@ -65,11 +66,15 @@ using Magnitudes = std::uint16_t __attribute__((vector_size(32)));
 std::uint32_t FramesInRanges(VectorPath path, const std::uint8_t* data, std::uint32_t frames,
                              std::uint32_t channels, const MagnitudeRanges& ranges)
 {
-    static_assert(kRowCodes % kCodeLanes == 0);
+    static_assert(kRowCodes % kCodeLanes == 0 && (kCodeLanes & (kCodeLanes - 1)) == 0);
+    assert(channels > 0 && kCodeLanes % channels == 0);
     Magnitudes low, width;
     for (std::uint32_t l = 0; l < kRowCodes; ++l) {
-        low[l] = ranges.low[l % channels];
-        width[l] = static_cast<std::uint16_t>(ranges.high[l % channels] - ranges.low[l % channels]);
+        // The channels divide kCodeLanes, a power of two: a mask is the
+        // remainder, and no division is made for each of the lanes.
+        const std::uint32_t c = l & (channels - 1);
+        low[l] = ranges.low[c];
+        width[l] = static_cast<std::uint16_t>(ranges.high[c] - ranges.low[c]);
     }
     const std::size_t samples = std::size_t{frames} * channels, spans = samples / kSpanSamples;
     std::size_t i = path == VectorPath::Wide ? FirstOutsideWide(data, spans, low, width) : FirstOutsideIn(data, spans, low, width);
