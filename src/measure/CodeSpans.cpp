@@ -10,8 +10,10 @@ namespace {
 // so sixteen.
 constexpr std::uint32_t kRowCodes = 16;
 constexpr std::uint32_t kSpanRows = kSpanSamples / kRowCodes;
-using Codes = std::int16_t __attribute__((vector_size(32)));
-using Magnitudes = std::uint16_t __attribute__((vector_size(32)));
+// Aligned as 16 bytes, not 32: the 64-bit Windows build can't align its
+// stack past 16, and a vector kept there must not need more.
+typedef std::int16_t Codes __attribute__((vector_size(32), aligned(16)));
+typedef std::uint16_t Magnitudes __attribute__((vector_size(32), aligned(16)));
 
 // Sets all bits of outside's lanes where a row's magnitude lies outside low
 // to low + width. Unsigned, a magnitude below low wraps past the width too.

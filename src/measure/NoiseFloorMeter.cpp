@@ -95,18 +95,15 @@ void NoiseFloorMeter::AddCodes(const RawFrames& part)
     const std::size_t samples = std::size_t{part.frames} * count;
     std::uint64_t squares[2 * kCodeLanes] = {};
     std::int32_t any[2 * kCodeLanes] = {};
-    std::size_t done = 0;
-    if (path == VectorPath::Wide) {
-        SumCodeSquaresWide(part.data, samples / (2 * kCodeLanes), squares, any);
-        done = samples / (2 * kCodeLanes) * 2 * kCodeLanes;
-    }
-    const std::size_t rows = (samples - done) / kCodeLanes;
-    SumCodeSquaresIn<kCodeLanes>(part.data + 2 * done, rows, squares, any);
-    for (std::size_t i = done + rows * kCodeLanes; i < samples; ++i) {
-        const std::int32_t code = SampleAt<2>(part.data + 2 * i);
-        squares[i % kCodeLanes] += static_cast<std::uint32_t>(code * code);
-        any[i % kCodeLanes] |= code;
-    }
+    SplitCodeRows(
+        path == VectorPath::Wide, part.data, samples,
+        [&](const std::uint8_t* from, std::size_t rows) { SumCodeSquaresWide(from, rows, squares, any); },
+        [&](const std::uint8_t* from, std::size_t rows) { SumCodeSquaresIn<kCodeLanes>(from, rows, squares, any); },
+        [&](std::size_t i) {
+            const std::int32_t code = SampleAt<2>(part.data + 2 * i);
+            squares[i % kCodeLanes] += static_cast<std::uint32_t>(code * code);
+            any[i % kCodeLanes] |= code;
+        });
     for (std::uint32_t l = 0; l < 2 * kCodeLanes; ++l) {
         Step& step = channels[l % count].current;
         step.squares[0] += std::ldexp(static_cast<double>(squares[l]), -30);

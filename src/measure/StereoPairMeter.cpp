@@ -105,19 +105,16 @@ void StereoPairMeter::AddCodes(const RawFrames& part)
     const std::size_t samples = std::size_t{part.frames} * count;
     std::int64_t both[kCodeLanes] = {}; // by pair of lanes
     std::uint64_t squares[2 * kCodeLanes] = {};
-    std::size_t done = 0;
-    if (path == VectorPath::Wide) {
-        SumPairCodesWide(part.data, samples / (2 * kCodeLanes), both, squares);
-        done = samples / (2 * kCodeLanes) * 2 * kCodeLanes;
-    }
-    const std::size_t rows = (samples - done) / kCodeLanes;
-    SumPairCodesIn<kCodeLanes>(part.data + 2 * done, rows, both, squares);
-    for (std::size_t i = done + rows * kCodeLanes; i < samples; ++i) {
-        const std::int32_t code = SampleAt<2>(part.data + 2 * i);
-        squares[i % kCodeLanes] += static_cast<std::uint32_t>(code * code);
-        if (i % 2 == 0)
-            both[i % kCodeLanes / 2] += code * SampleAt<2>(part.data + 2 * i + 2);
-    }
+    SplitCodeRows(
+        path == VectorPath::Wide, part.data, samples,
+        [&](const std::uint8_t* from, std::size_t rows) { SumPairCodesWide(from, rows, both, squares); },
+        [&](const std::uint8_t* from, std::size_t rows) { SumPairCodesIn<kCodeLanes>(from, rows, both, squares); },
+        [&](std::size_t i) {
+            const std::int32_t code = SampleAt<2>(part.data + 2 * i);
+            squares[i % kCodeLanes] += static_cast<std::uint32_t>(code * code);
+            if (i % 2 == 0)
+                both[i % kCodeLanes / 2] += code * SampleAt<2>(part.data + 2 * i + 2);
+        });
     for (std::uint32_t l = 0; l < 2 * kCodeLanes; l += 2) {
         Pair& pair = pairs[l % count / 2];
         const auto left = static_cast<std::int64_t>(squares[l]), right = static_cast<std::int64_t>(squares[l + 1]);
