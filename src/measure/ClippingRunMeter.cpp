@@ -66,10 +66,10 @@ void ClippingRunMeter::AddChannel(const Samples& view, Channel& channel) const
         add(samples[i]);
 }
 
-// Passes by the spans of packed 16-bit frames from frame at on that hold
-// nothing at any channel's peak while no run is under way. Returns the
+// Passes by the packed 16-bit frames from frame at on up to the first that
+// holds a code at a channel's peak, while no run is under way. Returns the
 // frames passed by.
-std::uint32_t ClippingRunMeter::PassBySpans(const RawFrames& frames, std::uint32_t at) const
+std::uint32_t ClippingRunMeter::PassByUnchanged(const RawFrames& frames, std::uint32_t at) const
 {
     const double scale = std::ldexp(1.0, 1 - static_cast<int>(format.bits));
     MagnitudeRanges ranges;
@@ -96,7 +96,7 @@ std::uint32_t ClippingRunMeter::AddGroups(const RawFrames& frames)
     const auto count = static_cast<std::uint32_t>(channels.size());
     std::uint32_t at = 0;
     for (; at + kGroupFrames <= frames.frames; at += kGroupFrames) {
-        at += PassBySpans(frames, at);
+        at += PassByUnchanged(frames, at);
         if (at + kGroupFrames > frames.frames)
             break;
         const std::uint8_t* group = frames.data + std::size_t{at} * frames.stride;

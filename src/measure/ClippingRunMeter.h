@@ -32,7 +32,7 @@ private:
     template <typename Samples>
     void AddChannel(const Samples& samples, Channel& channel) const;
     std::uint32_t AddGroups(const RawFrames& frames);
-    std::uint32_t PassBySpans(const RawFrames& frames, std::uint32_t at) const;
+    std::uint32_t PassByUnchanged(const RawFrames& frames, std::uint32_t at) const;
     void EndRun(Channel& channel) const;
 
     SampleFormat format;

@@ -92,11 +92,11 @@ void SilenceMeter::AddChannel(const Samples& view, Channel& channel, std::int64_
     channel.nonZero = nonZero;
 }
 
-// Passes by the spans of packed 16-bit frames from frame at on in which no
-// channel's figures change: a channel in sound right before the span is
-// loud all through it, any other silent all through it, and exactly 0
-// while it has been 0 so far. Returns the frames passed by.
-std::uint32_t SilenceMeter::PassBySpans(const RawFrames& frames, std::uint32_t at, std::int32_t loudCode)
+// Passes by the packed 16-bit frames from frame at on up to the first that
+// may change a channel's figures: a channel in sound right before them is
+// loud all through them, any other silent, and exactly 0 while it has been
+// 0 so far. Returns the frames passed by.
+std::uint32_t SilenceMeter::PassByUnchanged(const RawFrames& frames, std::uint32_t at, std::int32_t loudCode)
 {
     // A code as loud as that is past full scale: nothing is ever in sound.
     if (loudCode > 32768)
@@ -131,7 +131,7 @@ std::uint32_t SilenceMeter::AddGroups(const RawFrames& frames)
     const auto count = static_cast<std::uint32_t>(channels.size());
     std::uint32_t at = 0;
     for (; at + kGroupFrames <= frames.frames; at += kGroupFrames) {
-        at += PassBySpans(frames, at, loudCode);
+        at += PassByUnchanged(frames, at, loudCode);
         if (at + kGroupFrames > frames.frames)
             break;
         const std::uint8_t* group = frames.data + std::size_t{at} * frames.stride;

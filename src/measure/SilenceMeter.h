@@ -30,7 +30,7 @@ private:
     template <typename Samples>
     void AddChannel(const Samples& samples, Channel& channel, std::int64_t firstFrame) const;
     std::uint32_t AddGroups(const RawFrames& frames);
-    std::uint32_t PassBySpans(const RawFrames& frames, std::uint32_t at, std::int32_t loudCode);
+    std::uint32_t PassByUnchanged(const RawFrames& frames, std::uint32_t at, std::int32_t loudCode);
 
     SampleFormat format;
     MeterSettings settings;
