@@ -25,14 +25,13 @@ double LoudnessOf(double energy)
 void TakeChannel(float* line, const float* samples, std::size_t count, std::size_t stride)
 {
     using Four = float __attribute__((vector_size(16)));
-    using FourPlaces = int __attribute__((vector_size(16)));
     std::size_t i = 0;
     if (stride == 2) {
         for (; i + 4 <= count; i += 4) {
             Four first, second;
             std::memcpy(&first, samples + 2 * i, sizeof first);
             std::memcpy(&second, samples + 2 * i + 4, sizeof second);
-            const Four even = __builtin_shuffle(first, second, FourPlaces{0, 2, 4, 6});
+            const Four even = __builtin_shufflevector(first, second, 0, 2, 4, 6);
             std::memcpy(line + i, &even, sizeof even);
         }
     }
