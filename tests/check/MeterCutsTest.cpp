@@ -170,7 +170,7 @@ TEST(MeterCuts, PackedCodesGiveWhatSamplesWithRoomToSpareGive)
 
 // Both paths pass by the frames a sample by sample look passes by, whatever
 // the ranges: a code at either end of its range, or one past it, anywhere.
-TEST(MeterCuts, SpansInRangesEndAtTheFirstCodeOutside)
+TEST(MeterCuts, FramesInRangesEndAtTheFirstCodeOutside)
 {
     std::mt19937 random(7);
     for (const std::uint32_t channels : {1u, 2u, 4u, 8u}) {
