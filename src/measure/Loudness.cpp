@@ -27,7 +27,9 @@ void TakeChannel(float* line, const float* samples, std::size_t count, std::size
     using Four = float __attribute__((vector_size(16)));
     std::size_t i = 0;
     if (stride == 2) {
-        for (; i + 4 <= count; i += 4) {
+        // Eight floats a load, the last of them the other channel's sample
+        // after the fourth: a frame past the fourth must be there too.
+        for (; i + 5 <= count; i += 4) {
             Four first, second;
             std::memcpy(&first, samples + 2 * i, sizeof first);
             std::memcpy(&second, samples + 2 * i + 4, sizeof second);
