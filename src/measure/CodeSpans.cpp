@@ -24,8 +24,9 @@ typedef std::uint16_t Magnitudes __attribute__((vector_size(32), aligned(16)));
 {
     Codes codes;
     std::memcpy(&codes, row, sizeof codes);
-    const Codes sign = codes >> 15;
-    const auto magnitude = reinterpret_cast<Magnitudes>((codes ^ sign) - sign);
+    // Unsigned, so that |-32768| wraps to 32768 rather than overflowing.
+    const auto bits = reinterpret_cast<Magnitudes>(codes), sign = reinterpret_cast<Magnitudes>(codes >> 15);
+    const Magnitudes magnitude = (bits ^ sign) - sign;
     outside |= reinterpret_cast<Magnitudes>(magnitude - low > width);
 }
 
