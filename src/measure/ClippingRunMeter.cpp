@@ -2,12 +2,14 @@
 
 #include "measure/ChannelSamples.h"
 #include "measure/CodeLanes.h"
+#include "measure/CodeSpans.h"
 
 #include <algorithm>
 #include <cmath>
 
 ClippingRunMeter::ClippingRunMeter(const SampleFormat& format, const MeterSettings& settings)
-    : format(format), shortestRun(std::max<std::uint32_t>(1, settings.clippingRun)), channels(format.channels)
+    : format(format), shortestRun(std::max<std::uint32_t>(1, settings.clippingRun)), path(BestVectorPath()),
+      channels(format.channels)
 {
 }
 
@@ -64,6 +66,25 @@ void ClippingRunMeter::AddChannel(const Samples& view, Channel& channel) const
         add(samples[i]);
 }
 
+// Passes by the packed 16-bit frames from frame at on up to the first that
+// holds a code at a channel's peak, while no run is under way. Returns the
+// frames passed by.
+std::uint32_t ClippingRunMeter::PassByUnchanged(const RawFrames& frames, std::uint32_t at) const
+{
+    const double scale = std::ldexp(1.0, 1 - static_cast<int>(format.bits));
+    MagnitudeRanges ranges;
+    for (std::uint32_t c = 0; c < channels.size(); ++c) {
+        // The peak is a sample's magnitude, so a code's to the bit; at 0 any
+        // sample reaches it.
+        const Channel& channel = channels[c];
+        if (channel.runLength > 0 || channel.peak == 0)
+            return 0;
+        ranges.high[c] = static_cast<std::uint16_t>(channel.peak / scale - 1);
+    }
+    return FramesInRanges(path, frames.data + std::size_t{at} * frames.stride, frames.frames - at,
+                          static_cast<std::uint32_t>(channels.size()), ranges);
+}
+
 // Packed 16-bit frames go a group at a time through the most
 // magnitude of each channel: a channel with no run under way and nothing
 // at its peak in the group is passed by, as AddChannel passes it by.
@@ -75,6 +96,9 @@ std::uint32_t ClippingRunMeter::AddGroups(const RawFrames& frames)
     const auto count = static_cast<std::uint32_t>(channels.size());
     std::uint32_t at = 0;
     for (; at + kGroupFrames <= frames.frames; at += kGroupFrames) {
+        at += PassByUnchanged(frames, at);
+        if (at + kGroupFrames > frames.frames)
+            break;
         const std::uint8_t* group = frames.data + std::size_t{at} * frames.stride;
         const CodeMagnitudes magnitudes = MagnitudesOf(group, kGroupFrames, count);
         for (std::uint32_t c = 0; c < count; ++c) {

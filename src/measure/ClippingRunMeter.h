@@ -4,6 +4,7 @@
 #include "measure/Meter.h"
 #include "measure/MeterSettings.h"
 #include "measure/SampleFormat.h"
+#include "measure/VectorPath.h"
 
 #include <vector>
 
@@ -31,9 +32,11 @@ private:
     template <typename Samples>
     void AddChannel(const Samples& samples, Channel& channel) const;
     std::uint32_t AddGroups(const RawFrames& frames);
+    std::uint32_t PassByUnchanged(const RawFrames& frames, std::uint32_t at) const;
     void EndRun(Channel& channel) const;
 
     SampleFormat format;
     std::uint32_t shortestRun = 1;
+    VectorPath path;
     std::vector<Channel> channels;
 };

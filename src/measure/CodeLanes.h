@@ -30,6 +30,24 @@ inline void LoadCodes(const std::uint8_t* at, std::int16_t (&codes)[kCodeLanes])
     std::memcpy(codes, at, sizeof codes);
 }
 
+// Splits count codes from data among the loops of a meter: rows of
+// 2 * kCodeLanes codes, wide(data, rows), where wideRows says so; rows of
+// kCodeLanes codes, plain(from, rows); and one(i) for each code i left.
+// Lane l of either row is the channel of lane l % kCodeLanes.
+template <typename Wide, typename Plain, typename One>
+void SplitCodeRows(bool wideRows, const std::uint8_t* data, std::size_t count, Wide&& wide, Plain&& plain, One&& one)
+{
+    std::size_t done = 0;
+    if (wideRows) {
+        wide(data, count / (2 * kCodeLanes));
+        done = count / (2 * kCodeLanes) * 2 * kCodeLanes;
+    }
+    const std::size_t rows = (count - done) / kCodeLanes;
+    plain(data + 2 * done, rows);
+    for (std::size_t i = done + rows * kCodeLanes; i < count; ++i)
+        one(i);
+}
+
 // The least and the most magnitude of each channel's codes over frames
 // frames from data, a multiple of kCodeLanes of them.
 struct CodeMagnitudes {

@@ -2,6 +2,7 @@
 
 #include "measure/Meter.h"
 #include "measure/SampleFormat.h"
+#include "measure/VectorPath.h"
 
 #include <vector>
 
@@ -24,5 +25,6 @@ public:
 
 private:
     SampleFormat format;
+    VectorPath path;
     std::vector<LevelSums> sums; // one a channel
 };

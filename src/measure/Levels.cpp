@@ -4,6 +4,7 @@
 #include "measure/AudioMd5.h"
 #include "measure/AudioPlace.h"
 #include "measure/ClippingRunMeter.h"
+#include "measure/CodeLanes.h"
 #include "measure/LevelMeter.h"
 #include "measure/LoudnessAndPeakMeter.h"
 #include "measure/NoiseFloorMeter.h"
@@ -52,14 +53,19 @@ bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem
                                          " Hz and above, not at " + FormatCount(format.sampleRate) + " Hz");
 
     // The meters of this measurement, and the thread each works on, so
-    // that the two have about as much to do with 16-bit stereo. The
-    // clipping runs, the noise floor and the stereo pairs go whole to the
-    // helper; the levels and the silence stay on this thread. With the
-    // loudness, the K-weighting keeps this thread busy: the helper finds
-    // most of the true peaks, the costliest work of all, measures the
-    // silence too, and shares the levels.
+    // that the two have about as much to do. The clipping runs, the noise
+    // floor and the stereo pairs go whole to the helper; the silence stays
+    // on this thread, and so do the levels, but for packed 16-bit codes,
+    // whose sums cost so little beside the silence's runs that the helper
+    // takes them too. With the loudness, the K-weighting keeps this thread
+    // busy: the helper finds most of the true peaks, the costliest work of
+    // all, measures the silence too, and shares the levels of other
+    // samples.
+    const HelperShare levelShare = TakesCodeLanes(format) ? HelperShare::Whole
+                                   : loudness               ? HelperShare::Half
+                                                            : HelperShare::None;
     std::vector<ChosenMeter> meters;
-    meters.push_back({std::make_unique<LevelMeter>(format), loudness ? HelperShare::Half : HelperShare::None});
+    meters.push_back({std::make_unique<LevelMeter>(format), levelShare});
     if (loudness)
         meters.push_back({std::make_unique<LoudnessAndPeakMeter>(format), HelperShare::ThreeQuarters});
     meters.push_back({std::make_unique<SilenceMeter>(format, settings), loudness ? HelperShare::Whole : HelperShare::None});

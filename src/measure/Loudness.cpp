@@ -18,6 +18,29 @@ double LoudnessOf(double energy)
     return energy > 0 ? -0.691 + 10 * std::log10(energy) : -std::numeric_limits<double>::infinity();
 }
 
+// Copies one channel of interleaved frames, count samples stride apart,
+// into a line of its own. A channel of stereo goes four samples at a time,
+// picked from two vectors of the compiler's own: the compiler makes no
+// vector instructions of a copy with a stride by itself.
+void TakeChannel(float* line, const float* samples, std::size_t count, std::size_t stride)
+{
+    using Four = float __attribute__((vector_size(16)));
+    std::size_t i = 0;
+    if (stride == 2) {
+        // Eight floats a load, the last of them the other channel's sample
+        // after the fourth: a frame past the fourth must be there too.
+        for (; i + 5 <= count; i += 4) {
+            Four first, second;
+            std::memcpy(&first, samples + 2 * i, sizeof first);
+            std::memcpy(&second, samples + 2 * i + 4, sizeof second);
+            const Four even = __builtin_shufflevector(first, second, 0, 2, 4, 6);
+            std::memcpy(line + i, &even, sizeof even);
+        }
+    }
+    for (; i < count; ++i)
+        line[i] = samples[i * stride];
+}
+
 } // namespace
 
 // BS.1770-4 weighs by position: 1.41 for a loudspeaker at 60° to 120°
@@ -105,8 +128,7 @@ float LoudnessMeter::TruePeakOf(PeakState& state, const float* samples, std::siz
     std::vector<float>& line = state.line;
     if (line.size() < kBehind + count)
         line.resize(kBehind + count);
-    for (std::size_t i = 0; i < count; ++i)
-        line[kBehind + i] = samples[i * stride];
+    TakeChannel(line.data() + kBehind, samples, count, stride);
     const float peak = HighestSquare(path, interpolator, line.data() + kBehind, count);
     std::memmove(line.data(), line.data() + count, kBehind * sizeof(float));
     return std::sqrt(peak);

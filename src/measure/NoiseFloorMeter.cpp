@@ -7,7 +7,7 @@
 #include <cmath>
 
 NoiseFloorMeter::NoiseFloorMeter(const SampleFormat& format)
-    : format(format), channels(format.channels)
+    : format(format), path(BestVectorPath()), channels(format.channels)
 {
     // A tenth of a second, to the nearest frame; a window is five of them.
     stepFrames = std::max<std::uint32_t>(1, static_cast<std::uint32_t>(std::lround(format.sampleRate * kNoiseStepSeconds)));
@@ -51,27 +51,60 @@ void NoiseFloorMeter::AddChannel(const Samples& view, Channel& channel) const
     channel.current = step;
 }
 
+namespace {
+
+// Adds each lane's squares of 16-bit codes, and the bits of its codes, over
+// rows of Lanes codes from data, to squares and any (Lanes of each).
+// Inlined into each path's function, so that each is compiled for its
+// processors.
+template <std::uint32_t Lanes>
+[[gnu::always_inline]] inline void SumCodeSquaresIn(const std::uint8_t* data, std::size_t rows, std::uint64_t* squares,
+                                                    std::int32_t* any)
+{
+    std::uint64_t laneSquares[Lanes] = {};
+    std::int32_t laneAny[Lanes] = {};
+    for (std::size_t row = 0; row < rows; ++row) {
+        const std::uint8_t* at = data + row * Lanes * 2;
+        for (std::uint32_t l = 0; l < Lanes; ++l) {
+            const std::int32_t code = SampleAt<2>(at + 2 * l);
+            laneSquares[l] += static_cast<std::uint32_t>(code * code);
+            laneAny[l] |= code;
+        }
+    }
+    for (std::uint32_t l = 0; l < Lanes; ++l) {
+        squares[l] += laneSquares[l];
+        any[l] |= laneAny[l];
+    }
+}
+
+// Sixteen lanes at once on the wide path: lane l + kCodeLanes holds the
+// channel of lane l.
+[[gnu::target("avx2")]] void SumCodeSquaresWide(const std::uint8_t* data, std::size_t rows, std::uint64_t* squares,
+                                                std::int32_t* any)
+{
+    SumCodeSquaresIn<2 * kCodeLanes>(data, rows, squares, any);
+}
+
+} // namespace
+
 // The same sums of packed 16-bit frames, all channels at once, as
 // integers: the same figures to the bit (see the constructor).
 void NoiseFloorMeter::AddCodes(const RawFrames& part)
 {
     const auto count = static_cast<std::uint32_t>(channels.size());
-    const std::size_t samples = std::size_t{part.frames} * count, rows = samples / kCodeLanes;
-    std::uint64_t squares[kCodeLanes] = {};
-    std::int32_t any[kCodeLanes] = {};
-    const auto add = [&](std::uint32_t l, std::int32_t code) {
-        squares[l] += static_cast<std::uint32_t>(code * code);
-        any[l] |= code;
-    };
-    for (std::size_t row = 0; row < rows; ++row) {
-        std::int16_t codes[kCodeLanes];
-        LoadCodes(part.data + row * sizeof codes, codes);
-        for (std::uint32_t l = 0; l < kCodeLanes; ++l)
-            add(l, codes[l]);
-    }
-    for (std::size_t i = rows * kCodeLanes; i < samples; ++i)
-        add(i % kCodeLanes, SampleAt<2>(part.data + 2 * i));
-    for (std::uint32_t l = 0; l < kCodeLanes; ++l) {
+    const std::size_t samples = std::size_t{part.frames} * count;
+    std::uint64_t squares[2 * kCodeLanes] = {};
+    std::int32_t any[2 * kCodeLanes] = {};
+    SplitCodeRows(
+        path == VectorPath::Wide, part.data, samples,
+        [&](const std::uint8_t* from, std::size_t rows) { SumCodeSquaresWide(from, rows, squares, any); },
+        [&](const std::uint8_t* from, std::size_t rows) { SumCodeSquaresIn<kCodeLanes>(from, rows, squares, any); },
+        [&](std::size_t i) {
+            const std::int32_t code = SampleAt<2>(part.data + 2 * i);
+            squares[i % kCodeLanes] += static_cast<std::uint32_t>(code * code);
+            any[i % kCodeLanes] |= code;
+        });
+    for (std::uint32_t l = 0; l < 2 * kCodeLanes; ++l) {
         Step& step = channels[l % count].current;
         step.squares[0] += std::ldexp(static_cast<double>(squares[l]), -30);
         step.sound = step.sound || any[l] != 0;

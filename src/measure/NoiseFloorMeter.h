@@ -4,6 +4,7 @@
 #include "measure/LevelReport.h"
 #include "measure/Meter.h"
 #include "measure/SampleFormat.h"
+#include "measure/VectorPath.h"
 
 #include <vector>
 
@@ -37,6 +38,7 @@ private:
     void EndStep(Channel& channel) const;
 
     SampleFormat format;
+    VectorPath path;
     std::uint32_t stepFrames = 1;
     bool exactCodes = false; // packed 16-bit frames, summed as integers
     std::uint32_t stepDone = 0; // frames of the current step so far

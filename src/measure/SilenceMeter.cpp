@@ -2,12 +2,13 @@
 
 #include "measure/ChannelSamples.h"
 #include "measure/CodeLanes.h"
+#include "measure/CodeSpans.h"
 
 #include <algorithm>
 #include <cmath>
 
 SilenceMeter::SilenceMeter(const SampleFormat& format, const MeterSettings& settings)
-    : format(format), settings(settings), channels(format.channels)
+    : format(format), settings(settings), path(BestVectorPath()), channels(format.channels)
 {
     threshold = std::pow(10.0, settings.silenceThresholdDb / 20);
     // A run counts when it lasts at least the minimum: its frames, rounded
@@ -91,6 +92,32 @@ void SilenceMeter::AddChannel(const Samples& view, Channel& channel, std::int64_
     channel.nonZero = nonZero;
 }
 
+// Passes by the packed 16-bit frames from frame at on up to the first that
+// may change a channel's figures: a channel in sound right before them is
+// loud all through them, any other silent, and exactly 0 while it has been
+// 0 so far. Returns the frames passed by.
+std::uint32_t SilenceMeter::PassByUnchanged(const RawFrames& frames, std::uint32_t at, std::int32_t loudCode)
+{
+    // A code as loud as that is past full scale: nothing is ever in sound.
+    if (loudCode > 32768)
+        return 0;
+    const std::int64_t first = framesBefore + at;
+    MagnitudeRanges ranges;
+    for (std::uint32_t c = 0; c < channels.size(); ++c) {
+        const Channel& channel = channels[c];
+        const bool inSound = channel.lastSound >= 0 && channel.lastSound == first - 1;
+        ranges.low[c] = static_cast<std::uint16_t>(inSound ? loudCode : 0);
+        ranges.high[c] = static_cast<std::uint16_t>(inSound ? 32768 : channel.nonZero ? loudCode - 1 : 0);
+    }
+    const std::uint32_t passed = FramesInRanges(path, frames.data + std::size_t{at} * frames.stride, frames.frames - at,
+                                                static_cast<std::uint32_t>(channels.size()), ranges);
+    for (Channel& channel : channels) {
+        if (passed > 0 && channel.lastSound >= 0 && channel.lastSound == first - 1)
+            channel.lastSound = first + passed - 1;
+    }
+    return passed;
+}
+
 // Packed 16-bit frames go a group at a time through the least and
 // the most magnitude of each channel: a group that is all silence, or all
 // sound right after sound, is passed by as AddChannel passes it by, and
@@ -104,6 +131,9 @@ std::uint32_t SilenceMeter::AddGroups(const RawFrames& frames)
     const auto count = static_cast<std::uint32_t>(channels.size());
     std::uint32_t at = 0;
     for (; at + kGroupFrames <= frames.frames; at += kGroupFrames) {
+        at += PassByUnchanged(frames, at, loudCode);
+        if (at + kGroupFrames > frames.frames)
+            break;
         const std::uint8_t* group = frames.data + std::size_t{at} * frames.stride;
         const CodeMagnitudes magnitudes = MagnitudesOf(group, kGroupFrames, count);
         const std::int64_t first = framesBefore + at;

@@ -4,6 +4,7 @@
 #include "measure/Meter.h"
 #include "measure/MeterSettings.h"
 #include "measure/SampleFormat.h"
+#include "measure/VectorPath.h"
 
 #include <vector>
 
@@ -29,9 +30,11 @@ private:
     template <typename Samples>
     void AddChannel(const Samples& samples, Channel& channel, std::int64_t firstFrame) const;
     std::uint32_t AddGroups(const RawFrames& frames);
+    std::uint32_t PassByUnchanged(const RawFrames& frames, std::uint32_t at, std::int32_t loudCode);
 
     SampleFormat format;
     MeterSettings settings;
+    VectorPath path;
     double threshold = 0;        // a fraction of full scale
     std::int64_t minimumFrames = 1;
     std::int64_t framesBefore = 0; // frames of the blocks before this one

@@ -21,7 +21,8 @@ std::optional<double> Correlation(double both, double left, double right)
 
 } // namespace
 
-StereoPairMeter::StereoPairMeter(const SampleFormat& format) : format(format), pairs(format.channels / 2)
+StereoPairMeter::StereoPairMeter(const SampleFormat& format)
+    : format(format), path(BestVectorPath()), pairs(format.channels / 2)
 {
     blockFrames = std::max<std::uint32_t>(1, static_cast<std::uint32_t>(std::lround(format.sampleRate * kPairBlockSeconds)));
     // A block's products of 16-bit codes stay below 2^53 units up to 2^23
@@ -57,44 +58,72 @@ void StereoPairMeter::AddPair(const Samples& leftView, const Samples& rightView,
     pair.sound = sound;
 }
 
+namespace {
+
+// Adds each lane's squares over rows of Lanes 16-bit codes from data to
+// squares (Lanes of them), and each pair's products of its two lanes to
+// both (Lanes / 2 of them). Inlined into each path's function, so that
+// each is compiled for its processors.
+template <std::uint32_t Lanes>
+[[gnu::always_inline]] inline void SumPairCodesIn(const std::uint8_t* data, std::size_t rows, std::int64_t* both,
+                                                  std::uint64_t* squares)
+{
+    std::int64_t pairBoth[Lanes / 2] = {};
+    std::uint64_t laneSquares[Lanes] = {};
+    for (std::size_t row = 0; row < rows; ++row) {
+        const std::uint8_t* at = data + row * Lanes * 2;
+        for (std::uint32_t l = 0; l < Lanes; ++l) {
+            const std::int32_t code = SampleAt<2>(at + 2 * l);
+            laneSquares[l] += static_cast<std::uint32_t>(code * code);
+        }
+        for (std::uint32_t p = 0; p < Lanes / 2; ++p)
+            pairBoth[p] += SampleAt<2>(at + 4 * p) * SampleAt<2>(at + 4 * p + 2);
+    }
+    for (std::uint32_t l = 0; l < Lanes; ++l)
+        squares[l] += laneSquares[l];
+    for (std::uint32_t p = 0; p < Lanes / 2; ++p)
+        both[p] += pairBoth[p];
+}
+
+// Sixteen lanes at once on the wide path: lane l + kCodeLanes holds the
+// channel of lane l.
+[[gnu::target("avx2")]] void SumPairCodesWide(const std::uint8_t* data, std::size_t rows, std::int64_t* both,
+                                              std::uint64_t* squares)
+{
+    SumPairCodesIn<2 * kCodeLanes>(data, rows, both, squares);
+}
+
+} // namespace
+
 // The same sums of packed 16-bit frames, every pair at once, as integers:
-// the same figures to the bit (see the constructor). Lane l's partner is
-// lane l ^ 1, the other channel of its pair, found by turning each pair's
-// 32 bits by half. Dual mono and inverse need no sums of their own: the
-// squares of l - r and of l + r, Σl² + Σr² ∓ 2Σlr, are 0 just when every
-// frame is so.
+// the same figures to the bit (see the constructor). Dual mono and inverse
+// need no sums of their own: the squares of l - r and of l + r, Σl² + Σr²
+// ∓ 2Σlr, are 0 just when every frame is so.
 void StereoPairMeter::AddCodes(const RawFrames& part)
 {
     const std::uint32_t count = format.channels;
-    const std::size_t samples = std::size_t{part.frames} * count, rows = samples / kCodeLanes;
-    std::int64_t both[kCodeLanes] = {};
-    std::uint64_t squares[kCodeLanes] = {};
-    const auto add = [&](std::uint32_t l, std::int32_t code, std::int32_t partner) {
-        squares[l] += static_cast<std::uint32_t>(code * code);
-        both[l] += code * partner;
-    };
-    for (std::size_t row = 0; row < rows; ++row) {
-        std::int16_t codes[kCodeLanes], partners[kCodeLanes];
-        LoadCodes(part.data + row * sizeof codes, codes);
-        std::uint32_t turned[kCodeLanes / 2];
-        std::memcpy(turned, codes, sizeof turned);
-        for (std::uint32_t& pair : turned)
-            pair = pair >> 16 | pair << 16;
-        std::memcpy(partners, turned, sizeof partners);
-        for (std::uint32_t l = 0; l < kCodeLanes; ++l)
-            add(l, codes[l], partners[l]);
-    }
-    for (std::size_t i = rows * kCodeLanes; i < samples; ++i)
-        add(i % kCodeLanes, SampleAt<2>(part.data + 2 * i), SampleAt<2>(part.data + 2 * (i ^ 1)));
-    // The left channel's lanes hold the products.
-    for (std::uint32_t l = 0; l < kCodeLanes; l += 2) {
+    const std::size_t samples = std::size_t{part.frames} * count;
+    std::int64_t both[kCodeLanes] = {}; // by pair of lanes
+    std::uint64_t squares[2 * kCodeLanes] = {};
+    SplitCodeRows(
+        path == VectorPath::Wide, part.data, samples,
+        [&](const std::uint8_t* from, std::size_t rows) { SumPairCodesWide(from, rows, both, squares); },
+        [&](const std::uint8_t* from, std::size_t rows) { SumPairCodesIn<kCodeLanes>(from, rows, both, squares); },
+        [&](std::size_t i) {
+            const std::int32_t code = SampleAt<2>(part.data + 2 * i);
+            squares[i % kCodeLanes] += static_cast<std::uint32_t>(code * code);
+            if (i % 2 == 0)
+                both[i % kCodeLanes / 2] += code * SampleAt<2>(part.data + 2 * i + 2);
+        });
+    for (std::uint32_t l = 0; l < 2 * kCodeLanes; l += 2) {
         Pair& pair = pairs[l % count / 2];
         const auto left = static_cast<std::int64_t>(squares[l]), right = static_cast<std::int64_t>(squares[l + 1]);
-        pair.block.both[0] += std::ldexp(static_cast<double>(both[l]), -30);
+        const std::int64_t product = both[l / 2];
+        pair.block.both[0] += std::ldexp(static_cast<double>(product), -30);
         pair.block.left[0] += std::ldexp(static_cast<double>(left), -30);
         pair.block.right[0] += std::ldexp(static_cast<double>(right), -30);
-        pair.identical = pair.identical && left + right - 2 * both[l] == 0;
-        pair.inverse = pair.inverse && left + right + 2 * both[l] == 0;
+        pair.identical = pair.identical && left + right - 2 * product == 0;
+        pair.inverse = pair.inverse && left + right + 2 * product == 0;
         pair.sound = pair.sound || left != 0;
     }
 }

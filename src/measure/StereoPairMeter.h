@@ -4,6 +4,7 @@
 #include "measure/LevelReport.h"
 #include "measure/Meter.h"
 #include "measure/SampleFormat.h"
+#include "measure/VectorPath.h"
 
 #include <vector>
 
@@ -42,6 +43,7 @@ private:
     void AddCodes(const RawFrames& part);
 
     SampleFormat format;
+    VectorPath path;
     std::uint32_t blockFrames = 1;
     bool exactCodes = false; // packed 16-bit frames in pairs, summed as integers
     std::uint32_t blockDone = 0;

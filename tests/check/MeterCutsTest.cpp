@@ -2,6 +2,7 @@
 // they give on the whole, to the last bit, since the pass cuts a file's
 // frames where its reads end.
 #include "measure/ClippingRunMeter.h"
+#include "measure/CodeSpans.h"
 #include "measure/NoiseFloorMeter.h"
 #include "measure/SilenceMeter.h"
 #include "measure/StereoPairMeter.h"
@@ -125,14 +126,20 @@ TEST(MeterCuts, PackedCodesGiveWhatSamplesWithRoomToSpareGive)
 {
     std::mt19937 random(5);
     constexpr std::uint32_t kFrames = 20000;
-    const auto kinds = {"random", "dual mono", "inverse", "both at -32768"};
+    // Quiet: codes about the silence threshold's (33 at -60 dBFS) with a
+    // rare peak, so that long spans pass by whole and end at one code.
+    const auto kinds = {"random", "dual mono", "inverse", "both at -32768", "quiet"};
     for (const std::uint16_t channels : {1, 2, 4, 8}) {
         for (const std::string kind : kinds) {
             SCOPED_TRACE(std::to_string(channels) + " channels, " + kind);
             std::vector<std::int16_t> samples(std::size_t{kFrames} * channels);
             for (std::size_t i = 0; i < samples.size(); ++i) {
-                const auto value = static_cast<std::int16_t>(random() % 5 == 0 ? 32767 - random() % 2 : random());
-                samples[i] = i % 2 == 0 || kind == std::string("random") ? value
+                const bool quiet = kind == std::string("quiet");
+                const auto value = static_cast<std::int16_t>(
+                    quiet ? (random() % 3000 == 0 ? -32768 + random() % 2 : static_cast<int>(random() % 2000 == 0 ? 0 : 33) *
+                                                                                (random() % 2 ? 1 : -1) - static_cast<int>(random() % 200 == 0))
+                    : random() % 5 == 0 ? 32767 - random() % 2 : random());
+                samples[i] = i % 2 == 0 || kind == std::string("random") || quiet ? value
                              : kind == std::string("dual mono")         ? samples[i - 1]
                              : kind == std::string("inverse")           ? static_cast<std::int16_t>(-samples[i - 1])
                                                                         : std::int16_t{-32768};
@@ -141,7 +148,9 @@ TEST(MeterCuts, PackedCodesGiveWhatSamplesWithRoomToSpareGive)
                 if (kind == std::string("inverse") && samples[i] == -32768)
                     samples[i] = 0;
             }
-            std::fill_n(samples.begin() + 3000 * channels, 2500 * channels, 0);
+            // Zeros from frame 3025, where a span of the part from the cut at 17
+            // can end: a silent run starts right after sound passed by whole.
+            std::fill_n(samples.begin() + 3025 * channels, 2500 * channels, 0);
             std::string results[2];
             for (const std::uint16_t spare : {0, 2}) {
                 const auto align = static_cast<std::uint16_t>(2 * channels + spare);
@@ -155,6 +164,53 @@ TEST(MeterCuts, PackedCodesGiveWhatSamplesWithRoomToSpareGive)
                 results[spare / 2] = MeasureInParts(format, bytes, kFrames, {1, 17, 4097, 12005});
             }
             EXPECT_EQ(results[0], results[1]);
+        }
+    }
+}
+
+// Both paths pass by the frames a sample by sample look passes by, whatever
+// the ranges: a code at either end of its range, or one past it, anywhere.
+TEST(MeterCuts, FramesInRangesEndAtTheFirstCodeOutside)
+{
+    std::mt19937 random(7);
+    for (const std::uint32_t channels : {1u, 2u, 4u, 8u}) {
+        for (int round = 0; round < 200; ++round) {
+            MagnitudeRanges ranges;
+            for (std::uint32_t c = 0; c < channels; ++c) {
+                ranges.low[c] = static_cast<std::uint16_t>(random() % 3 == 0 ? 0 : random() % 32769);
+                ranges.high[c] = static_cast<std::uint16_t>(random() % 3 == 0 ? 32768 : ranges.low[c] + random() % (32769 - ranges.low[c]));
+            }
+            // Codes inside their ranges, at the ends most often, and one
+            // outside somewhere, or none.
+            std::vector<std::int16_t> codes(64 * 40 + 24);
+            for (std::size_t i = 0; i < codes.size(); ++i) {
+                const std::uint32_t c = i % channels, pick = random() % 3;
+                const int magnitude = pick == 0 ? ranges.low[c] : pick == 1 ? ranges.high[c]
+                                                  : ranges.low[c] + static_cast<int>(random() % (ranges.high[c] - ranges.low[c] + 1u));
+                codes[i] = static_cast<std::int16_t>(magnitude == 32768 || random() % 2 ? -magnitude : magnitude);
+            }
+            const std::size_t outside = random() % (codes.size() + 1);
+            if (outside < codes.size()) {
+                const std::uint32_t c = outside % channels;
+                if (ranges.low[c] > 0)
+                    codes[outside] = static_cast<std::int16_t>(ranges.low[c] - 1);
+                else if (ranges.high[c] < 32768)
+                    codes[outside] = static_cast<std::int16_t>(-(ranges.high[c] + 1));
+            }
+            std::size_t first = 0;
+            while (first < codes.size()) {
+                const std::uint32_t c = first % channels;
+                const int magnitude = codes[first] < 0 ? -codes[first] : codes[first];
+                if (magnitude < ranges.low[c] || magnitude > ranges.high[c])
+                    break;
+                ++first;
+            }
+            const auto frames = static_cast<std::uint32_t>(codes.size() / channels);
+            const auto expected = static_cast<std::uint32_t>(first / channels);
+            for (const VectorPath path : {VectorPath::Plain, BestVectorPath()}) {
+                SCOPED_TRACE(std::to_string(channels) + " channels, round " + std::to_string(round) + ", " + VectorPathName(path));
+                EXPECT_EQ(FramesInRanges(path, reinterpret_cast<const std::uint8_t*>(codes.data()), frames, channels, ranges), expected);
+            }
         }
     }
 }
