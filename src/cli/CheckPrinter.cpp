@@ -30,6 +30,20 @@ std::string FindingsJson(const std::vector<Finding>& findings)
     return out + "]";
 }
 
+// The members of a checked file's object, in both JSON forms: path,
+// report, hasError and findings as the checker always printed them, then
+// the header facts and a policy's verdict.
+std::string FileMembersJson(const FileCheck& check, const FormatFacts& facts, const PolicyVerdict* verdict)
+{
+    std::string members = "\"path\": ";
+    AppendJsonString(members, check.path.View());
+    members += ", \"report\": ";
+    AppendJsonString(members, check.report.View());
+    members += std::string(", \"hasError\": ") + (check.hasError ? "true" : "false");
+    members += ", " + FindingsJson(check.findings) + ", \"format\": " + FormatFactsJson(facts);
+    return verdict ? members + ", " + FormatPolicyJson(*verdict) : members;
+}
+
 Finding UnreadableFinding(const std::string& code)
 {
     const FindingKind* kind = FindFindingKind(code);
@@ -44,9 +58,9 @@ class TextPrinter : public CheckPrinter {
 public:
     TextPrinter(TextSink& sink, bool headed) : sink(sink), headed(headed) {}
 
-    void File(const FileCheck& check, const FormatFacts& facts, const PolicyVerdict* verdict) override
+    // A person reads a file's facts with --levels.
+    void File(const FileCheck& check, const FormatFacts&, const PolicyVerdict* verdict) override
     {
-        static_cast<void>(facts); // a person reads the facts with --levels
         Head(check.path);
         if (check.unreadable) {
             sink.Put(WideToUtf8(UnreadableFinding("file.unreadable").text.View()) + "\n");
@@ -94,16 +108,7 @@ public:
             Unreadable(check.path, "file.unreadable");
             return;
         }
-        std::string object = Separator() + "{\"path\": ";
-        AppendJsonString(object, check.path.View());
-        {
-            object += ", \"report\": ";
-            AppendJsonString(object, check.report.View());
-            object += std::string(", \"hasError\": ") + (check.hasError ? "true" : "false");
-            object += ", " + FindingsJson(check.findings) + ", \"format\": " + FormatFactsJson(facts);
-            object += (verdict ? ", " + FormatPolicyJson(*verdict) : std::string()) + "}";
-        }
-        sink.Put(object);
+        sink.Put(Separator() + "{" + FileMembersJson(check, facts, verdict) + "}");
     }
     // Every object has the same members: a path that gives no report has
     // null in its place, and counts as one with an error.
@@ -140,12 +145,7 @@ public:
             Unreadable(check.path, "file.unreadable");
             return;
         }
-        std::string object = "{\"type\": \"file\", \"path\": ";
-        AppendJsonString(object, check.path.View());
-        object += ", \"report\": ";
-        AppendJsonString(object, check.report.View());
-        object += std::string(", \"hasError\": ") + (check.hasError ? "true" : "false");
-        sink.Put(object + ", " + FindingsJson(check.findings) + ", \"format\": " + FormatFactsJson(facts) + (verdict ? ", " + FormatPolicyJson(*verdict) : "") + "}\n");
+        sink.Put("{\"type\": \"file\", " + FileMembersJson(check, facts, verdict) + "}\n");
     }
     void Unreadable(const WideString& path, const std::string& code) override
     {
