@@ -57,18 +57,20 @@ bool MeasureLevels(FileLayout& layout, LevelReport& report, std::string& problem
     // floor and the stereo pairs go whole to the helper; the silence stays
     // on this thread, and so do the levels, but for packed 16-bit codes,
     // whose sums cost so little beside the silence's runs that the helper
-    // takes them too. With the loudness, the K-weighting keeps this thread
-    // busy: the helper finds most of the true peaks, the costliest work of
-    // all, measures the silence too, and shares the levels of other
+    // takes them too. With the loudness, the K-weighting stays on this
+    // thread, which reads every frame in order; the helper finds most of the
+    // true peaks, the costliest work of all, and shares the levels of other
     // samples.
     const HelperShare levelShare = TakesCodeLanes(format) ? HelperShare::Whole
                                    : loudness               ? HelperShare::Half
                                                             : HelperShare::None;
     std::vector<ChosenMeter> meters;
     meters.push_back({std::make_unique<LevelMeter>(format), levelShare});
-    if (loudness)
-        meters.push_back({std::make_unique<LoudnessAndPeakMeter>(format), HelperShare::ThreeQuarters});
-    meters.push_back({std::make_unique<SilenceMeter>(format, settings), loudness ? HelperShare::Whole : HelperShare::None});
+    if (loudness) {
+        meters.push_back({std::make_unique<ProgrammeLoudnessMeter>(format), HelperShare::None});
+        meters.push_back({std::make_unique<TruePeakMeter>(format), HelperShare::ThreeQuarters});
+    }
+    meters.push_back({std::make_unique<SilenceMeter>(format, settings), HelperShare::None});
     meters.push_back({std::make_unique<ClippingRunMeter>(format, settings), HelperShare::Whole});
     meters.push_back({std::make_unique<NoiseFloorMeter>(format), HelperShare::Whole});
     meters.push_back({std::make_unique<StereoPairMeter>(format), HelperShare::Whole});

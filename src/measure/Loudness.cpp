@@ -1,6 +1,7 @@
 #include "measure/Loudness.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -69,39 +70,20 @@ std::vector<double> LoudnessMeter::ChannelWeights(std::uint16_t channels, std::u
     return weights;
 }
 
-// The two K-weighting filters are worked out for the sample rate from
-// their analogue prototypes: a high shelf of +4 dB above about 1.7 kHz and
-// a high pass at about 38 Hz.
 LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> channelWeights, VectorPath path)
-    : weights(std::move(channelWeights)), path(path), filters(weights.size()), peaks(weights.size()),
-      stepFrames(std::max<std::uint32_t>(1, sampleRate / 10)), steps(30, 0.0),
+    : weights(channelWeights), path(path), kWeighting(sampleRate, std::move(channelWeights), path),
+      peaks(weights.size()), stepFrames(kWeighting.StepFrames()), steps(30, 0.0),
       oversampling(sampleRate < 96000 ? 4 : sampleRate < 192000 ? 2 : 1)
 {
-    const double rate = sampleRate > 0 ? sampleRate : 48000;
-    {
-        const double f0 = 1681.974450955533, gain = 3.999843853973347, q = 0.7071752369554196;
-        const double k = std::tan(kPi * f0 / rate);
-        const double vh = std::pow(10.0, gain / 20), vb = std::pow(vh, 0.4996667741545416);
-        const double a0 = 1 + k / q + k * k;
-        shelf = {(vh + vb * k / q + k * k) / a0, 2 * (k * k - vh) / a0, (vh - vb * k / q + k * k) / a0,
-                 2 * (k * k - 1) / a0, (1 - k / q + k * k) / a0};
-    }
-    {
-        const double f0 = 38.13547087602444, q = 0.5003270373238773;
-        const double k = std::tan(kPi * f0 / rate);
-        const double a0 = 1 + k / q + k * k;
-        highPass = {1, -2, 1, 2 * (k * k - 1) / a0, (1 - k / q + k * k) / a0};
-    }
     // The interpolation filter: a sinc cut at the original Nyquist
     // frequency under a Hann window, 12 taps a phase and one more, so
     // that its middle falls on a sample: the phase on the samples is then
     // the samples themselves (the sinc is 0 at every other one), and only
-    // the phases between them are worked out, each summing to 1. Stored
-    // tap by tap, the phases side by side (unused phases zero), so that the
-    // inner loop works on all phases at once.
+    // the phases between them are worked out, each summing to 1, and
+    // folded by their symmetry (see TruePeakTaps).
     const int taps = kTruePeakTaps * oversampling + 1;
-    for (int p = 1; p < oversampling; ++p) {
-        double row[kTruePeakTaps];
+    const auto phase = [&](int p) {
+        std::array<double, kTruePeakTaps> row{};
         double sum = 0;
         for (int k = 0; k < kTruePeakTaps; ++k) {
             const int m = p + k * oversampling;
@@ -111,8 +93,21 @@ LoudnessMeter::LoudnessMeter(std::uint32_t sampleRate, std::vector<double> chann
             row[k] = sinc * window;
             sum += row[k];
         }
-        for (int k = 0; k < kTruePeakTaps; ++k)
-            interpolator[k][p - 1] = static_cast<float>(row[k] / sum);
+        for (double& tap : row)
+            tap /= sum;
+        return row;
+    };
+    if (oversampling > 1) {
+        const std::array<double, kTruePeakTaps> middle = phase(oversampling / 2);
+        for (int k = 0; k < kTruePeakHalf; ++k)
+            interpolator.middle[k] = static_cast<float>((middle[k] + middle[kTruePeakTaps - 1 - k]) / 2);
+    }
+    if (oversampling == 4) {
+        const std::array<double, kTruePeakTaps> quarter = phase(1);
+        for (int k = 0; k < kTruePeakHalf; ++k) {
+            interpolator.outer[k] = static_cast<float>((quarter[k] + quarter[kTruePeakTaps - 1 - k]) / 2);
+            interpolator.skew[k] = static_cast<float>((quarter[k] - quarter[kTruePeakTaps - 1 - k]) / 2);
+        }
     }
     for (PeakState& state : peaks)
         state.line.assign(kTruePeakTaps - 1, 0.0f);
@@ -153,24 +148,22 @@ void LoudnessMeter::MergeTruePeaks(const LoudnessMeter& other)
         peaks[c].truePeak = std::max(peaks[c].truePeak, other.peaks[c].truePeak);
 }
 
-// Frames go through channel by channel (two at a time where they can), a
-// step of 100 ms at most at a time.
 void LoudnessMeter::AddLoudness(const float* frames, std::size_t frameCount)
 {
-    const std::size_t count = filters.size();
-    while (frameCount > 0) {
-        const std::size_t run = std::min<std::size_t>(frameCount, stepFrames - framesInStep);
-        std::size_t c = 0;
-        for (; c + 1 < count; c += 2)
-            KWeightTwo(path, shelf, highPass, filters[c], filters[c + 1], frames + c, run, count);
-        if (c < count)
-            KWeightOne(path, shelf, highPass, filters[c], frames + c, run, count);
-        frames += run * count;
-        frameCount -= run;
-        framesInStep += static_cast<std::uint32_t>(run);
-        if (framesInStep == stepFrames)
-            EndOfStep();
-    }
+    const std::size_t count = weights.size();
+    AddLoudness(
+        [&](std::size_t first, std::uint32_t run, float* out) {
+            std::memcpy(out, frames + first * count, std::size_t{run} * count * sizeof(float));
+        },
+        frameCount);
+}
+
+void LoudnessMeter::AddLoudness(const FloatSource& source, std::size_t frameCount)
+{
+    endedSteps.clear();
+    kWeighting.Add(source, frameCount, endedSteps);
+    for (const double energy : endedSteps)
+        EndOfStep(energy);
 }
 
 void LoudnessMeter::AddTruePeaks(const float* frames, std::size_t frameCount)
@@ -183,16 +176,10 @@ void LoudnessMeter::AddTruePeaks(const float* frames, std::size_t frameCount)
 // Every 100 ms: the step's weighted energy joins the last 30; a block of
 // 400 ms (four steps, overlapping by three) goes to the gating, and once 3 s
 // have passed a short-term value goes to the loudness range.
-void LoudnessMeter::EndOfStep()
+void LoudnessMeter::EndOfStep(double energy)
 {
-    double energy = 0;
-    for (std::size_t c = 0; c < filters.size(); ++c) {
-        energy += weights[c] * filters[c].stepEnergy;
-        filters[c].stepEnergy = 0;
-    }
     steps[stepCount % steps.size()] = energy;
     ++stepCount;
-    framesInStep = 0;
     const auto sumOfLast = [&](std::size_t n) {
         double sum = 0;
         for (std::size_t i = 0; i < n; ++i)

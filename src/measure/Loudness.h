@@ -1,5 +1,6 @@
 #pragma once
 
+#include "measure/KWeighting.h"
 #include "measure/VectorPath.h"
 
 #include <cstddef>
@@ -27,6 +28,9 @@ public:
     // The two halves of Add. They share nothing, so two threads may feed
     // them the same frames at once; Result wants both to have had them all.
     void AddLoudness(const float* frames, std::size_t frameCount);
+    // The same from frames that source decodes: a long run is filtered
+    // faster than short ones (see KWeighting).
+    void AddLoudness(const FloatSource& source, std::size_t frameCount);
     void AddTruePeaks(const float* frames, std::size_t frameCount);
 
     // The true peaks of a long programme may be found in parts, each part
@@ -74,20 +78,19 @@ private:
         int top = 0;                        // the bins above this one are empty
     };
 
-    void EndOfStep();
+    void EndOfStep(double energy);
     float TruePeakOf(PeakState& state, const float* samples, std::size_t count, std::size_t stride) const;
 
     std::vector<double> weights;
     VectorPath path;
-    std::vector<KWeightingState> filters;
+    KWeighting kWeighting;
+    std::vector<double> endedSteps; // of the run being added
     std::vector<PeakState> peaks;
-    Biquad shelf{}, highPass{};
     std::uint32_t stepFrames;       // 100 ms
-    std::uint32_t framesInStep = 0;
     std::vector<double> steps;      // the last 30 steps' weighted energies
     std::size_t stepCount = 0;
     double momentaryMax = -1e300, shortTermMax = -1e300;
     Histogram blocks, shortTerms;
     int oversampling;
-    TruePeakTaps interpolator = {}; // the true-peak filter, tap by tap
+    TruePeakTaps interpolator = {}; // the true-peak filter, folded
 };

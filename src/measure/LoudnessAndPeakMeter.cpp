@@ -4,38 +4,57 @@
 
 static_assert(LoudnessMeter::kTruePeakHistory <= kMostPrimingFrames);
 
-LoudnessAndPeakMeter::LoudnessAndPeakMeter(const SampleFormat& format)
+ProgrammeLoudnessMeter::ProgrammeLoudnessMeter(const SampleFormat& format)
     : format(format), meter(format.sampleRate, LoudnessMeter::ChannelWeights(format.channels, format.channelMask))
 {
 }
 
-void LoudnessAndPeakMeter::Add(const FloatFrames& block)
+void ProgrammeLoudnessMeter::AddBytes(const RawFrames& frames)
+{
+    meter.AddLoudness(
+        [&](std::size_t first, std::uint32_t count, float* out) {
+            DecodeFloats(format, frames.data + first * frames.stride, count, out);
+        },
+        frames.frames);
+}
+
+// The true peaks are TruePeakMeter's: only the loudness is taken.
+void ProgrammeLoudnessMeter::Finish(LevelReport& report)
+{
+    const LoudnessMeter::Figures figures = meter.Result();
+    report.hasLoudness = true;
+    report.loudness.integrated = figures.integrated;
+    report.loudness.range = figures.range;
+    report.loudness.momentaryMax = figures.momentaryMax;
+    report.loudness.shortTermMax = figures.shortTermMax;
+}
+
+TruePeakMeter::TruePeakMeter(const SampleFormat& format)
+    : format(format), meter(format.sampleRate, LoudnessMeter::ChannelWeights(format.channels, format.channelMask))
+{
+}
+
+void TruePeakMeter::Add(const FloatFrames& block)
 {
     meter.AddTruePeaks(block.samples, block.frames);
 }
 
-void LoudnessAndPeakMeter::AddEveryFrame(const FloatFrames& block)
+std::unique_ptr<Meter> TruePeakMeter::MakeTwin() const
 {
-    meter.AddLoudness(block.samples, block.frames);
+    return std::make_unique<TruePeakMeter>(format);
 }
 
-std::unique_ptr<Meter> LoudnessAndPeakMeter::MakeTwin() const
-{
-    return std::make_unique<LoudnessAndPeakMeter>(format);
-}
-
-void LoudnessAndPeakMeter::Prime(const FloatFrames& block)
+void TruePeakMeter::Prime(const FloatFrames& block)
 {
     meter.PrimeTruePeaks(block.samples, block.frames);
 }
 
-void LoudnessAndPeakMeter::Merge(const Meter& twin)
+void TruePeakMeter::Merge(const Meter& twin)
 {
-    meter.MergeTruePeaks(static_cast<const LoudnessAndPeakMeter&>(twin).meter);
+    meter.MergeTruePeaks(static_cast<const TruePeakMeter&>(twin).meter);
 }
 
-void LoudnessAndPeakMeter::Finish(LevelReport& report)
+void TruePeakMeter::Finish(LevelReport& report)
 {
-    report.hasLoudness = true;
-    report.loudness = meter.Result();
+    report.loudness.truePeak = meter.Result().truePeak;
 }

@@ -236,7 +236,6 @@ void PassRun::MeasureOwn(const Piece& piece)
             Meter& meter = *meters[m].meter;
             if (meter.Input() != MeterInput::Floats)
                 continue;
-            meter.AddEveryFrame(block);
             const std::uint32_t own = OwnFrames(piece, m);
             if (at < own)
                 meter.Add({block.samples, std::min(block.frames, own - at), block.channels});

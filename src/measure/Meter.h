@@ -45,10 +45,6 @@ public:
     // The meter's share of the frames, decoded or raw as Input says.
     virtual void Add(const FloatFrames&) {}
     virtual void AddBytes(const RawFrames&) {}
-    // For a meter that shares its work: every frame, in order, for the part
-    // of the work that can't be done in parts. Called before Add with the
-    // same block; a twin never gets it.
-    virtual void AddEveryFrame(const FloatFrames&) {}
 
     // Sharing with the helper thread
     // A meter of the same kind for the helper's part; null when the work

@@ -5,59 +5,58 @@
 
 namespace {
 
-// The lanes of each path's true-peak filter, and their masks.
+// The lanes of each path's true-peak filter.
 using FourFloats = float __attribute__((vector_size(16)));
-using FourMasks = int __attribute__((vector_size(16)));
 using EightFloats = float __attribute__((vector_size(32)));
-using EightMasks = int __attribute__((vector_size(32)));
+// The lanes of each path's K-weighting, and their inputs.
+using TwoFloats = float __attribute__((vector_size(8)));
+using TwoDoubles = double __attribute__((vector_size(16)));
+using FourDoubles = double __attribute__((vector_size(32)));
 
-// The true-peak filter over neighbouring instants, Width instants at once, one in
-// each lane of a vector of the compiler's own (both compilers of this
-// program know the form), each tap's phases weighing the same samples. Two
-// partial sums per phase keep more chains of additions in flight. Taken
-// Width at a time the instants need no sums across lanes, which cost more
-// than the filter itself did when the lanes were the phases. Inlined into
+// The true-peak filter over neighbouring instants, Width instants at once,
+// one in each lane of a vector of the compiler's own (both compilers of
+// this program know the form): taken Width at a time the instants need no
+// sums across lanes. The taps folded by their symmetry (see TruePeakTaps)
+// ask half the multiplications of the plain sums, and their additions go
+// to the processor's adders while the multipliers are busy. Inlined into
 // each path's function, so that each is compiled for its processors.
-template <typename Lanes, typename Mask>
+template <typename Lanes>
 [[gnu::always_inline]] inline float HighestSquareIn(const TruePeakTaps& taps, const float* x, std::size_t count)
 {
     constexpr int Width = sizeof(Lanes) / sizeof(float);
     // Vectors go in and out by reference: the 32-bit build has no vector
     // registers to pass them in.
     const auto load = [](Lanes& lanes, const float* from) { std::memcpy(&lanes, from, sizeof lanes); };
-    const auto keepLarger = [](Lanes& peak, const Lanes& value) {
-        const Mask larger = value > peak;
-        peak = reinterpret_cast<Lanes>((reinterpret_cast<Mask>(value) & larger) | (reinterpret_cast<Mask>(peak) & ~larger));
-    };
-    // Each tap's weight of each phase, in all lanes.
-    Lanes weight[kTruePeakTaps][kTruePeakPhases];
-    for (int k = 0; k < kTruePeakTaps; ++k)
-        for (int p = 0; p < kTruePeakPhases; ++p)
-            weight[k][p] = Lanes{} + taps[k][p];
+    // Lane by lane the larger: one instruction of either path.
+    const auto larger = [](Lanes& into, const Lanes& a, const Lanes& b) { into = a > b ? a : b; };
+    // Each tap in all lanes.
+    Lanes middle[kTruePeakHalf], outer[kTruePeakHalf], skew[kTruePeakHalf];
+    for (int k = 0; k < kTruePeakHalf; ++k) {
+        middle[k] = Lanes{} + taps.middle[k];
+        outer[k] = Lanes{} + taps.outer[k];
+        skew[k] = Lanes{} + taps.skew[k];
+    }
     Lanes peaks{};
     std::size_t i = 0;
     for (; i + Width <= count; i += Width) {
         const float* at = x + i;
-        // The phases by name, so that the sums stay in registers.
-        Lanes even0{}, even1{}, even2{}, odd0{}, odd1{}, odd2{};
-        for (int k = 0; k < kTruePeakTaps; k += 2) {
+        Lanes own, halfway{}, sums{}, differences{};
+        load(own, at);
+        for (int k = 0; k < kTruePeakHalf; ++k) {
             Lanes near, far;
             load(near, at - k);
-            load(far, at - k - 1);
-            even0 += weight[k][0] * near;
-            even1 += weight[k][1] * near;
-            even2 += weight[k][2] * near;
-            odd0 += weight[k + 1][0] * far;
-            odd1 += weight[k + 1][1] * far;
-            odd2 += weight[k + 1][2] * far;
+            load(far, at - (kTruePeakTaps - 1) + k);
+            const Lanes sum = near + far, difference = near - far;
+            halfway += middle[k] * sum;
+            sums += outer[k] * sum;
+            differences += skew[k] * difference;
         }
-        Lanes own;
-        load(own, at);
-        const Lanes phase0 = even0 + odd0, phase1 = even1 + odd1, phase2 = even2 + odd2;
-        keepLarger(peaks, own * own);
-        keepLarger(peaks, phase0 * phase0);
-        keepLarger(peaks, phase1 * phase1);
-        keepLarger(peaks, phase2 * phase2);
+        const Lanes quarter = sums + differences, threeQuarters = sums - differences;
+        Lanes first, second;
+        larger(first, own * own, halfway * halfway);
+        larger(second, quarter * quarter, threeQuarters * threeQuarters);
+        larger(first, first, second);
+        larger(peaks, peaks, first);
     }
     float peak = 0;
     for (int lane = 0; lane < Width; ++lane)
@@ -65,72 +64,75 @@ template <typename Lanes, typename Mask>
     // The last few instants of a run, one at a time.
     for (; i < count; ++i) {
         const float* at = x + i;
-        peak = std::max(peak, at[0] * at[0]);
-        for (int p = 0; p < kTruePeakPhases; ++p) {
-            float value = 0;
-            for (int k = 0; k < kTruePeakTaps; ++k)
-                value += taps[k][p] * at[-k];
-            peak = std::max(peak, value * value);
+        float halfway = 0, sums = 0, differences = 0;
+        for (int k = 0; k < kTruePeakHalf; ++k) {
+            const float near = at[-k], far = at[-(kTruePeakTaps - 1) + k];
+            halfway += taps.middle[k] * (near + far);
+            sums += taps.outer[k] * (near + far);
+            differences += taps.skew[k] * (near - far);
         }
+        const float quarter = sums + differences, threeQuarters = sums - differences;
+        peak = std::max({peak, at[0] * at[0], halfway * halfway, quarter * quarter, threeQuarters * threeQuarters});
     }
     return peak;
 }
 
-// One channel's K-weighting; each sample's filter waits on the one before.
-[[gnu::always_inline]] inline void KWeightOneIn(const Biquad& shelf, const Biquad& highPass, KWeightingState& state,
-                                                const float* samples, std::size_t count, std::size_t stride)
+// Every lane's K-weighting, Width lanes to a vector of the compiler's own.
+// Each chain waits on its last output, so the lanes are many, and each
+// filter adds its input's part to the next state before the output is
+// known: then a step waits on two operations of the chain before it, not
+// three. A vector's inputs are read a frame at a time, from as many runs as
+// it spans (or part of a frame, where a frame spans vectors).
+template <typename Lanes, typename Inputs, std::size_t Channels>
+[[gnu::always_inline]] inline void KWeightLanesIn(const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
+                                                  const float* const* runs, std::size_t count)
 {
-    double z0 = state.z[0], z1 = state.z[1], z2 = state.z[2], z3 = state.z[3], energy = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const double x = samples[i * stride];
-        const double y1 = shelf.b0 * x + z0;
-        z0 = shelf.b1 * x - shelf.a1 * y1 + z1;
-        z1 = shelf.b2 * x - shelf.a2 * y1;
-        const double y2 = highPass.b0 * y1 + z2;
-        z2 = highPass.b1 * y1 - highPass.a1 * y2 + z3;
-        z3 = highPass.b2 * y1 - highPass.a2 * y2;
-        energy += y2 * y2;
-    }
-    state.z[0] = z0;
-    state.z[1] = z1;
-    state.z[2] = z2;
-    state.z[3] = z3;
-    state.stepEnergy += energy;
-}
-
-// Two neighbouring channels at once, one in each lane of a vector of the
-// compiler's own: a channel alone leaves the processor mostly idle, and a
-// second channel's chain runs in the same instructions. Lane by lane the
-// arithmetic is KWeightOneIn's, so the figures are the same to the last
-// bit.
-[[gnu::always_inline]] inline void KWeightTwoIn(const Biquad& shelf, const Biquad& highPass, KWeightingState& first,
-                                                KWeightingState& second, const float* samples, std::size_t count,
-                                                std::size_t stride)
-{
-    using Lanes = double __attribute__((vector_size(16)));
+    constexpr std::size_t Width = sizeof(Lanes) / sizeof(double);
+    constexpr std::size_t Vectors = kWeightingLanes / Width;
+    constexpr std::size_t Piece = Channels < Width ? Channels : Width; // floats a read
+    const float* from[kWeightingLanes / Channels];
+    for (std::size_t r = 0; r < kWeightingLanes / Channels; ++r)
+        from[r] = runs[r];
     const Lanes sb0 = Lanes{} + shelf.b0, sb1 = Lanes{} + shelf.b1, sb2 = Lanes{} + shelf.b2,
                 sa1 = Lanes{} + shelf.a1, sa2 = Lanes{} + shelf.a2;
     const Lanes hb0 = Lanes{} + highPass.b0, hb1 = Lanes{} + highPass.b1, hb2 = Lanes{} + highPass.b2,
                 ha1 = Lanes{} + highPass.a1, ha2 = Lanes{} + highPass.a2;
-    Lanes z0{first.z[0], second.z[0]}, z1{first.z[1], second.z[1]}, z2{first.z[2], second.z[2]},
-        z3{first.z[3], second.z[3]}, energy{0, 0};
-    for (std::size_t i = 0; i < count; ++i) {
-        const Lanes x{samples[i * stride], samples[i * stride + 1]};
-        const Lanes y1 = sb0 * x + z0;
-        z0 = sb1 * x - sa1 * y1 + z1;
-        z1 = sb2 * x - sa2 * y1;
-        const Lanes y2 = hb0 * y1 + z2;
-        z2 = hb1 * y1 - ha1 * y2 + z3;
-        z3 = hb2 * y1 - ha2 * y2;
-        energy += y2 * y2;
+    Lanes z0[Vectors], z1[Vectors], z2[Vectors], z3[Vectors], energy[Vectors];
+    for (std::size_t v = 0; v < Vectors; ++v) {
+        std::memcpy(&z0[v], &lanes.z[0][v * Width], sizeof(Lanes));
+        std::memcpy(&z1[v], &lanes.z[1][v * Width], sizeof(Lanes));
+        std::memcpy(&z2[v], &lanes.z[2][v * Width], sizeof(Lanes));
+        std::memcpy(&z3[v], &lanes.z[3][v * Width], sizeof(Lanes));
+        std::memcpy(&energy[v], &lanes.energy[v * Width], sizeof(Lanes));
     }
-    for (int lane = 0; lane < 2; ++lane) {
-        KWeightingState& state = lane == 0 ? first : second;
-        state.z[0] = z0[lane];
-        state.z[1] = z1[lane];
-        state.z[2] = z2[lane];
-        state.z[3] = z3[lane];
-        state.stepEnergy += energy[lane];
+    for (std::size_t i = 0; i < count; ++i) {
+        // Unrolled, so that the states stay in registers.
+#pragma GCC unroll 4
+        for (std::size_t v = 0; v < Vectors; ++v) {
+            float samples[Width];
+#pragma GCC unroll 8
+            for (std::size_t l = 0; l < Width; l += Piece) {
+                const std::size_t lane = v * Width + l;
+                std::memcpy(samples + l, from[lane / Channels] + i * Channels + lane % Channels, Piece * sizeof(float));
+            }
+            Inputs in;
+            std::memcpy(&in, samples, sizeof in);
+            const Lanes input = __builtin_convertvector(in, Lanes);
+            const Lanes y1 = sb0 * input + z0[v];
+            z0[v] = (sb1 * input + z1[v]) - sa1 * y1;
+            z1[v] = sb2 * input - sa2 * y1;
+            const Lanes y2 = hb0 * y1 + z2[v];
+            z2[v] = (hb1 * y1 + z3[v]) - ha1 * y2;
+            z3[v] = hb2 * y1 - ha2 * y2;
+            energy[v] += y2 * y2;
+        }
+    }
+    for (std::size_t v = 0; v < Vectors; ++v) {
+        std::memcpy(&lanes.z[0][v * Width], &z0[v], sizeof(Lanes));
+        std::memcpy(&lanes.z[1][v * Width], &z1[v], sizeof(Lanes));
+        std::memcpy(&lanes.z[2][v * Width], &z2[v], sizeof(Lanes));
+        std::memcpy(&lanes.z[3][v * Width], &z3[v], sizeof(Lanes));
+        std::memcpy(&lanes.energy[v * Width], &energy[v], sizeof(Lanes));
     }
 }
 
@@ -138,20 +140,21 @@ template <typename Lanes, typename Mask>
 // filter eight instants at once.
 [[gnu::target("avx2,fma")]] float HighestSquareWide(const TruePeakTaps& taps, const float* x, std::size_t count)
 {
-    return HighestSquareIn<EightFloats, EightMasks>(taps, x, count);
+    return HighestSquareIn<EightFloats>(taps, x, count);
 }
 
-[[gnu::target("avx2,fma")]] void KWeightOneWide(const Biquad& shelf, const Biquad& highPass, KWeightingState& state,
-                                                const float* samples, std::size_t count, std::size_t stride)
+template <std::size_t Channels>
+[[gnu::target("avx2,fma")]] void KWeightLanesWide(const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
+                                                  const float* const* runs, std::size_t count)
 {
-    KWeightOneIn(shelf, highPass, state, samples, count, stride);
+    KWeightLanesIn<FourDoubles, FourFloats, Channels>(shelf, highPass, lanes, runs, count);
 }
 
-[[gnu::target("avx2,fma")]] void KWeightTwoWide(const Biquad& shelf, const Biquad& highPass, KWeightingState& first,
-                                                KWeightingState& second, const float* samples, std::size_t count,
-                                                std::size_t stride)
+template <std::size_t Channels>
+void KWeightLanesPlain(const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes, const float* const* runs,
+                       std::size_t count)
 {
-    KWeightTwoIn(shelf, highPass, first, second, samples, count, stride);
+    KWeightLanesIn<TwoDoubles, TwoFloats, Channels>(shelf, highPass, lanes, runs, count);
 }
 
 } // namespace
@@ -170,25 +173,18 @@ const char* VectorPathName(VectorPath path)
     return path == VectorPath::Wide ? "avx2+fma" : "plain";
 }
 
-void KWeightOne(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingState& state,
-                const float* samples, std::size_t count, std::size_t stride)
+void KWeightLanes(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
+                  const float* const* runs, std::size_t channels, std::size_t count)
 {
-    if (path == VectorPath::Wide)
-        KWeightOneWide(shelf, highPass, state, samples, count, stride);
-    else
-        KWeightOneIn(shelf, highPass, state, samples, count, stride);
-}
-
-void KWeightTwo(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingState& first,
-                KWeightingState& second, const float* samples, std::size_t count, std::size_t stride)
-{
-    if (path == VectorPath::Wide)
-        KWeightTwoWide(shelf, highPass, first, second, samples, count, stride);
-    else
-        KWeightTwoIn(shelf, highPass, first, second, samples, count, stride);
+    using Filter = void (*)(const Biquad&, const Biquad&, KWeightingLanes&, const float* const*, std::size_t);
+    static constexpr Filter wide[] = {KWeightLanesWide<1>, KWeightLanesWide<2>, KWeightLanesWide<4>, KWeightLanesWide<8>};
+    static constexpr Filter plain[] = {KWeightLanesPlain<1>, KWeightLanesPlain<2>, KWeightLanesPlain<4>,
+                                       KWeightLanesPlain<8>};
+    const std::size_t form = channels == 1 ? 0 : channels == 2 ? 1 : channels == 4 ? 2 : 3;
+    (path == VectorPath::Wide ? wide : plain)[form](shelf, highPass, lanes, runs, count);
 }
 
 float HighestSquare(VectorPath path, const TruePeakTaps& taps, const float* x, std::size_t count)
 {
-    return path == VectorPath::Wide ? HighestSquareWide(taps, x, count) : HighestSquareIn<FourFloats, FourMasks>(taps, x, count);
+    return path == VectorPath::Wide ? HighestSquareWide(taps, x, count) : HighestSquareIn<FourFloats>(taps, x, count);
 }

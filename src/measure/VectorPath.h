@@ -22,26 +22,37 @@ struct Biquad {
     double b0, b1, b2, a1, a2;
 };
 
-// One channel's state of the K-weighting (a high shelf, then a high pass)
-// and the energy of its current step.
-struct KWeightingState {
-    double z[4] = {}; // the two filters' states
-    double stepEnergy = 0;
+// Chains of the K-weighting side by side, one in each lane: each a high
+// shelf, then a high pass, with the sum of its output's squares since it
+// was last taken.
+constexpr std::size_t kWeightingLanes = 8;
+struct KWeightingLanes {
+    double z[4][kWeightingLanes] = {}; // the two filters' states, lane by lane
+    double energy[kWeightingLanes] = {};
 };
 
-// The K-weighting of count samples, stride apart, adding their squares to
-// the channel's step energy; KWeightTwo does two neighbouring channels at
-// once (samples[i * stride] and samples[i * stride + 1]).
-void KWeightOne(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingState& state,
-                const float* samples, std::size_t count, std::size_t stride);
-void KWeightTwo(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingState& first,
-                KWeightingState& second, const float* samples, std::size_t count, std::size_t stride);
+// count steps of every lane. The lanes' inputs are frames of channels
+// samples (1, 2, 4 or 8), kWeightingLanes / channels runs of them side by
+// side: lane l takes sample l % channels of each frame of runs[l / channels].
+void KWeightLanes(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
+                  const float* const* runs, std::size_t channels, std::size_t count);
 
-// The true-peak filter's taps: kTruePeakTaps a phase, each tap's phases
-// side by side, phases unused zero.
+// The true-peak filter's taps, kTruePeakTaps a phase, folded by their
+// symmetry. The filter's phases between samples are mirror images of each
+// other: the middle one (halfway) of itself, the other two (a quarter and
+// three quarters of the way) of each other, tap k of one being tap 11 - k
+// of the other. So the filter adds each sample to its mirror (s) and takes
+// it from it (d) first, and then a value halfway is the sum over half the
+// taps of middle[k] · s_k, and the two others are P + Q and P - Q, where P
+// sums outer[k] · s_k and Q sums skew[k] · d_k. Oversampled twice, the only
+// phase between samples is the middle one, and the outer taps are zero.
 constexpr int kTruePeakTaps = 12;
-constexpr int kTruePeakPhases = 3;
-using TruePeakTaps = float[kTruePeakTaps][kTruePeakPhases];
+constexpr int kTruePeakHalf = kTruePeakTaps / 2;
+struct TruePeakTaps {
+    float middle[kTruePeakHalf];
+    float outer[kTruePeakHalf]; // the mean of a quarter phase's tap k and its tap 11 - k
+    float skew[kTruePeakHalf];  // half their difference
+};
 
 // The highest square of the samples x[0] to x[count - 1] and of the values
 // between each and the one before; x[-1] to x[-(kTruePeakTaps - 1)] are

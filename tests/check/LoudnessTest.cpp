@@ -264,3 +264,104 @@ TEST(Loudness, WideVectorsGiveThePlainFigures)
         }
     }
 }
+
+// A long run's K-weighting is cut into segments filtered side by side, each
+// warmed up from rest (see KWeighting); a run too short to cut goes through
+// whole. One long run, and a short run then a long one (which starts in the
+// middle of a step and goes on from the filters' states), must give the
+// figures of the same frames in short runs, to within rounding: for every
+// way the lanes are filled (read in place for 1, 2, 4 and 8 channels, laid
+// side by side for 3 and 6, more than one group of lanes for 11), at the
+// lowest rate measured, a common one and a high one, on a programme the
+// filters remember much of: a strong 20 Hz tone and an offset under noise
+// that swells, and half a second of digital silence.
+TEST(Loudness, LongRunsCutIntoSegmentsGiveTheFiguresOfShortRuns)
+{
+    const struct {
+        std::uint32_t rate;
+        std::vector<std::size_t> channelCounts;
+    } cases[] = {{8000, {1, 2, 3, 4, 6, 8, 11}}, {48000, {1, 2, 3, 4, 6, 8, 11}}, {192000, {2}}};
+    std::uint32_t seed = 4242;
+    for (const auto& c : cases) {
+        for (const std::size_t channels : c.channelCounts) {
+            SCOPED_TRACE(std::to_string(c.rate) + " Hz, " + std::to_string(channels) + " channels");
+            const std::size_t frameCount = c.rate * 9 + 77;
+            std::vector<float> frames(channels * frameCount);
+            for (std::size_t i = 0; i < frames.size(); ++i) {
+                seed = seed * 1664525u + 1013904223u;
+                const double t = static_cast<double>(i / channels) / c.rate;
+                const double swell = t >= 3.0 && t < 3.5 ? 0 : 0.5 * (1 + std::sin(2 * std::numbers::pi * 0.2 * t));
+                frames[i] = static_cast<float>(
+                    swell * (0.05 + 0.3 * std::sin(2 * std::numbers::pi * 20 * t + static_cast<double>(i % channels)) +
+                             static_cast<std::int32_t>(seed) / 2147483648.0 * 0.2));
+            }
+            const std::vector<double> weights(channels, 1.0);
+            LoudnessMeter whole(c.rate, weights), twoRuns(c.rate, weights), shortRuns(c.rate, weights);
+            whole.AddLoudness(frames.data(), frameCount);
+            twoRuns.AddLoudness(frames.data(), 1234);
+            twoRuns.AddLoudness(frames.data() + 1234 * channels, frameCount - 1234);
+            for (std::size_t first = 0; first < frameCount; first += 997)
+                shortRuns.AddLoudness(frames.data() + first * channels, std::min<std::size_t>(997, frameCount - first));
+            const LoudnessMeter::Figures expected = shortRuns.Result();
+            ASSERT_GT(expected.integrated, -30);
+            for (const LoudnessMeter* meter : {&whole, &twoRuns}) {
+                const LoudnessMeter::Figures figures = meter->Result();
+                EXPECT_NEAR(figures.integrated, expected.integrated, 1e-9);
+                EXPECT_NEAR(figures.range, expected.range, 1e-9);
+                EXPECT_NEAR(figures.momentaryMax, expected.momentaryMax, 1e-9);
+                EXPECT_NEAR(figures.shortTermMax, expected.shortTermMax, 1e-9);
+            }
+        }
+    }
+}
+
+// The true-peak filter folded by its symmetry, in vectors, against the
+// filter written out plainly in doubles: each phase between samples its
+// own sum of 12 taps of a Hann-windowed sinc, summing to 1. Noise of
+// different levels on three channels, oversampled four times and twice,
+// with a lone full-scale pair of opposite samples (the highest values lie
+// between them) in runs of every length the vectors treat apart.
+TEST(Loudness, FoldedTruePeakFilterGivesThePlainSums)
+{
+    for (const std::uint32_t rate : {44100u, 96000u}) {
+        SCOPED_TRACE(rate);
+        const int oversampling = rate < 96000 ? 4 : 2, taps = 12 * oversampling + 1;
+        constexpr std::size_t kChannels = 3, kFrames = 5003;
+        std::vector<float> frames(kChannels * kFrames);
+        std::uint32_t seed = 99;
+        for (std::size_t i = 0; i < frames.size(); ++i) {
+            seed = seed * 1664525u + 1013904223u;
+            frames[i] = static_cast<float>(static_cast<std::int32_t>(seed) / 2147483648.0 * (0.2 + 0.3 * (i % kChannels)));
+        }
+        frames[2500 * kChannels + 1] = 1.0f;
+        frames[2501 * kChannels + 1] = -1.0f;
+        std::vector<double> expected(kChannels, 0.0);
+        for (std::size_t c = 0; c < kChannels; ++c) {
+            for (std::size_t i = 0; i < kFrames; ++i) {
+                const double sample = frames[i * kChannels + c];
+                expected[c] = std::max(expected[c], std::fabs(sample));
+                for (int p = 1; p < oversampling; ++p) {
+                    double value = 0, sum = 0;
+                    for (int k = 0; k < 12; ++k) {
+                        const int m = p + k * oversampling;
+                        const double x = (m - (taps - 1) / 2.0) / oversampling;
+                        const double tap = std::sin(std::numbers::pi * x) / (std::numbers::pi * x) *
+                                           (0.5 - 0.5 * std::cos(2 * std::numbers::pi * m / (taps - 1)));
+                        sum += tap;
+                        value += i >= static_cast<std::size_t>(k) ? tap * frames[(i - k) * kChannels + c] : 0;
+                    }
+                    expected[c] = std::max(expected[c], std::fabs(value / sum));
+                }
+            }
+        }
+        EXPECT_GT(expected[1], 1.02); // the lone pair's peak lies between them
+        for (const VectorPath path : {VectorPath::Plain, BestVectorPath()}) {
+            LoudnessMeter meter(rate, std::vector<double>(kChannels, 1.0), path);
+            for (std::size_t first = 0, run = 1; first < kFrames; first += run, run = run * 2 + 1)
+                meter.AddTruePeaks(frames.data() + first * kChannels, std::min(run, kFrames - first));
+            const std::vector<double> peaks = meter.Result().truePeak;
+            for (std::size_t c = 0; c < kChannels; ++c)
+                EXPECT_NEAR(Decibels(peaks[c]), Decibels(expected[c]), 1e-5) << "channel " << c + 1;
+        }
+    }
+}
