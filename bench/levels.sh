@@ -69,29 +69,35 @@ measure "sox stats cold" "$out/levels-sox.txt" sox "$file" -n stats
 measure "sox stats warm" "$out/levels-sox-warm.txt" sox "$file" -n stats
 measure "sondara-check again" "$out/levels-sondara-again.txt" "$checker" --levels "$file"
 evict "$file"
-# The disk of a shared virtual machine gives the same read from 0.6 to 1 s:
-# dd, --levels and --levels --loudness take turns three times, and the best
-# time of each counts.
-best() { # name of the variable, then the time of this turn
-  if [ -z "${!1:-}" ] || awk -v a="$2" -v b="${!1}" 'BEGIN { exit !(a < b) }'; then eval "$1=$2"; fi
+# The disk of a shared virtual machine gives the same read from 0.25 to 1 s,
+# by the host's cache: dd, --levels and --levels --loudness take turns five
+# times, and the median of each counts (the best of each is said too; a
+# best time of dd is often a turn of the host's cache, which the others,
+# reading right after, seldom meet).
+turns() { # name of the list, then the time of this turn
+  eval "$1=\"\${$1:-} $2\""
 }
-most() { # the same for the highest peak memory of the turns
+most() { # the highest peak memory of the turns
   if [ -z "${!1:-}" ] || awk -v a="$2" -v b="${!1}" 'BEGIN { exit !(a > b) }'; then eval "$1=$2"; fi
 }
-for turn in 1 2 3; do
+for turn in 1 2 3 4 5; do
   measure "dd direct" "$out/levels-dd.txt" dd if="$file" of=/dev/null bs=4M iflag=direct
-  best dd_best "$dd_direct"
+  turns dd_turns "$dd_direct"
   measure "sondara-check levels" "$out/levels-only.txt" "$checker" --levels "$file"
-  best levels_best "$sondara_check_levels"
+  turns levels_turns "$sondara_check_levels"
   most levels_peak "$peak"
   measure "sondara-check loudness" "$out/levels-loudness.txt" "$checker" --levels --loudness "$file"
-  best loudness_best "$sondara_check_loudness"
+  turns loudness_turns "$sondara_check_loudness"
   most loudness_peak "$peak"
 done
-dd_direct="$dd_best" sondara_check_levels="$levels_best" sondara_check_loudness="$loudness_best"
-printf '  best of three: dd direct %s s, sondara-check levels %s s, with loudness %s s\n' \
+median() { tr ' ' '\n' <<<"$1" | sed '/^$/d' | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+least() { tr ' ' '\n' <<<"$1" | sed '/^$/d' | sort -g | head -n 1; }
+dd_direct="$(median "$dd_turns")" sondara_check_levels="$(median "$levels_turns")" sondara_check_loudness="$(median "$loudness_turns")"
+printf '  median of five: dd direct %s s, sondara-check levels %s s, with loudness %s s\n' \
   "$dd_direct" "$sondara_check_levels" "$sondara_check_loudness"
-python3 -c 'import sys; d, l, o, lp, op = map(float, sys.argv[1:]); print(f"  --levels at {d / max(l, 0.01):.0%} of dd direct (90% wanted), --levels --loudness at {d / max(o, 0.01):.0%} (75% wanted); peak memory {lp / 1024:.1f} and {op / 1024:.1f} MiB (32 MiB at most)")' \
+printf '  best of five:   dd direct %s s, sondara-check levels %s s, with loudness %s s\n' \
+  "$(least "$dd_turns")" "$(least "$levels_turns")" "$(least "$loudness_turns")"
+python3 -c 'import sys; d, l, o, lp, op = map(float, sys.argv[1:]); print(f"  --levels at {d / max(l, 0.01):.0%} of dd direct (90% wanted), --levels --loudness at {d / max(o, 0.01):.0%} (75% wanted), medians; peak memory {lp / 1024:.1f} and {op / 1024:.1f} MiB (32 MiB at most)")' \
   "$dd_direct" "$sondara_check_levels" "$sondara_check_loudness" "$levels_peak" "$loudness_peak"
 if command -v ffmpeg >/dev/null; then
   evict "$file"

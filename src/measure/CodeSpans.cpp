@@ -80,7 +80,7 @@ std::uint32_t FramesInRanges(VectorPath path, const std::uint8_t* data, std::uin
         width[l] = static_cast<std::uint16_t>(ranges.high[c] - ranges.low[c]);
     }
     const std::size_t samples = std::size_t{frames} * channels, spans = samples / kSpanSamples;
-    std::size_t i = path == VectorPath::Wide ? FirstOutsideWide(data, spans, low, width) : FirstOutsideIn(data, spans, low, width);
+    std::size_t i = path != VectorPath::Plain ? FirstOutsideWide(data, spans, low, width) : FirstOutsideIn(data, spans, low, width);
     // The samples past the spans, one at a time.
     if (i == spans * kSpanSamples) {
         for (; i < samples; ++i) {

@@ -205,7 +205,7 @@ void AddFrames(const SampleFormat& format, VectorPath path, const std::uint8_t* 
         switch (format.kind) {
         case SampleKind::Unsigned8: AddPacked<1>(data, frames, channels, sums); return;
         case SampleKind::Signed16:
-            if (path == VectorPath::Wide)
+            if (path != VectorPath::Plain)
                 AddPacked16Wide(data, frames, channels, sums);
             else
                 AddPacked<2>(data, frames, channels, sums);

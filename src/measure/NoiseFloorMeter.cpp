@@ -96,7 +96,7 @@ void NoiseFloorMeter::AddCodes(const RawFrames& part)
     std::uint64_t squares[2 * kCodeLanes] = {};
     std::int32_t any[2 * kCodeLanes] = {};
     SplitCodeRows(
-        path == VectorPath::Wide, part.data, samples,
+        path != VectorPath::Plain, part.data, samples,
         [&](const std::uint8_t* from, std::size_t rows) { SumCodeSquaresWide(from, rows, squares, any); },
         [&](const std::uint8_t* from, std::size_t rows) { SumCodeSquaresIn<kCodeLanes>(from, rows, squares, any); },
         [&](std::size_t i) {

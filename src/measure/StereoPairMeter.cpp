@@ -106,7 +106,7 @@ void StereoPairMeter::AddCodes(const RawFrames& part)
     std::int64_t both[kCodeLanes] = {}; // by pair of lanes
     std::uint64_t squares[2 * kCodeLanes] = {};
     SplitCodeRows(
-        path == VectorPath::Wide, part.data, samples,
+        path != VectorPath::Plain, part.data, samples,
         [&](const std::uint8_t* from, std::size_t rows) { SumPairCodesWide(from, rows, both, squares); },
         [&](const std::uint8_t* from, std::size_t rows) { SumPairCodesIn<kCodeLanes>(from, rows, both, squares); },
         [&](std::size_t i) {

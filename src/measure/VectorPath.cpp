@@ -8,6 +8,7 @@ namespace {
 // The lanes of each path's true-peak filter.
 using FourFloats = float __attribute__((vector_size(16)));
 using EightFloats = float __attribute__((vector_size(32)));
+using SixteenFloats = float __attribute__((vector_size(64)));
 // The lanes of each path's K-weighting, and their inputs.
 using TwoFloats = float __attribute__((vector_size(8)));
 using TwoDoubles = double __attribute__((vector_size(16)));
@@ -143,6 +144,12 @@ template <typename Lanes, typename Inputs, std::size_t Channels>
     return HighestSquareIn<EightFloats>(taps, x, count);
 }
 
+// The widest path: the true-peak filter sixteen instants at once.
+[[gnu::target("avx512f,avx2,fma")]] float HighestSquareWidest(const TruePeakTaps& taps, const float* x, std::size_t count)
+{
+    return HighestSquareIn<SixteenFloats>(taps, x, count);
+}
+
 template <std::size_t Channels>
 [[gnu::target("avx2,fma")]] void KWeightLanesWide(const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
                                                   const float* const* runs, std::size_t count)
@@ -163,14 +170,16 @@ VectorPath BestVectorPath()
 {
     static const VectorPath best = [] {
         __builtin_cpu_init();
-        return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") ? VectorPath::Wide : VectorPath::Plain;
+        if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma"))
+            return VectorPath::Plain;
+        return __builtin_cpu_supports("avx512f") ? VectorPath::Widest : VectorPath::Wide;
     }();
     return best;
 }
 
 const char* VectorPathName(VectorPath path)
 {
-    return path == VectorPath::Wide ? "avx2+fma" : "plain";
+    return path == VectorPath::Widest ? "avx512" : path == VectorPath::Wide ? "avx2+fma" : "plain";
 }
 
 void KWeightLanes(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
@@ -181,10 +190,15 @@ void KWeightLanes(VectorPath path, const Biquad& shelf, const Biquad& highPass, 
     static constexpr Filter plain[] = {KWeightLanesPlain<1>, KWeightLanesPlain<2>, KWeightLanesPlain<4>,
                                        KWeightLanesPlain<8>};
     const std::size_t form = channels == 1 ? 0 : channels == 2 ? 1 : channels == 4 ? 2 : 3;
-    (path == VectorPath::Wide ? wide : plain)[form](shelf, highPass, lanes, runs, count);
+    (path == VectorPath::Plain ? plain : wide)[form](shelf, highPass, lanes, runs, count);
 }
 
 float HighestSquare(VectorPath path, const TruePeakTaps& taps, const float* x, std::size_t count)
 {
-    return path == VectorPath::Wide ? HighestSquareWide(taps, x, count) : HighestSquareIn<FourFloats>(taps, x, count);
+    switch (path) {
+    case VectorPath::Widest: return HighestSquareWidest(taps, x, count);
+    case VectorPath::Wide: return HighestSquareWide(taps, x, count);
+    case VectorPath::Plain: break;
+    }
+    return HighestSquareIn<FourFloats>(taps, x, count);
 }

@@ -3,18 +3,21 @@
 #include <cstddef>
 
 // The inner loops of the loudness meter, the K-weighting and the
-// true-peak filter, built twice: for any x86 processor (SSE2 at most), and
-// for those with AVX2 and FMA, which take twice the instants of the
-// true-peak filter at once and fuse the filters' multiplications with
-// their additions. The wide path is chosen once per run where the
-// processor has both; its figures differ from the plain path's in the last
-// bits only (a fused multiply-add rounds once where the plain path rounds
-// twice). Plain functions, for any thread.
-enum class VectorPath { Plain, Wide };
+// true-peak filter, built for any x86 processor (SSE2 at most), for those
+// with AVX2 and FMA, which take twice the lanes at once and fuse the
+// filters' multiplications with their additions, and for those with
+// AVX-512 too, whose true-peak filter takes sixteen instants at once. The
+// widest path the processor has is chosen once per run. The wide and the
+// widest paths give the same figures to the last bit; the plain path's
+// differ from theirs in the last bits only (a fused multiply-add rounds
+// once where the plain path rounds twice). The meters' loops of integer
+// codes take AVX2 on either of the two. Plain functions, for any thread.
+enum class VectorPath { Plain, Wide, Widest };
 
-// Wide where the processor running this has AVX2 and FMA, else plain.
+// Widest where the processor running this has AVX-512 (F), AVX2 and FMA,
+// wide where it has AVX2 and FMA, else plain.
 VectorPath BestVectorPath();
-// "avx2+fma" or "plain", as sondara-check --version names them.
+// "avx512", "avx2+fma" or "plain", as sondara-check --version names them.
 const char* VectorPathName(VectorPath path);
 
 // A biquad's coefficients, a0 being 1.
