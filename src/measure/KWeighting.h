@@ -33,6 +33,12 @@ public:
     // The run of frameCount frames after those added before. The weighted
     // energy of each step it ends goes to endedSteps, in order.
     void Add(const FloatSource& source, std::size_t frameCount, std::vector<double>& endedSteps);
+    // Whether a frame's channels fill whole lanes (1, 2, 4 or 8 channels):
+    // then the lanes read frames where they lie, and AddCodes may be used.
+    bool FillsLanes() const;
+    // The same as Add of packed little-endian 16-bit codes, read in place:
+    // the figures of their floats to the last bit, with no floats made.
+    void AddCodes(const std::uint8_t* codes, std::size_t frameCount, std::vector<double>& endedSteps);
 
     std::uint32_t StepFrames() const { return stepFrames; }
 
@@ -41,9 +47,12 @@ private:
         std::size_t warmFrom, counted, end; // frames of the run: warm-up from, counted from, end
         std::size_t at = 0;                 // the next frame to filter
     };
-    std::vector<Segment> Cut(std::size_t frameCount) const;
+    void Begin(std::size_t frameCount);
+    template <typename Prepare, typename Filter>
+    void FilterRun(std::size_t slice, Prepare prepare, Filter filter);
+    void End(std::size_t frameCount, std::vector<double>& endedSteps);
     std::size_t NextEvent(const Segment& segment, std::size_t position) const;
-    void TakeEnergy(std::size_t segment, const Segment& place, std::size_t position, std::vector<double>& stepEnergies);
+    void TakeEnergy(std::size_t segment, std::size_t position);
     void SaveStates(std::size_t segment);
 
     std::vector<double> weights;
@@ -55,8 +64,12 @@ private:
     std::vector<std::array<double, 4>> states; // each channel's filter states between runs
     std::uint32_t framesInStep = 0; // of the step the last run ended in
     double stepEnergy = 0;          // and its weighted energy so far
-    // The run's lanes: segment by segment, channel by channel, in groups of
-    // kWeightingLanes.
+    // The run being added: its segments, their lanes (segment by segment,
+    // channel by channel, in groups of kWeightingLanes), the weighted
+    // energy of each step it touches.
+    std::vector<Segment> segments;
     std::vector<KWeightingLanes> lanes;
-    std::vector<float> decoded, interleaved;
+    std::vector<double> stepEnergies;
+    std::vector<float> decoded, interleaved, silence;
+    std::vector<std::uint8_t> silentCodes;
 };

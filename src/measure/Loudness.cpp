@@ -166,6 +166,14 @@ void LoudnessMeter::AddLoudness(const FloatSource& source, std::size_t frameCoun
         EndOfStep(energy);
 }
 
+void LoudnessMeter::AddLoudnessCodes(const std::uint8_t* codes, std::size_t frameCount)
+{
+    endedSteps.clear();
+    kWeighting.AddCodes(codes, frameCount, endedSteps);
+    for (const double energy : endedSteps)
+        EndOfStep(energy);
+}
+
 void LoudnessMeter::AddTruePeaks(const float* frames, std::size_t frameCount)
 {
     const std::size_t count = peaks.size();

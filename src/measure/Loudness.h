@@ -31,6 +31,10 @@ public:
     // The same from frames that source decodes: a long run is filtered
     // faster than short ones (see KWeighting).
     void AddLoudness(const FloatSource& source, std::size_t frameCount);
+    // The same of packed little-endian 16-bit codes, where TakesCodes: the
+    // figures of their floats to the last bit, with no floats made.
+    void AddLoudnessCodes(const std::uint8_t* codes, std::size_t frameCount);
+    bool TakesCodes() const { return kWeighting.FillsLanes(); }
     void AddTruePeaks(const float* frames, std::size_t frameCount);
 
     // The true peaks of a long programme may be found in parts, each part

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 namespace {
 
@@ -11,6 +12,10 @@ using EightFloats = float __attribute__((vector_size(32)));
 using SixteenFloats = float __attribute__((vector_size(64)));
 // The lanes of each path's K-weighting, and their inputs.
 using TwoFloats = float __attribute__((vector_size(8)));
+using TwoCodes = std::int16_t __attribute__((vector_size(4)));
+using FourCodes = std::int16_t __attribute__((vector_size(8)));
+using TwoInts = std::int32_t __attribute__((vector_size(8)));
+using FourInts = std::int32_t __attribute__((vector_size(16)));
 using TwoDoubles = double __attribute__((vector_size(16)));
 using FourDoubles = double __attribute__((vector_size(32)));
 
@@ -83,21 +88,23 @@ template <typename Lanes>
 // filter adds its input's part to the next state before the output is
 // known: then a step waits on two operations of the chain before it, not
 // three. A vector's inputs are read a frame at a time, from as many runs as
-// it spans (or part of a frame, where a frame spans vectors).
-template <typename Lanes, typename Inputs, std::size_t Channels>
+// it spans (or part of a frame, where a frame spans vectors): floats, or
+// 16-bit codes (Inputs of std::int16_t), which are worth code · 2^-15 as
+// their floats are, exactly.
+template <typename Lanes, typename Inputs, typename Ints, std::size_t Channels>
 [[gnu::always_inline]] inline void KWeightLanesIn(const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
-                                                  const float* const* runs, std::size_t count)
+                                                  const std::uint8_t* const* runs, std::size_t count)
 {
+    using Sample = std::remove_reference_t<decltype(Inputs{}[0])>;
     constexpr std::size_t Width = sizeof(Lanes) / sizeof(double);
     constexpr std::size_t Vectors = kWeightingLanes / Width;
-    constexpr std::size_t Piece = Channels < Width ? Channels : Width; // floats a read
-    const float* from[kWeightingLanes / Channels];
+    constexpr std::size_t Piece = Channels < Width ? Channels : Width; // samples a read
+    const std::uint8_t* from[kWeightingLanes / Channels];
     for (std::size_t r = 0; r < kWeightingLanes / Channels; ++r)
         from[r] = runs[r];
     const Lanes sb0 = Lanes{} + shelf.b0, sb1 = Lanes{} + shelf.b1, sb2 = Lanes{} + shelf.b2,
                 sa1 = Lanes{} + shelf.a1, sa2 = Lanes{} + shelf.a2;
-    const Lanes hb0 = Lanes{} + highPass.b0, hb1 = Lanes{} + highPass.b1, hb2 = Lanes{} + highPass.b2,
-                ha1 = Lanes{} + highPass.a1, ha2 = Lanes{} + highPass.a2;
+    const Lanes ha1 = Lanes{} + highPass.a1, ha2 = Lanes{} + highPass.a2;
     Lanes z0[Vectors], z1[Vectors], z2[Vectors], z3[Vectors], energy[Vectors];
     for (std::size_t v = 0; v < Vectors; ++v) {
         std::memcpy(&z0[v], &lanes.z[0][v * Width], sizeof(Lanes));
@@ -110,21 +117,33 @@ template <typename Lanes, typename Inputs, std::size_t Channels>
         // Unrolled, so that the states stay in registers.
 #pragma GCC unroll 4
         for (std::size_t v = 0; v < Vectors; ++v) {
-            float samples[Width];
+            Sample samples[Width];
 #pragma GCC unroll 8
             for (std::size_t l = 0; l < Width; l += Piece) {
                 const std::size_t lane = v * Width + l;
-                std::memcpy(samples + l, from[lane / Channels] + i * Channels + lane % Channels, Piece * sizeof(float));
+                std::memcpy(samples + l, from[lane / Channels] + (i * Channels + lane % Channels) * sizeof(Sample),
+                            Piece * sizeof(Sample));
             }
             Inputs in;
             std::memcpy(&in, samples, sizeof in);
-            const Lanes input = __builtin_convertvector(in, Lanes);
+            Lanes input;
+            if constexpr (std::is_integral_v<Sample>) {
+                // Codes widen to 32 bits first: a vector the processor
+                // converts to doubles in one instruction.
+                const Ints wide = __builtin_convertvector(in, Ints);
+                input = __builtin_convertvector(wide, Lanes) * (1.0 / 32768);
+            } else {
+                input = __builtin_convertvector(in, Lanes);
+            }
             const Lanes y1 = sb0 * input + z0[v];
             z0[v] = (sb1 * input + z1[v]) - sa1 * y1;
             z1[v] = sb2 * input - sa2 * y1;
-            const Lanes y2 = hb0 * y1 + z2[v];
-            z2[v] = (hb1 * y1 + z3[v]) - ha1 * y2;
-            z3[v] = hb2 * y1 - ha2 * y2;
+            // The high pass's numerator is 1, -2, 1: its products are
+            // additions, exact where they stand for a product, which leaves
+            // the multipliers to the other terms.
+            const Lanes y2 = y1 + z2[v];
+            z2[v] = (z3[v] - (y1 + y1)) - ha1 * y2;
+            z3[v] = y1 - ha2 * y2;
             energy[v] += y2 * y2;
         }
     }
@@ -150,18 +169,35 @@ template <typename Lanes, typename Inputs, std::size_t Channels>
     return HighestSquareIn<SixteenFloats>(taps, x, count);
 }
 
-template <std::size_t Channels>
+template <std::size_t Channels, bool Codes>
 [[gnu::target("avx2,fma")]] void KWeightLanesWide(const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
-                                                  const float* const* runs, std::size_t count)
+                                                  const std::uint8_t* const* runs, std::size_t count)
 {
-    KWeightLanesIn<FourDoubles, FourFloats, Channels>(shelf, highPass, lanes, runs, count);
+    KWeightLanesIn<FourDoubles, std::conditional_t<Codes, FourCodes, FourFloats>, FourInts, Channels>(
+        shelf, highPass, lanes, runs, count);
 }
 
-template <std::size_t Channels>
-void KWeightLanesPlain(const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes, const float* const* runs,
-                       std::size_t count)
+template <std::size_t Channels, bool Codes>
+void KWeightLanesPlain(const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
+                       const std::uint8_t* const* runs, std::size_t count)
 {
-    KWeightLanesIn<TwoDoubles, TwoFloats, Channels>(shelf, highPass, lanes, runs, count);
+    KWeightLanesIn<TwoDoubles, std::conditional_t<Codes, TwoCodes, TwoFloats>, TwoInts, Channels>(shelf, highPass, lanes,
+                                                                                                 runs, count);
+}
+
+// The filter of each path for frames of 1, 2, 4 or 8 channels, floats or
+// codes.
+template <bool Codes>
+void KWeightLanesOf(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
+                    const std::uint8_t* const* runs, std::size_t channels, std::size_t count)
+{
+    using Filter = void (*)(const Biquad&, const Biquad&, KWeightingLanes&, const std::uint8_t* const*, std::size_t);
+    static constexpr Filter wide[] = {KWeightLanesWide<1, Codes>, KWeightLanesWide<2, Codes>,
+                                      KWeightLanesWide<4, Codes>, KWeightLanesWide<8, Codes>};
+    static constexpr Filter plain[] = {KWeightLanesPlain<1, Codes>, KWeightLanesPlain<2, Codes>,
+                                       KWeightLanesPlain<4, Codes>, KWeightLanesPlain<8, Codes>};
+    const std::size_t form = channels == 1 ? 0 : channels == 2 ? 1 : channels == 4 ? 2 : 3;
+    (path == VectorPath::Plain ? plain : wide)[form](shelf, highPass, lanes, runs, count);
 }
 
 } // namespace
@@ -185,12 +221,16 @@ const char* VectorPathName(VectorPath path)
 void KWeightLanes(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
                   const float* const* runs, std::size_t channels, std::size_t count)
 {
-    using Filter = void (*)(const Biquad&, const Biquad&, KWeightingLanes&, const float* const*, std::size_t);
-    static constexpr Filter wide[] = {KWeightLanesWide<1>, KWeightLanesWide<2>, KWeightLanesWide<4>, KWeightLanesWide<8>};
-    static constexpr Filter plain[] = {KWeightLanesPlain<1>, KWeightLanesPlain<2>, KWeightLanesPlain<4>,
-                                       KWeightLanesPlain<8>};
-    const std::size_t form = channels == 1 ? 0 : channels == 2 ? 1 : channels == 4 ? 2 : 3;
-    (path == VectorPath::Plain ? plain : wide)[form](shelf, highPass, lanes, runs, count);
+    const std::uint8_t* bytes[kWeightingLanes];
+    for (std::size_t r = 0; r < kWeightingLanes / channels; ++r)
+        bytes[r] = reinterpret_cast<const std::uint8_t*>(runs[r]);
+    KWeightLanesOf<false>(path, shelf, highPass, lanes, bytes, channels, count);
+}
+
+void KWeightCodeLanes(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
+                      const std::uint8_t* const* runs, std::size_t channels, std::size_t count)
+{
+    KWeightLanesOf<true>(path, shelf, highPass, lanes, runs, channels, count);
 }
 
 float HighestSquare(VectorPath path, const TruePeakTaps& taps, const float* x, std::size_t count)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 // The inner loops of the loudness meter, the K-weighting and the
 // true-peak filter, built for any x86 processor (SSE2 at most), for those
@@ -34,11 +35,16 @@ struct KWeightingLanes {
     double energy[kWeightingLanes] = {};
 };
 
-// count steps of every lane. The lanes' inputs are frames of channels
+// count steps of every lane; the high pass's numerator is taken to be
+// 1, -2, 1, as the K-weighting's is. The lanes' inputs are frames of channels
 // samples (1, 2, 4 or 8), kWeightingLanes / channels runs of them side by
 // side: lane l takes sample l % channels of each frame of runs[l / channels].
 void KWeightLanes(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
                   const float* const* runs, std::size_t channels, std::size_t count);
+// The same of packed 16-bit codes, little-endian, each worth code · 2^-15:
+// the figures of their floats to the last bit.
+void KWeightCodeLanes(VectorPath path, const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
+                      const std::uint8_t* const* runs, std::size_t channels, std::size_t count);
 
 // The true-peak filter's taps, kTruePeakTaps a phase, folded by their
 // symmetry. The filter's phases between samples are mirror images of each

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <numbers>
 #include <string>
@@ -281,7 +282,9 @@ TEST(Loudness, WideVectorsGiveThePlainFigures)
 // side by side for 3 and 6, more than one group of lanes for 11), at the
 // lowest rate measured, a common one and a high one, on a programme the
 // filters remember much of: a strong 20 Hz tone and an offset under noise
-// that swells, and half a second of digital silence.
+// that swells, and half a second of digital silence. The frames are 16-bit
+// codes, and where the lanes read frames in place the codes themselves give
+// the figures of their floats to the last bit.
 TEST(Loudness, LongRunsCutIntoSegmentsGiveTheFiguresOfShortRuns)
 {
     const struct {
@@ -294,13 +297,16 @@ TEST(Loudness, LongRunsCutIntoSegmentsGiveTheFiguresOfShortRuns)
             SCOPED_TRACE(std::to_string(c.rate) + " Hz, " + std::to_string(channels) + " channels");
             const std::size_t frameCount = c.rate * 9 + 77;
             std::vector<float> frames(channels * frameCount);
+            std::vector<std::int16_t> codes(frames.size());
             for (std::size_t i = 0; i < frames.size(); ++i) {
                 seed = seed * 1664525u + 1013904223u;
                 const double t = static_cast<double>(i / channels) / c.rate;
                 const double swell = t >= 3.0 && t < 3.5 ? 0 : 0.5 * (1 + std::sin(2 * std::numbers::pi * 0.2 * t));
-                frames[i] = static_cast<float>(
+                const double value =
                     swell * (0.05 + 0.3 * std::sin(2 * std::numbers::pi * 20 * t + static_cast<double>(i % channels)) +
-                             static_cast<std::int32_t>(seed) / 2147483648.0 * 0.2));
+                             static_cast<std::int32_t>(seed) / 2147483648.0 * 0.2);
+                codes[i] = static_cast<std::int16_t>(std::lround(value * 32767));
+                frames[i] = static_cast<float>(codes[i]) / 32768.0f;
             }
             const std::vector<double> weights(channels, 1.0);
             LoudnessMeter whole(c.rate, weights), twoRuns(c.rate, weights), shortRuns(c.rate, weights);
@@ -317,6 +323,18 @@ TEST(Loudness, LongRunsCutIntoSegmentsGiveTheFiguresOfShortRuns)
                 EXPECT_NEAR(figures.range, expected.range, 1e-9);
                 EXPECT_NEAR(figures.momentaryMax, expected.momentaryMax, 1e-9);
                 EXPECT_NEAR(figures.shortTermMax, expected.shortTermMax, 1e-9);
+            }
+            LoudnessMeter fromCodes(c.rate, weights);
+            if (fromCodes.TakesCodes()) {
+                std::vector<std::uint8_t> bytes(codes.size() * 2);
+                std::memcpy(bytes.data(), codes.data(), bytes.size());
+                fromCodes.AddLoudnessCodes(bytes.data(), 1234);
+                fromCodes.AddLoudnessCodes(bytes.data() + 1234 * channels * 2, frameCount - 1234);
+                const LoudnessMeter::Figures figures = fromCodes.Result(), floats = twoRuns.Result();
+                EXPECT_EQ(figures.integrated, floats.integrated);
+                EXPECT_EQ(figures.range, floats.range);
+                EXPECT_EQ(figures.momentaryMax, floats.momentaryMax);
+                EXPECT_EQ(figures.shortTermMax, floats.shortTermMax);
             }
         }
     }
