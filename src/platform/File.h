@@ -46,7 +46,8 @@ bool FlushFileToDisk(FileHandle file);
 // direct I/O. False when it can't be told.
 bool QueryBytesPerSector(std::u16string_view fullPath, std::uint32_t& bytes);
 // Memory aligned for unbuffered transfers (to a page), zero-filled; null
-// when there is none.
+// when there is none. A transfer into its end is the fastest: where the
+// system has huge pages, the whole ones there are such.
 void* AllocateTransferMemory(std::size_t bytes);
 void FreeTransferMemory(void* memory, std::size_t bytes);
 
