@@ -16,6 +16,9 @@ using TwoCodes = std::int16_t __attribute__((vector_size(4)));
 using FourCodes = std::int16_t __attribute__((vector_size(8)));
 using TwoInts = std::int32_t __attribute__((vector_size(8)));
 using FourInts = std::int32_t __attribute__((vector_size(16)));
+using EightCodes = std::int16_t __attribute__((vector_size(16)));
+using EightInts = std::int32_t __attribute__((vector_size(32)));
+using EightDoubles = double __attribute__((vector_size(64)));
 using TwoDoubles = double __attribute__((vector_size(16)));
 using FourDoubles = double __attribute__((vector_size(32)));
 
@@ -177,6 +180,17 @@ template <std::size_t Channels, bool Codes>
         shelf, highPass, lanes, runs, count);
 }
 
+// The widest path: all eight lanes in one vector, lane by lane the wide
+// path's arithmetic.
+template <std::size_t Channels, bool Codes>
+[[gnu::target("avx512f,avx2,fma")]] void KWeightLanesWidest(const Biquad& shelf, const Biquad& highPass,
+                                                            KWeightingLanes& lanes, const std::uint8_t* const* runs,
+                                                            std::size_t count)
+{
+    KWeightLanesIn<EightDoubles, std::conditional_t<Codes, EightCodes, EightFloats>, EightInts, Channels>(
+        shelf, highPass, lanes, runs, count);
+}
+
 template <std::size_t Channels, bool Codes>
 void KWeightLanesPlain(const Biquad& shelf, const Biquad& highPass, KWeightingLanes& lanes,
                        const std::uint8_t* const* runs, std::size_t count)
@@ -197,7 +211,10 @@ void KWeightLanesOf(VectorPath path, const Biquad& shelf, const Biquad& highPass
     static constexpr Filter plain[] = {KWeightLanesPlain<1, Codes>, KWeightLanesPlain<2, Codes>,
                                        KWeightLanesPlain<4, Codes>, KWeightLanesPlain<8, Codes>};
     const std::size_t form = channels == 1 ? 0 : channels == 2 ? 1 : channels == 4 ? 2 : 3;
-    (path == VectorPath::Plain ? plain : wide)[form](shelf, highPass, lanes, runs, count);
+    static constexpr Filter widest[] = {KWeightLanesWidest<1, Codes>, KWeightLanesWidest<2, Codes>,
+                                        KWeightLanesWidest<4, Codes>, KWeightLanesWidest<8, Codes>};
+    const Filter* filters = path == VectorPath::Widest ? widest : path == VectorPath::Wide ? wide : plain;
+    filters[form](shelf, highPass, lanes, runs, count);
 }
 
 } // namespace

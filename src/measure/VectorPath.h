@@ -7,7 +7,8 @@
 // true-peak filter, built for any x86 processor (SSE2 at most), for those
 // with AVX2 and FMA, which take twice the lanes at once and fuse the
 // filters' multiplications with their additions, and for those with
-// AVX-512 too, whose true-peak filter takes sixteen instants at once. The
+// AVX-512 too, whose true-peak filter takes sixteen instants at once and
+// whose K-weighting takes all its lanes in one vector. The
 // widest path the processor has is chosen once per run. The wide and the
 // widest paths give the same figures to the last bit; the plain path's
 // differ from theirs in the last bits only (a fused multiply-add rounds

@@ -262,6 +262,9 @@ TEST(Loudness, WideVectorsGiveThePlainFigures)
             }
             const LoudnessMeter::Figures a = plain.Result(), b = wide.Result(), w = widestMeter.Result();
             EXPECT_EQ(w.integrated, b.integrated);
+            EXPECT_EQ(w.range, b.range);
+            EXPECT_EQ(w.momentaryMax, b.momentaryMax);
+            EXPECT_EQ(w.shortTermMax, b.shortTermMax);
             EXPECT_EQ(w.truePeak, b.truePeak);
             EXPECT_NEAR(a.integrated, b.integrated, 1e-9);
             EXPECT_NEAR(a.range, b.range, 1e-9);
